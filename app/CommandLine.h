@@ -1,0 +1,35 @@
+#pragma once
+
+#include "shared/Library/Archiver.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+// What the program's arguments ask for. Parsing looks at nothing but the arguments.
+struct CommandLine {
+    enum class Request { archive, window, help, version, wrongUsage };
+
+    static CommandLine parse(const std::vector<std::string>& arguments);
+    static std::string usage();
+
+    Request request = Request::window;
+    std::string problem; // with wrongUsage: what is wrong
+
+    std::vector<std::filesystem::path> files; // as given
+    std::optional<std::filesystem::path> toFolder;
+    std::optional<std::string> name; // fit for a file name, without the type's extension
+    int type = ArchiveTypePlainZip;
+    int level = 6;
+    bool excludeDSStore = true;
+    bool passwordFromInput = false;
+    bool quiet = false;
+
+    // What the type's archives end in: ".zip" and so on.
+    [[nodiscard]] std::string extension() const;
+
+    // For when no name is given: the one item's own without its extension, else "Untitled"; cut to
+    // what a file name with the type's extension can hold.
+    [[nodiscard]] std::string proposedName(const std::vector<std::filesystem::path>& items) const;
+};

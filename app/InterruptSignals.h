@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/base/FileDescriptor.h"
+
+#include <csignal>
+
+// SIGINT, SIGTERM and SIGHUP as something to read, for as long as this object lives; those that the
+// program was started to ignore stay ignored. Made on the main thread before any other thread,
+// which then has these signals blocked too.
+class InterruptSignals
+{
+public:
+    // Throws std::system_error.
+    InterruptSignals();
+    InterruptSignals(const InterruptSignals&) = delete;
+    InterruptSignals& operator=(const InterruptSignals&) = delete;
+
+    // What was not taken is forgotten.
+    ~InterruptSignals();
+
+    // Can be read when a signal has come.
+    [[nodiscard]] int descriptor() const { return _descriptor.number(); }
+
+    // Takes what has come; true if anything has.
+    bool take();
+
+private:
+    sigset_t _formerMask{};
+    FileDescriptor _descriptor;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Keeps what the tools of a job said besides their progress, as lines to be shown when the job has
+// ended. Memory is bounded: a line has its longest, and after a number of lines the rest are only
+// counted.
+class ToolMessages
+{
+public:
+    // The tool's name for the messages about it.
+    explicit ToolMessages(std::string tool);
+
+    // Output of the running tool, in pieces of any kind.
+    void addOutput(std::string_view bytes);
+
+    // The running tool has ended, and with it its last line.
+    void taskCompleted(int status);
+
+    // "zip ended with status 18: warning: a: Permission denied", "zip: ..." for words of a tool
+    // that ended well; at last how many lines are missing here.
+    [[nodiscard]] std::vector<std::string> lines() const;
+
+private:
+    void _endLine();
+    void _keep(const std::string& line);
+
+    std::string _tool;
+    std::string _line; // not yet ended
+    std::vector<std::string> _words; // of the running tool
+    std::vector<std::string> _kept;
+    std::size_t _left = 0; // lines not kept
+};

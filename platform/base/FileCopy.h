@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <system_error>
+
+// Copies that keep permissions, times and extended attributes.
+namespace FileCopy
+{
+
+// From the one descriptor's position to its end.
+[[nodiscard]] std::error_code copyContents(int from, int to);
+
+// Extended attributes where both sides have them, permissions and times of an open file or folder.
+[[nodiscard]] std::error_code copyAttributes(int from, int to);
+
+// A file, a link (as a link) or a folder with all that is in it, to a path that is still free.
+// Goes on after a failure and gives the first one; neither files nor links are replaced. Other
+// kinds of file cannot be copied.
+[[nodiscard]] std::error_code copyItem(
+    const std::filesystem::path& from, const std::filesystem::path& to);
+
+} // namespace FileCopy

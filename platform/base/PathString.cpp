@@ -1,0 +1,67 @@
+#include "platform/base/PathString.h"
+
+#include <cstdlib>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace
+{
+
+// The root keeps its one slash.
+std::string_view withoutSlashesAtEnd(std::string_view path)
+{
+    while (path.size() > 1 && path.back() == '/')
+        path.remove_suffix(1);
+    return path;
+}
+
+// The home folder of a user, of the present one for an empty name; empty when not known.
+std::string homeFolder(const std::string& user)
+{
+    const char* home = user.empty() ? std::getenv("HOME") : nullptr;
+    if (home != nullptr && *home != '\0')
+        return home;
+    const passwd* entry = user.empty() ? ::getpwuid(::geteuid()) : ::getpwnam(user.c_str());
+    return entry != nullptr ? entry->pw_dir : "";
+}
+
+} // namespace
+
+std::string PathString::lastPathComponent(std::string_view path)
+{
+    path = withoutSlashesAtEnd(path);
+    if (path == "/")
+        return "/";
+    return std::string(path.substr(path.rfind('/') + 1)); // npos + 1 is 0: the whole
+}
+
+std::string PathString::stringByDeletingLastPathComponent(std::string_view path)
+{
+    path = withoutSlashesAtEnd(path);
+    const auto slash = path.rfind('/');
+    if (slash == std::string_view::npos)
+        return {};
+    return std::string(withoutSlashesAtEnd(path.substr(0, slash + 1)));
+}
+
+std::string PathString::stringByDeletingPathExtension(std::string_view path)
+{
+    path = withoutSlashesAtEnd(path);
+    const auto name = path.rfind('/') + 1;
+    const auto dot = path.rfind('.');
+    if (dot == std::string_view::npos || dot <= name || dot + 1 == path.size())
+        return std::string(path);
+    return std::string(path.substr(0, dot));
+}
+
+std::string PathString::stringByExpandingTildeInPath(std::string_view path)
+{
+    if (path.empty() || path.front() != '~')
+        return std::string(path);
+    const auto slash = std::min(path.find('/'), path.size());
+    const std::string home = homeFolder(std::string(path.substr(1, slash - 1)));
+    if (home.empty())
+        return std::string(path);
+    return std::string(withoutSlashesAtEnd(home + std::string(path.substr(slash))));
+}

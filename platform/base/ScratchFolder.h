@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/base/FileDescriptor.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+// "cannot make a working folder in X: reason".
+class ScratchFolderFailure : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// A private folder below the temporary directory, which lives as long as this object and goes with
+// everything in it. It is locked for that time: a folder of ours that nobody has locked belonged to
+// a process that was killed, and the next one made removes it.
+class ScratchFolder
+{
+public:
+    // Throws ScratchFolderFailure.
+    ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ~ScratchFolder();
+
+    [[nodiscard]] const std::filesystem::path& path() const { return _path; }
+
+private:
+    std::filesystem::path _path;
+    FileDescriptor _lock; // never inherited by a child, which would prolong it
+};

@@ -1,0 +1,25 @@
+#include "shared/Library/FileManagerArchiverConvenience.h"
+
+#include "platform/base/FileTree.h"
+
+#include <cstdint>
+
+bool FileManagerArchiverConvenience::removeItemAtPath(const std::filesystem::path& path)
+{
+    std::error_code missing;
+    return std::filesystem::exists(path, missing) && !FileTree::remove(path);
+}
+
+int FileManagerArchiverConvenience::numberOfFilesAtPath(const std::filesystem::path& path)
+{
+    return static_cast<std::int32_t>(FileTree::countEntries(path) + 1);
+}
+
+int FileManagerArchiverConvenience::numberOfFilesAtPaths(
+    const std::vector<std::filesystem::path>& paths)
+{
+    std::uint32_t sum = 0; // wraps as 32 bits do, where int must not
+    for (const auto& path : paths)
+        sum += static_cast<std::uint32_t>(numberOfFilesAtPath(path));
+    return static_cast<std::int32_t>(sum);
+}

@@ -1,0 +1,153 @@
+#include "app/CommandLine.h"
+
+#include "app/TerminalProgress.h"
+#include "app/ToolMessages.h"
+
+#include <gtest/gtest.h>
+
+using Request = CommandLine::Request;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+const std::string longName(251, 'n');
+
+} // namespace
+
+TEST(CommandLine, tellsRequestsFromWrongUsage)
+{
+    struct Case {
+        Lines arguments;
+        Request request;
+        std::string problem;
+    };
+    const Case cases[] = {
+        {{}, Request::window, ""},
+        {{"a", "-"}, Request::window, ""},
+        {{"--help"}, Request::help, ""},
+        {{"--to", "d", "--version"}, Request::version, ""},
+        {{"--quiet", "a"}, Request::wrongUsage, "there is no --to FOLDER"},
+        {{"--to", "d"}, Request::wrongUsage, "there is no FILE"},
+        {{"--to"}, Request::wrongUsage, "the option --to needs a value"},
+        {{"--to", "d", "--", "--help"}, Request::archive, ""},
+        {{"--to=d", "-x"}, Request::wrongUsage, "no such option: '-x'"},
+        {{"--to=d", "--quiet=1", "a"}, Request::wrongUsage, "the option --quiet takes no value"},
+        {{"--to=d", "--level=10", "a"}, Request::wrongUsage, "the level is a digit, not '10'"},
+        {{"--to=d", "--level=-1", "a"}, Request::wrongUsage, "the level is a digit, not '-1'"},
+        {{"--to=d", "--type", "rar", "a"}, Request::wrongUsage, "no such type: 'rar'"},
+        {{"--to=d", "--password-stdin", "a"}, Request::wrongUsage,
+            "only the type dmg takes a password"},
+        {{"--to=d", "--name=", "a"}, Request::wrongUsage, "'' is no name for a file"},
+        {{"--to=d", "--name=..", "a"}, Request::wrongUsage, "'..' is no name for a file"},
+        {{"--to=d", "--name=...zip", "a"}, Request::wrongUsage, "'..' is no name for a file"},
+        {{"--to=d", "--name=a/b", "a"}, Request::wrongUsage, "'a/b' is no name for a file"},
+        {{"--to=d", "--name", longName, "a"}, Request::archive, ""},
+        {{"--to=d", "--name", longName + "n", "a"}, Request::wrongUsage, "the name is too long"},
+    };
+    for (const Case& each : cases) {
+        const CommandLine line = CommandLine::parse(each.arguments);
+        EXPECT_EQ(line.problem, each.problem);
+        EXPECT_EQ(line.request, each.request) << testing::PrintToString(each.arguments);
+    }
+}
+
+TEST(CommandLine, takesOptionsInBothForms)
+{
+    const CommandLine plain = CommandLine::parse({"a", "--to", "d", "--", "-b"});
+    EXPECT_EQ(plain.type, ArchiveTypePlainZip);
+    EXPECT_EQ(plain.level, 6);
+    EXPECT_TRUE(plain.excludeDSStore);
+    EXPECT_EQ(plain.files, (std::vector<std::filesystem::path>{"a", "-b"}));
+    const CommandLine all = CommandLine::parse({"--to=--x=y", "--type", "dmg", "--level=0",
+        "--keep-ds-store", "--password-stdin", "--quiet", "--name", "Demo.dmg", "a"});
+    EXPECT_EQ(all.toFolder, "--x=y");
+    EXPECT_EQ(all.type, ArchiveTypeDiskImage);
+    EXPECT_EQ(all.level, 0);
+    EXPECT_FALSE(all.excludeDSStore);
+    EXPECT_TRUE(all.passwordFromInput && all.quiet);
+    EXPECT_EQ(all.name, "Demo");
+}
+
+TEST(CommandLine, namesArchivesThatFitAFileName)
+{
+    struct Case {
+        std::string type;
+        std::string name; // empty: proposed for the one item /x/ITEM
+        std::string item;
+        std::string expected;
+    };
+    std::string accents;
+    while (accents.size() < 254)
+        accents += "\u00e9";
+    const Case cases[] = {
+        {"zip", "Demo.zip", "", "Demo"},
+        {"zip", "Demo.tar.gz", "", "Demo.tar.gz"},
+        {"tar.gz", "Demo.tar.gz", "", "Demo"},
+        {"zip", ".zip", "", ".zip"},
+        {"zip", "", "Report.pdf", "Report"},
+        {"zip", "", ".bashrc", ".bashrc"},
+        {"tar.gz", "", "a.tar.gz", "a.tar"},
+        {"zip", "", accents, accents.substr(0, 250)}, // 251 bytes would cut a letter in half
+        {"tar.gz", "", accents, accents.substr(0, 248)},
+        {"zip", "", std::string(255, '\x80'), std::string(251, '\x80')},
+    };
+    for (const Case& each : cases) {
+        Lines arguments{"--to=d", "--type", each.type, "x"};
+        if (!each.name.empty())
+            arguments.push_back("--name=" + each.name);
+        const CommandLine line = CommandLine::parse(arguments);
+        EXPECT_EQ(line.name.value_or(line.proposedName({"/x/" + each.item})), each.expected);
+    }
+    const CommandLine line = CommandLine::parse({"--to=d", "a", "b"});
+    EXPECT_EQ(line.proposedName({"/a", "/b"}), "Untitled");
+    EXPECT_EQ(line.proposedName({"/"}), "Untitled");
+}
+
+TEST(ToolMessages, keepsTheWordsOfToolsAndTheirStatuses)
+{
+    struct Case {
+        Lines chunks;
+        int status;
+        Lines lines;
+    };
+    const Case cases[] = {
+        {{"  adding: a (stored 0%)\n"}, 0, {}},
+        {{"  add", "ing: a\nwarn", "ing: b\n  adding: c\n"}, 0, {"zip: warning: b"}},
+        {{"first\nsecond"}, 18, {"zip ended with status 18: first", "zip: second"}},
+        {{}, 130, {"zip ended with status 130"}},
+        {{"\033[2J\r\u00e9\x7f\n\n"}, 0, {"zip: ?[2J?\u00e9?"}},
+    };
+    for (const Case& each : cases) {
+        ToolMessages messages("zip");
+        for (const std::string& chunk : each.chunks)
+            messages.addOutput(chunk);
+        messages.taskCompleted(each.status);
+        EXPECT_EQ(messages.lines(), each.lines);
+    }
+
+    ToolMessages many("zip");
+    many.addOutput(std::string(1'000'000, 'x') + "\n");
+    for (int run = 0; run < 3; ++run) {
+        for (int line = 0; line < 300; ++line)
+            many.addOutput("word\n");
+        many.taskCompleted(0);
+    }
+    EXPECT_EQ(many.lines().size(), 201U);
+    EXPECT_EQ(many.lines().back(), "… and 701 more");
+    EXPECT_LT(many.lines().front().size(), 10'000U);
+}
+
+TEST(TerminalProgress, fillsTheWidthItGetsAndNoMore)
+{
+    struct Case {
+        int columns;
+        const char* text;
+    };
+    const Case cases[] = {{79, "[####################                    ]  50% 60 of 120"},
+        {30, "[######       ]  50% 60 of 120"}, {20, " 50% 60 of 120"}, {13, "50%"}, {2, ""},
+        {-1, ""}};
+    for (const Case& each : cases)
+        EXPECT_EQ(TerminalProgress::text(60, 120, each.columns), each.text) << each.columns;
+    EXPECT_EQ(TerminalProgress::text(7, 5, 11), "100% 5 of 5"); // more than was announced
+}

@@ -1,0 +1,308 @@
+// The whole program, installed in a folder of the test's own with stand-ins for its tools.
+
+#include "tests/support/Files.h"
+#include "tests/support/Run.h"
+#include "tests/support/TestFolder.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace support;
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+class Program : public testing::Test
+{
+protected:
+    Program()
+    {
+        fs::create_directories(folder / "prefix/bin");
+        fs::copy_file(PARCELO_PROGRAM, program);
+        fs::create_directories(resources);
+        for (const char* tool : {"zip", "tar"})
+            fs::create_symlink(PARCELO_TEST_STANDINS_DIR "/tool", resources / tool);
+        for (const char* name : {"one.txt", "two.txt", "three.txt"})
+            writeFile(folder / "in" / name, name);
+        for (const char* name : {"out", "tmp"})
+            fs::create_directory(folder / name);
+        makes();
+    }
+
+    // The stand-ins make an archive after the script, in which "$item" is what they are to add.
+    void makes(const std::string& script = "", const std::string& afterwards = "") const
+    {
+        writeFile(folder / "tmp/plan",
+            R"(for item; do case "$item" in
+            */*.zip | */*.tar.gz) archive="$item" ;;
+            ./*) break ;; esac; done
+            )" + script
+                + R"(
+            printf '%s|' "$item" >>"$archive"
+            )" + afterwards
+                + "\n");
+    }
+
+    Lines command(Lines arguments) const
+    {
+        arguments.insert(arguments.begin(),
+            {"/usr/bin/env", "-i", "TMPDIR=" + (folder / "tmp").native(), program});
+        return arguments;
+    }
+    RunOptions options() const { return {.folder = folder / "in"}; }
+    RunResult parcelo(const Lines& arguments) const { return run(command(arguments), options()); }
+
+    Lines made() const { return namesIn(folder / "out"); }
+    // No working folder is left.
+    Lines scratch() const
+    {
+        Lines names = namesIn(folder / "tmp");
+        std::erase_if(names,
+            [](const std::string& name) { return name.find("parcelo") == std::string::npos; });
+        return names;
+    }
+
+    const TestFolder folder;
+    const fs::path program = folder / "prefix/bin/parcelo";
+    const fs::path resources = folder / "prefix/libexec/parcelo/Contents/Resources";
+};
+
+// The exit status, and all that the terminal got to show.
+std::pair<int, std::string> runInTerminal(Lines arguments, unsigned short columns)
+{
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    const winsize size{.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    int terminal = -1;
+    const pid_t pid = forkpty(&terminal, nullptr, nullptr, &size);
+    if (pid == 0) {
+        execv(pointers.front(), pointers.data());
+        _exit(127);
+    }
+    std::string output;
+    std::array<char, 4096> buffer{};
+    for (ssize_t count = 0; (count = read(terminal, buffer.data(), buffer.size())) > 0;)
+        output.append(buffer.data(), static_cast<std::size_t>(count));
+    close(terminal);
+    int status = -1;
+    waitpid(pid, &status, 0);
+    return {WEXITSTATUS(status), output};
+}
+
+} // namespace
+
+TEST_F(Program, printsThePathOfWhatItMade)
+{
+    struct Case {
+        Lines arguments;
+        std::string archive;
+        std::string content;
+    };
+    const Case cases[] = {
+        {{"one.txt"}, "one.zip", "./one.txt|"},
+        {{"one.txt", "../in/two.txt", "./three.txt"}, "Untitled.zip",
+            "./one.txt|./two.txt|./three.txt|"},
+        {{"--name", "Demo.zip", "."}, "Demo.zip", "./in|"},
+        {{"../in//"}, "in.zip", "./in|"},
+        {{".."}, "", ""}, // named below: the folder of the test
+        {{"link"}, "link.zip", "./link|"},
+        {{"--type=tar.gz", "one.txt"}, "one.tar.gz", "one|"},
+        {{"--name=\xff\xfe", "\xff.txt"}, "\xff\xfe.zip", "./\xff.txt|"},
+        {{"--name=-x", "--", "--help"}, "-x.zip", "./--help|"},
+    };
+    fs::create_symlink("/none", folder / "in/link");
+    writeFile(folder / "in/\xff.txt", "");
+    writeFile(folder / "in/--help", "");
+    for (const Case& each : cases) {
+        Lines arguments{"--to", "../out"};
+        arguments.insert(arguments.end(), each.arguments.begin(), each.arguments.end());
+        const RunResult result = parcelo(arguments);
+        const std::string own = fs::canonical(folder.path()).filename();
+        const std::string name = each.archive.empty() ? own + ".zip" : each.archive;
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.out, (fs::canonical(folder / "out") / name).native() + "\n");
+        EXPECT_EQ(readFile(folder / "out" / name),
+            each.content.empty() ? "./" + own + "|" : each.content);
+    }
+    EXPECT_EQ(scratch(), Lines{});
+}
+
+TEST_F(Program, refusesBeforeAnythingIsMade)
+{
+    writeFile(folder / "out/one.zip", "older");
+    fs::create_directory(folder / "out/two.zip");
+    const std::string out = fs::canonical(folder / "out");
+    struct Case {
+        Lines arguments;
+        int status;
+        std::string message;
+    };
+    const Case cases[] = {
+        {{"one.txt"}, 2, "this version has no window yet: give --to FOLDER"},
+        {{"--bad"}, 2, "no such option: '--bad'"},
+        {{"--to=../out", "one.txt", "none"}, 1, "'none': No such file or directory"},
+        {{"--to=../out", ""}, 1, "'': No such file or directory"},
+        {{"--to=../none", "one.txt"}, 1, "'../none': No such file or directory"},
+        {{"--to=one.txt", "two.txt"}, 1, "'one.txt': Not a directory"},
+        {{"--to=../out", "two.txt"}, 1, "'" + out + "/two.zip': Is a directory"},
+        {{"--to=../out", "../out/one.zip"}, 1,
+            "'" + out + "/one.zip' would replace a file that is to be archived"},
+        {{"--to=../out", "--type=dmg", "one.txt"}, 1,
+            "this system has no disk-image tool (/usr/bin/hdiutil)"},
+        {{"--to=../out", "--type=mac-zip", "one.txt"}, 1,
+            "this system has no mac-zip tool (/usr/bin/ditto)"},
+    };
+    for (const Case& each : cases) {
+        const RunResult result = parcelo(each.arguments);
+        EXPECT_EQ(result.status, each.status) << each.message;
+        EXPECT_EQ(result.err.substr(0, result.err.find('\n')), "parcelo: " + each.message);
+        EXPECT_EQ(result.out, "");
+    }
+    EXPECT_FALSE(fs::exists(folder / "tmp/record"));
+    fs::remove_all(folder / "tmp");
+    const RunResult homeless = parcelo({"--to=../out", "one.txt"});
+    EXPECT_EQ(homeless.status, 1);
+    EXPECT_EQ(homeless.err,
+        "parcelo: cannot make a working folder in " + (folder / "tmp").native()
+            + ": No such file or directory\n");
+    EXPECT_EQ(made(), (Lines{"one.zip", "two.zip"}));
+    for (const char* word : {"--help", "--version"}) {
+        const RunResult told = parcelo({word});
+        EXPECT_EQ(told.status, 0);
+        EXPECT_NE(told.out.find("parcelo"), std::string::npos);
+    }
+}
+
+TEST_F(Program, tellsWhatToolsReportAndKeepsOnlyWholeArchives)
+{
+    struct Case {
+        const char* afterwards;
+        Lines arguments;
+        int status;
+        Lines errors;
+        Lines made;
+    };
+    const Case cases[] = {
+        {"echo 'warning: x: kept as x 2'", {}, 0, {"zip: warning: x: kept as x 2"}, {"Demo.zip"}},
+        {"echo '  adding: a'; echo 'warning: m: Permission denied' >&2; exit 18", {}, 1,
+            {"zip ended with status 18: warning: m: Permission denied"}, {"Demo.zip"}},
+        {"exit 1", {"--type=tar.gz"}, 1, {"tar ended with status 1"}, {"Demo.tar.gz"}},
+        {"echo 'no space'; exit 14", {}, 1,
+            {"zip ended with status 14: no space", "no archive was made"}, {}},
+        {"kill -9 $$", {}, 1, {"zip ended with status 137", "no archive was made"}, {}},
+        {"exit 2", {"--type=tar.gz"}, 1, {"tar ended with status 2", "no archive was made"}, {}},
+        {": >\"$archive\"", {}, 1, {"no archive was made"}, {}},
+        {"rm \"$archive\"", {"--type=tar.gz"}, 1, {"no archive was made"}, {}},
+        {"rm \"$archive\"", {}, 1,
+            {"Error: Unable to write to '@/Demo.zip'", "no archive was made"}, {}},
+        {"rm \"$TMPDIR/../prefix/libexec/parcelo/Contents/Resources/zip\"", {"two.txt"}, 1,
+            {"cannot run '@zip': No such file or directory", "no archive was made"}, {}},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.afterwards);
+        makes("", each.afterwards);
+        for (const fs::path& old : fs::directory_iterator(folder / "out"))
+            fs::remove(old);
+        Lines arguments{"--to=../out", "--name=Demo", "one.txt"};
+        arguments.insert(arguments.end(), each.arguments.begin(), each.arguments.end());
+        const RunResult result = parcelo(arguments);
+        std::string expected;
+        for (const std::string& error : each.errors)
+            expected += "parcelo: " + error + "\n";
+        std::string errors = result.err;
+        for (const fs::path& path : {fs::canonical(folder / "out"), resources / ""})
+            if (const auto at = errors.find(path.native()); at != std::string::npos)
+                errors.replace(at, path.native().size(), "@");
+        EXPECT_EQ(errors, expected);
+        EXPECT_EQ(result.status, each.status);
+        EXPECT_EQ(made(), each.made);
+        EXPECT_EQ(result.out.empty(), each.made.empty());
+        EXPECT_EQ(scratch(), Lines{});
+    }
+}
+
+TEST_F(Program, anInterruptLeavesNothingBehind)
+{
+    struct Case {
+        int signal;
+        const char* during; // the stand-in's item
+        const char* type;
+    };
+    const Case cases[] = {{SIGINT, "./one.txt", "zip"}, {SIGTERM, "./two.txt", "zip"},
+        {SIGHUP, "./three.txt", "zip"}, {SIGINT, "Demo", "tar.gz"}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.during);
+        // Half an archive, and a tool that needs several interrupts.
+        makes(R"(if [ "$item" = )" + std::string(each.during) + R"( ]; then
+            trap 'count=x$count; [ $count = xxx ] && exit 9' INT
+            printf half >"$archive"; : >"$TMPDIR/started"
+            while :; do sleep 0.05; done; fi)");
+        RunningProgram running(command({"--to=../out", "--name=Demo", "--type", each.type,
+                                   "one.txt", "two.txt", "three.txt"}),
+            options());
+        ASSERT_TRUE(waitUntil([&] { return fs::exists(folder / "tmp/started"); }));
+        running.signal(each.signal);
+        const RunResult result = running.wait();
+        EXPECT_EQ(result.status, 130);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "parcelo: interrupted\n");
+        EXPECT_EQ(made(), Lines{});
+        EXPECT_EQ(scratch(), Lines{});
+        fs::remove(folder / "tmp/started");
+    }
+}
+
+TEST_F(Program, drawsOneLineThatNeverWraps)
+{
+    makes("", "for i in 1 2 3 4; do echo \"  adding: $i\"; sleep 0.06; done");
+    struct Case {
+        const char* terminal;
+        const char* option;
+        unsigned short columns;
+        bool isDrawn;
+    };
+    const Case cases[] = {{"xterm", "--level=1", 80, true}, {"xterm", "--level=1", 20, true},
+        {"dumb", "--level=1", 80, false}, {"xterm", "--quiet", 80, false}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(testing::Message() << each.columns << " " << each.terminal << each.option);
+        Lines arguments = command({"--to=" + (folder / "out").native(), each.option,
+            folder / "in/one.txt", folder / "in/two.txt"});
+        arguments.insert(arguments.begin() + 2, std::string("TERM=") + each.terminal);
+        const auto [status, output] = runInTerminal(arguments, each.columns);
+        EXPECT_EQ(status, 0);
+
+        // What is left after the bar is the path, on a line that was cleared.
+        const std::string path = fs::canonical(folder / "out").native() + "/Untitled.zip\r\n";
+        ASSERT_GE(output.size(), path.size());
+        const std::string drawn = output.substr(0, output.size() - path.size());
+        EXPECT_EQ(output.substr(drawn.size()), path);
+        EXPECT_EQ(drawn.empty(), !each.isDrawn);
+        EXPECT_EQ(drawn.find('\n'), std::string::npos);
+        const std::string end = "\033[K";
+        long updates = 0;
+        std::string left = drawn;
+        for (std::size_t at = 0; (at = left.find(end)) != std::string::npos; ++updates) {
+            EXPECT_EQ(left.rfind('\r', at), 0U);
+            EXPECT_LE(at, each.columns); // with the carriage return
+            left.erase(0, at + end.size());
+        }
+        EXPECT_EQ(left, "");
+        if (each.isDrawn) {
+            EXPECT_GE(updates, 2); // one at least, and the clearing
+            EXPECT_NE(drawn.find("% "), std::string::npos);
+            EXPECT_TRUE(drawn.ends_with("\r\033[K"));
+        }
+    }
+}

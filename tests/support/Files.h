@@ -1,0 +1,74 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace support
+{
+
+// An open descriptor; -1 when opening failed.
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor)
+        : _descriptor(descriptor)
+    {
+    }
+    ~Descriptor();
+    Descriptor(Descriptor&& other) noexcept
+        : _descriptor(other.release())
+    {
+    }
+    Descriptor& operator=(Descriptor&&) = delete;
+
+    operator int() const { return _descriptor; } // NOLINT(google-explicit-constructor)
+    int release();
+
+private:
+    int _descriptor;
+};
+
+// All of these throw std::system_error when the system refuses.
+
+// Makes or replaces a file; missing parent folders are made too.
+void writeFile(const std::filesystem::path& file, std::string_view content);
+std::string readFile(const std::filesystem::path& file);
+// Everything from the current contents of an open file that can be read by position.
+std::string readFile(int descriptor);
+// The modification (and access) time; of a link itself, not of what it leads to.
+void setTime(
+    const std::filesystem::path& file, std::int64_t secondsSince1970, long nanoseconds = 0);
+void makeFifo(const std::filesystem::path& file);
+void makeSocket(const std::filesystem::path& file);
+// A folder with `levels` folders of one name inside each other and the file "leaf" in the last.
+void makeNestedFolders(
+    const std::filesystem::path& folder, const std::string& name, unsigned levels);
+// The same bytes for the same seed; nothing compresses them.
+std::string randomBytes(std::size_t sizeInBytes, unsigned seed);
+// Text that compresses to about a third, the same for the same seed.
+std::string someText(std::size_t sizeInBytes, unsigned seed = 1);
+// The names in a folder, sorted by bytes.
+std::vector<std::string> namesIn(int folder);
+std::vector<std::string> namesIn(const std::filesystem::path& folder);
+// Removes a file or a folder with all in it, also below PATH_MAX and without permissions.
+void removeTree(const std::filesystem::path& path);
+
+// Polls until `condition` holds; false when it did not come true in time.
+template <typename Condition>
+bool waitUntil(Condition condition, std::chrono::milliseconds timeout = std::chrono::seconds(20))
+{
+    const auto end = std::chrono::steady_clock::now() + timeout;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+} // namespace support

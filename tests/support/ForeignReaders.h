@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tests/support/TreeSnapshot.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace support
+{
+
+// Another program that reads archives. In the commands {archive} and {folder} stand for paths.
+struct ForeignReader {
+    std::string name;
+    std::vector<std::string> test; // status 0 when the archive is whole
+    std::vector<std::string> extract;
+    Tolerance tolerance; // of what `extract` brings back
+};
+
+// unzip, 7z, bsdtar, python
+const std::vector<ForeignReader>& zipReaders();
+// tar, bsdtar, 7z, python
+const std::vector<ForeignReader>& tarReaders();
+
+// What is wrong with `archive` when each of the readers tests it.
+std::vector<std::string> complaintsOf(
+    const std::vector<ForeignReader>& readers, const std::filesystem::path& archive);
+
+// How what a reader extracts, or says while it does, is not the tree that was archived.
+std::vector<std::string> extractionFaults(const ForeignReader& reader,
+    const std::filesystem::path& archive, const TreeSnapshot& expected);
+
+} // namespace support

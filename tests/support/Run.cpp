@@ -1,0 +1,109 @@
+#include "tests/support/Run.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <iterator>
+#include <system_error>
+
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace support
+{
+
+namespace
+{
+
+constexpr int timedOut = 124;
+constexpr int cannotStart = 127;
+
+int memoryFile()
+{
+    const int file = memfd_create("stream", MFD_CLOEXEC);
+    if (file < 0)
+        throw std::system_error(errno, std::generic_category(), "memfd_create");
+    return file;
+}
+
+std::vector<char*> pointersTo(const std::vector<std::string>& strings)
+{
+    std::vector<char*> pointers;
+    std::transform(strings.begin(), strings.end(), std::back_inserter(pointers),
+        [](const std::string& string) { return const_cast<char*>(string.c_str()); });
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+} // namespace
+
+RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOptions options)
+    : _options(std::move(options))
+    , _out(memoryFile())
+    , _err(memoryFile())
+{
+    const Descriptor in(memoryFile());
+    writeFile("/proc/self/fd/" + std::to_string(in), _options.input);
+    // Everything is allocated here: after fork() only plain system calls are safe.
+    const std::vector<char*> argv = pointersTo(arguments);
+    const std::vector<char*> given
+        = pointersTo(_options.environment.value_or(std::vector<std::string>()));
+    char* const* environment = _options.environment ? given.data() : environ;
+    const char* folder = _options.folder.empty() ? "." : _options.folder.c_str();
+
+    _pid = fork();
+    if (_pid < 0)
+        throw std::system_error(errno, std::generic_category(), "fork");
+    if (_pid == 0) {
+        setpgid(0, 0);
+        const bool ready = dup2(in, STDIN_FILENO) == STDIN_FILENO
+            && dup2(_out, STDOUT_FILENO) == STDOUT_FILENO
+            && dup2(_err, STDERR_FILENO) == STDERR_FILENO && chdir(folder) == 0;
+        if (ready)
+            execvpe(argv[0], argv.data(), environment);
+        _exit(cannotStart);
+    }
+    setpgid(_pid, _pid); // whichever of the two comes first
+}
+
+RunningProgram::~RunningProgram()
+{
+    if (_ended)
+        return;
+    kill(-_pid, SIGKILL);
+    waitpid(_pid, nullptr, 0);
+}
+
+void RunningProgram::signal(int number) const
+{
+    kill(_pid, number);
+}
+
+RunResult RunningProgram::wait()
+{
+    // glibc 2.36 declares pidfd_open() with C++ linkage, so that it cannot be linked.
+    const Descriptor program(static_cast<int>(syscall(SYS_pidfd_open, _pid, 0)));
+    pollfd end = {program, POLLIN, 0};
+    const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(_options.timeout);
+    const bool inTime = poll(&end, 1, static_cast<int>(timeout.count())) == 1;
+    if (!inTime)
+        kill(-_pid, SIGKILL);
+
+    int status = 0;
+    rusage usage = {};
+    wait4(_pid, &status, 0, &usage);
+    _ended = true;
+    const int code = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return {inTime ? code : timedOut, out(), err(), usage.ru_maxrss * 1024};
+}
+
+RunResult run(const std::vector<std::string>& arguments, const RunOptions& options)
+{
+    return RunningProgram(arguments, options).wait();
+}
+
+} // namespace support

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace support
+{
+
+struct TreeEntry {
+    char kind = '?'; // 'f' file, 'd' folder, 'l' link, 'p' pipe, '?' anything else
+    mode_t mode = 0; // the twelve permission bits
+    std::int64_t time = 0; // seconds
+    std::uint64_t sizeInBytes = 0;
+    std::uint64_t contentHash = 0;
+    std::string target = {};
+    ino_t inode = 0;
+};
+
+// Everything below a folder by its path in it. Made by descriptors, so any depth will do.
+using TreeSnapshot = std::map<std::string, TreeEntry>;
+TreeSnapshot snapshot(const std::filesystem::path& folder);
+
+// What a program is known not to bring back.
+struct Tolerance {
+    mode_t modeMask = 07777;
+    std::int64_t seconds = 0; // by how much times may differ; negative: they are not compared
+    bool linksAsFiles = false; // a link comes back as a file that holds its target
+};
+
+// One readable line per difference; none when the trees are equal.
+std::vector<std::string> differences(
+    const TreeSnapshot& expected, const TreeSnapshot& actual, const Tolerance& tolerance = {});
+
+} // namespace support

@@ -1,0 +1,113 @@
+// More entries and larger files than old fields can count, in bounded memory.
+
+#include "tests/support/TestFolder.h"
+#include "tests/support/Tools.h"
+#include "tests/support/ZipInspector.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+using namespace support;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+constexpr std::uintmax_t gigabyte = std::uintmax_t{1} << 30;
+constexpr long memoryLimit = 128L << 20;
+
+class Big : public testing::TestWithParam<std::string>
+{
+protected:
+    RunResult makeArchive(const std::string& level = "-1")
+    {
+        ToolCall call = callOf(tool, archive, item, {.level = level});
+        call.options.timeout = std::chrono::minutes(4);
+        RunResult result = run(call.arguments, call.options);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_LT(result.peakMemoryInBytes, memoryLimit);
+        return result;
+    }
+    // A hole with a little at its ends.
+    void writeHole(const std::string& name, std::uintmax_t size) const
+    {
+        writeFile(item / name, "head");
+        fs::resize_file(item / name, size - 4);
+        std::ofstream(item / name, std::ios::app) << "tail";
+    }
+
+    const Tool& tool = toolNamed(GetParam());
+    const TestFolder folder;
+    const fs::path item = folder / "in/item";
+    const fs::path archive = folder / tool.archiveName;
+};
+
+} // namespace
+
+TEST_P(Big, seventyThousandEntriesAreAllThere)
+{
+    constexpr std::size_t folders = 70;
+    constexpr std::size_t filesInEach = 1000;
+    for (std::size_t i = 0; i < folders * filesInEach; ++i)
+        writeFile(item / std::to_string(i % folders) / std::to_string(i), std::to_string(i));
+    const RunResult result = makeArchive();
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'),
+        1 + folders + folders * filesInEach);
+    if (tool.name == "zip") {
+        const ZipReport report = inspectZip(archive);
+        EXPECT_EQ(report.complaints, nothing);
+        EXPECT_TRUE(report.hasZip64End);
+    }
+    EXPECT_EQ(extractionFaults(tool.readers.front(), archive, snapshot(folder / "in")), nothing);
+    EXPECT_EQ(complaintsOf(tool.readers, archive), nothing);
+}
+
+TEST_P(Big, filesBeyondFourGigabytesComeBack)
+{
+    writeHole("a-large", 5 * gigabyte + 3);
+    writeFile(item / "z-after", "after");
+    makeArchive();
+    if (tool.name == "zip") {
+        const ZipReport report = inspectZip(archive);
+        EXPECT_EQ(report.complaints, nothing);
+        EXPECT_FALSE(report.hasZip64End);
+        EXPECT_EQ(report.entries.at(1).size, 5 * gigabyte + 3);
+    }
+    EXPECT_EQ(complaintsOf(tool.readers, archive), nothing);
+}
+
+TEST(BigZip, sizesOfAllOnesNeedTheLongField)
+{
+    const TestFolder folder;
+    for (const std::uintmax_t size : {4 * gigabyte - 2, 4 * gigabyte - 1}) {
+        const std::string name = std::to_string(size);
+        writeFile(folder / name, "");
+        fs::resize_file(folder / name, size);
+        ASSERT_EQ(run(zipTool(), folder / "a.zip", folder / name, {.level = "-1"}).status, 0);
+    }
+    const ZipReport report = inspectZip(folder / "a.zip");
+    EXPECT_EQ(report.complaints, nothing);
+    EXPECT_FALSE(report.entries.at(0).extras.contains(1));
+    EXPECT_TRUE(report.entries.at(1).extras.contains(1));
+}
+
+TEST_P(Big, entriesBeyondFourGigabytesOfArchiveAreFound)
+{
+    if (tool.name != "zip")
+        GTEST_SKIP() << "a tar has no offsets";
+    if (fs::space(folder.path()).available < 8 * gigabyte)
+        GTEST_SKIP() << "not enough room here";
+    writeHole("a-large", 4 * gigabyte + 3);
+    writeFile(item / "z-after", "after");
+    makeArchive("-0");
+    const ZipReport report = inspectZip(archive);
+    EXPECT_EQ(report.complaints, nothing);
+    EXPECT_TRUE(report.hasZip64End);
+    EXPECT_GT(report.entries.back().localOffset, 4 * gigabyte);
+    EXPECT_EQ(complaintsOf(tool.readers, archive), nothing);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Tools, Big, testing::Values("zip", "tar"), [](const auto& test) { return test.param; });

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+// A queue between threads. After close() nothing can be put in any more and what is in it is
+// dropped: closing is the one signal to stop. finish() lets what is in it be taken first.
+template <class Value> class BlockingQueue
+{
+public:
+    // False when the queue is closed or finished.
+    bool push(Value value)
+    {
+        const std::lock_guard lock(_mutex);
+        if (_isFinished)
+            return false;
+        _values.push_back(std::move(value));
+        _changed.notify_one();
+        return true;
+    }
+
+    // Waits for a value; none when the queue is closed, or finished and empty.
+    std::optional<Value> pop()
+    {
+        std::unique_lock lock(_mutex);
+        _changed.wait(lock, [&] { return _isFinished || !_values.empty(); });
+        if (_values.empty())
+            return std::nullopt;
+        std::optional<Value> value(std::move(_values.front()));
+        _values.pop_front();
+        return value;
+    }
+
+    void finish()
+    {
+        const std::lock_guard lock(_mutex);
+        _isFinished = true;
+        _changed.notify_all();
+    }
+
+    void close()
+    {
+        const std::lock_guard lock(_mutex);
+        _isFinished = true;
+        _values.clear();
+        _changed.notify_all();
+    }
+
+private:
+    std::mutex _mutex; // protects what follows
+    std::condition_variable _changed;
+    std::deque<Value> _values;
+    bool _isFinished = false;
+};

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+// Appends numbers in little-endian order, as zip and gzip want them.
+class ByteWriter
+{
+public:
+    explicit ByteWriter(std::vector<std::byte>& bytes)
+        : _bytes(bytes)
+    {
+    }
+
+    void u8(std::uint64_t value) { number(value, 1); }
+    void u16(std::uint64_t value) { number(value, 2); }
+    void u32(std::uint64_t value) { number(value, 4); }
+    void u64(std::uint64_t value) { number(value, 8); }
+    void text(std::string_view text) { raw(std::as_bytes(std::span(text))); }
+    void raw(std::span<const std::byte> bytes)
+    {
+        _bytes.insert(_bytes.end(), bytes.begin(), bytes.end());
+    }
+
+private:
+    void number(std::uint64_t value, int size)
+    {
+        for (int index = 0; index < size; ++index)
+            _bytes.push_back(static_cast<std::byte>(value >> (8 * index)));
+    }
+
+    std::vector<std::byte>& _bytes;
+};
+
+// Reads such numbers out of memory; reading past the end gives zeros and is remembered.
+class ByteReader
+{
+public:
+    explicit ByteReader(std::span<const std::byte> bytes)
+        : _bytes(bytes)
+    {
+    }
+
+    std::uint16_t u16() { return static_cast<std::uint16_t>(number(2)); }
+    std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
+    std::uint64_t u64() { return number(8); }
+    void skip(std::size_t size) { (void)raw(size); }
+    std::span<const std::byte> raw(std::size_t size)
+    {
+        if (size > _bytes.size()) {
+            _isPastEnd = true;
+            size = 0;
+        }
+        const std::span<const std::byte> taken = _bytes.first(size);
+        _bytes = _bytes.subspan(size);
+        return taken;
+    }
+    [[nodiscard]] std::size_t remaining() const { return _bytes.size(); }
+    [[nodiscard]] bool isPastEnd() const { return _isPastEnd; }
+
+private:
+    std::uint64_t number(std::size_t size)
+    {
+        std::uint64_t value = 0;
+        int shift = 0;
+        for (const std::byte byte : raw(size)) {
+            value |= std::to_integer<std::uint64_t>(byte) << shift;
+            shift += 8;
+        }
+        return value;
+    }
+
+    std::span<const std::byte> _bytes;
+    bool _isPastEnd = false;
+};

@@ -1,0 +1,146 @@
+#include "tools/common/Compressor.h"
+
+#include "tools/common/DeflateJoin.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <new>
+
+#include <libdeflate.h>
+
+namespace
+{
+
+constexpr std::size_t storedBlockSize = 65535; // the most that a stored block's length field holds
+constexpr std::size_t storedHeaderSize = 5;
+
+// First test: bytes that all occur about equally often. Of each 4 KiB, 1 KiB is counted, so a
+// compressible part of that size is always seen; 1 spot in 128 may be one all the same (headers,
+// thumbnails), which is all that can be lost.
+constexpr std::size_t spotSize = 1024;
+constexpr std::size_t spotDistance = 4096;
+constexpr std::size_t spotsPerException = 128;
+
+// The sum of squared counts is about 5,100 for 1,024 random bytes, with a spread of 100, and over
+// 7,000 for bytes that a Huffman code alone makes 3% smaller; text gives 30,000 and more.
+constexpr std::uint32_t evenSquares = 6000;
+
+// Second test, for even bytes only: repeats, as a trial at the quickest level finds them.
+constexpr std::size_t sampleSize = std::size_t{8} << 10;
+constexpr std::size_t sampleDistance = std::size_t{256} << 10;
+constexpr std::size_t sampleGoal = sampleSize - sampleSize / 64;
+
+// Below this size compressing is as quick as judging.
+constexpr std::size_t smallestJudged = 2 * sampleSize;
+
+bool isEven(std::span<const std::byte> spot)
+{
+    std::array<std::uint16_t, 256> counts{};
+    for (const std::byte byte : spot)
+        ++counts[std::to_integer<std::size_t>(byte)];
+    std::uint32_t squares = 0;
+    for (const std::uint16_t count : counts)
+        squares += std::uint32_t{count} * count;
+    return squares < evenSquares;
+}
+
+bool hasEvenBytes(std::span<const std::byte> data)
+{
+    std::size_t exceptionsLeft = data.size() / spotDistance / spotsPerException;
+    for (std::size_t at = 0; at + spotSize <= data.size(); at += spotDistance) {
+        if (isEven(data.subspan(at, spotSize)))
+            continue;
+        if (exceptionsLeft-- == 0)
+            return false;
+    }
+    return true;
+}
+
+bool hasRepeats(std::span<const std::byte> data)
+{
+    thread_local Compressor quick(1);
+    thread_local std::vector<std::byte> scratch;
+    for (std::size_t at = 0; at + sampleSize <= data.size(); at += sampleDistance) {
+        scratch.clear();
+        const std::size_t size = quick.compressSmaller(data.subspan(at, sampleSize), scratch);
+        if (size != 0 && size < sampleGoal)
+            return true;
+    }
+    return false;
+}
+
+void appendStoredBlocks(
+    std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output)
+{
+    do {
+        const std::size_t size = std::min(input.size(), storedBlockSize);
+        const bool isFinal = isLast && size == input.size();
+        const auto low = static_cast<std::byte>(size & 0xff);
+        const auto high = static_cast<std::byte>(size >> 8);
+        const std::array<std::byte, storedHeaderSize> header
+            = {std::byte{isFinal}, low, high, ~low, ~high};
+        output.insert(output.end(), header.begin(), header.end());
+        output.insert(
+            output.end(), input.begin(), input.begin() + static_cast<std::ptrdiff_t>(size));
+        input = input.subspan(size);
+    } while (!input.empty());
+}
+
+} // namespace
+
+bool looksIncompressible(std::span<const std::byte> data)
+{
+    return data.size() >= smallestJudged && hasEvenBytes(data) && !hasRepeats(data);
+}
+
+void Compressor::Free::operator()(libdeflate_compressor* compressor) const
+{
+    libdeflate_free_compressor(compressor);
+}
+
+Compressor::Compressor(int level)
+    : _compressor(libdeflate_alloc_compressor(level))
+{
+    if (!_compressor)
+        throw std::bad_alloc();
+}
+
+Compressor::~Compressor() = default;
+
+std::size_t Compressor::compressSmaller(
+    std::span<const std::byte> input, std::vector<std::byte>& output)
+{
+    if (input.empty())
+        return 0;
+    const std::size_t begin = output.size();
+    output.resize(begin + input.size() - 1);
+    const std::size_t size = libdeflate_deflate_compress(
+        _compressor.get(), input.data(), input.size(), output.data() + begin, input.size() - 1);
+    output.resize(begin + size);
+    return size;
+}
+
+void Compressor::compressPiece(
+    std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output)
+{
+    if (looksIncompressible(input)) {
+        appendStoredBlocks(input, isLast, output);
+        return;
+    }
+    const std::size_t begin = output.size();
+    const std::size_t bound = libdeflate_deflate_compress_bound(_compressor.get(), input.size());
+    output.resize(begin + bound + continuationSize);
+    std::size_t size = libdeflate_deflate_compress(
+        _compressor.get(), input.data(), input.size(), output.data() + begin, bound);
+    if (!isLast)
+        size = makeContinuable(std::span(output).subspan(begin), size);
+    output.resize(begin + size);
+}
+
+std::uint64_t Compressor::worstSize(std::uint64_t size)
+{
+    // The library emits stored blocks of 5,000 bytes or more at worst, with 5 bytes of header each;
+    // every piece may add its continuation.
+    return size + size / 512 + (size / pieceSize + 1) * 16;
+}

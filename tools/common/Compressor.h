@@ -1,0 +1,50 @@
+// Raw deflate (RFC 1951) of memory, for one thread.
+//
+// What does not compress is recognised by the counts of its bytes and a few quick trials; it is
+// then left alone, which costs little more than copying. Data of even bytes whose only redundancy
+// is repeats farther apart than a trial is long (8 KiB) is missed: it comes out correct, only
+// larger than it could.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+struct libdeflate_compressor;
+
+// The unit of parallel work, in bytes. Smaller pieces lose more matches at their starts (256 KiB
+// costs 0.4% of size), larger ones need more memory and leave threads idle at the end of a file.
+inline constexpr std::size_t pieceSize = std::size_t{1} << 20;
+
+// Whether a quick look finds nothing to gain in `data`. Small data is never judged.
+bool looksIncompressible(std::span<const std::byte> data);
+
+class Compressor
+{
+public:
+    // `level` is 1 to 9.
+    explicit Compressor(int level);
+    ~Compressor();
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+
+    // Appends a complete stream to `output` and returns its size, or leaves `output` as it was and
+    // returns 0 when that would not be smaller than `input`.
+    std::size_t compressSmaller(std::span<const std::byte> input, std::vector<std::byte>& output);
+
+    // Appends one piece of a stream to `output`. Any piece but the last ends on a byte boundary and
+    // must be followed by another. What does not compress goes into stored blocks.
+    void compressPiece(
+        std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output);
+
+    // The most bytes that compressed pieces of together `size` bytes can take.
+    static std::uint64_t worstSize(std::uint64_t size);
+
+private:
+    struct Free {
+        void operator()(libdeflate_compressor* compressor) const;
+    };
+    std::unique_ptr<libdeflate_compressor, Free> _compressor;
+};

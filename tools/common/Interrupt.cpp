@@ -1,0 +1,54 @@
+#include "tools/common/Interrupt.h"
+
+#include "tools/common/Failure.h"
+
+#include <atomic>
+#include <csignal>
+
+#include <sys/prctl.h>
+
+namespace
+{
+
+std::atomic<bool> stopRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
+
+void requestStop(int)
+{
+    stopRequested = true;
+}
+
+} // namespace
+
+namespace Interrupt
+{
+
+void install()
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action {
+        };
+        sigaction(signal, nullptr, &action);
+        if (action.sa_handler == SIG_IGN)
+            continue;
+        action = {};
+        action.sa_handler = requestStop;
+        sigaction(signal, &action, nullptr);
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
+
+bool isRequested()
+{
+    return stopRequested;
+}
+
+void check()
+{
+    if (stopRequested)
+        throw Failure(FailureKind::Interrupted, "interrupted");
+}
+
+} // namespace Interrupt

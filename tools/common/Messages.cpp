@@ -1,0 +1,100 @@
+#include "tools/common/Messages.h"
+
+#include "tools/common/Utf8.h"
+
+#include <cerrno>
+
+#include <unistd.h>
+
+namespace
+{
+
+void writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void appendOctal(std::string& text, unsigned byte)
+{
+    text += '\\';
+    for (const int shift : {6, 3, 0})
+        text += static_cast<char>('0' + ((byte >> shift) & 7));
+}
+
+// One byte of ASCII, control bytes as ^X.
+void appendAscii(std::string& text, unsigned byte)
+{
+    if (byte >= 0x20 && byte != 0x7f) {
+        text += static_cast<char>(byte);
+        return;
+    }
+    text += '^';
+    text += static_cast<char>(byte ^ 0x40);
+}
+
+// Control characters that take two bytes, U+0080 to U+009F.
+bool isHighControl(std::string_view sequence)
+{
+    return sequence.size() == 2 && sequence[0] == '\xc2'
+        && static_cast<unsigned char>(sequence[1]) < 0xa0;
+}
+
+std::string escaped(std::string_view name, bool keepsUtf8)
+{
+    std::string text;
+    text.reserve(name.size());
+    while (!name.empty()) {
+        const std::size_t length = Utf8::sequenceLength(name);
+        const std::string_view sequence = name.substr(0, length == 0 ? 1 : length);
+        if (length == 1)
+            appendAscii(text, static_cast<unsigned char>(sequence[0]));
+        else if (length > 1 && keepsUtf8 && !isHighControl(sequence))
+            text += sequence;
+        else
+            for (const char byte : sequence)
+                appendOctal(text, static_cast<unsigned char>(byte));
+        name.remove_prefix(sequence.size());
+    }
+    return text;
+}
+
+} // namespace
+
+namespace Messages
+{
+
+std::string progressName(std::string_view name)
+{
+    return escaped(name, false);
+}
+
+std::string readableName(std::string_view name)
+{
+    return escaped(name, true);
+}
+
+void progress(std::string_view lines)
+{
+    writeAll(STDOUT_FILENO, lines);
+}
+
+void tell(const std::string& text)
+{
+    writeAll(STDERR_FILENO, text + '\n');
+}
+
+void warn(std::string_view name, std::string_view reason)
+{
+    std::string text = "warning: " + readableName(name) + ": ";
+    text += reason;
+    tell(text);
+}
+
+} // namespace Messages

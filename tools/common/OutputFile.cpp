@@ -1,0 +1,242 @@
+#include "tools/common/OutputFile.h"
+
+#include "tools/common/Failure.h"
+#include "tools/common/Interrupt.h"
+#include "tools/common/Messages.h"
+#include "tools/common/Utf8.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr std::size_t longestName = 255; // bytes; what all common file systems take
+
+struct SplitPath {
+    std::string folder; // with the slash; empty for the current folder
+    std::string name;
+};
+
+SplitPath split(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return {"", path};
+    return {path.substr(0, slash + 1), path.substr(slash + 1)};
+}
+
+std::string randomSuffix()
+{
+    static constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::array<unsigned char, 6> random{};
+    if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
+        throw systemFailure(FailureKind::CannotCreate, "random number");
+    std::string suffix;
+    for (const unsigned char byte : random)
+        suffix += letters[byte % letters.size()];
+    return suffix;
+}
+
+std::string hiddenPathFor(const std::string& path)
+{
+    const SplitPath parts = split(path);
+    const std::string tail = ".part-" + randomSuffix();
+    const std::size_t room = longestName - 1 - tail.size();
+    return parts.folder + "." + std::string(Utf8::shortened(parts.name, room)) + tail;
+}
+
+[[noreturn]] void cannotCreate(const std::string& path)
+{
+    throw systemFailure(FailureKind::CannotCreate, "cannot create " + Messages::readableName(path));
+}
+
+[[noreturn]] void cannotWrite(const std::string& path)
+{
+    throw systemFailure(FailureKind::Write, "cannot write " + Messages::readableName(path));
+}
+
+// Waits for the lock; an interrupt ends the wait.
+void lock(int descriptor, const std::string& path)
+{
+    while (flock(descriptor, LOCK_EX) != 0) {
+        if (errno != EINTR)
+            cannotCreate(path);
+        Interrupt::check();
+    }
+}
+
+// Some file systems can't do this for folders (EINVAL); what they promise without it has to do.
+bool sync(int descriptor)
+{
+    while (fsync(descriptor) != 0)
+        if (errno != EINTR)
+            return errno == EINVAL;
+    return true;
+}
+
+} // namespace
+
+OutputFile::OutputFile(
+    FileDescriptor file, const struct stat& status, std::string path, std::string hiddenPath)
+    : _file(std::move(file))
+    , _path(std::move(path))
+    , _hiddenPath(std::move(hiddenPath))
+    , _status(status)
+{
+}
+
+OutputFile::OutputFile(OutputFile&& other) noexcept
+    : _file(std::move(other._file))
+    , _path(std::move(other._path))
+    , _hiddenPath(std::exchange(other._hiddenPath, {}))
+    , _status(other._status)
+    , _position(other._position)
+{
+}
+
+OutputFile::~OutputFile()
+{
+    discard();
+}
+
+OutputFile OutputFile::createBeside(const std::string& path)
+{
+    if (split(path).name.empty()) {
+        errno = EISDIR;
+        cannotCreate(path);
+    }
+    for (;;) {
+        std::string hidden = hiddenPathFor(path);
+        FileDescriptor file(open(hidden.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        struct stat status {
+        };
+        if (file && fstat(file.get(), &status) == 0)
+            return {std::move(file), status, path, std::move(hidden)};
+        if (file) {
+            const int error = errno;
+            unlink(hidden.c_str());
+            errno = error;
+            cannotCreate(path);
+        }
+        if (errno != EEXIST && errno != EINTR)
+            cannotCreate(path);
+    }
+}
+
+std::optional<OutputFile> OutputFile::openExisting(const std::string& path)
+{
+    for (;;) {
+        FileDescriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+        if (!file && errno == ENOENT)
+            return std::nullopt;
+        struct stat status {
+        };
+        if (!file || fstat(file.get(), &status) != 0)
+            cannotCreate(path);
+        OutputFile output(std::move(file), status, path, "");
+        if (!S_ISREG(output._status.st_mode))
+            throw Failure(FailureKind::CannotCreate,
+                Messages::readableName(path) + " exists and is not a file");
+        lock(output.descriptor(), path);
+        // Another process may have changed or replaced the file while this one waited.
+        struct stat now {
+        };
+        const bool isThere = stat(path.c_str(), &now) == 0 && output.isSameFile(now);
+        if (isThere && fstat(output.descriptor(), &output._status) == 0)
+            return output;
+    }
+}
+
+void OutputFile::append(std::span<const std::byte> bytes)
+{
+    writeAt(_position, bytes);
+    _position += bytes.size();
+}
+
+void OutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written
+            = pwrite(_file.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            cannotWrite(_path);
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+        offset += static_cast<std::uint64_t>(written);
+    }
+}
+
+void OutputFile::truncateHere()
+{
+    while (ftruncate(_file.get(), static_cast<off_t>(_position)) != 0)
+        if (errno != EINTR)
+            cannotWrite(_path);
+}
+
+bool OutputFile::isSameFile(const struct stat& status) const
+{
+    return status.st_dev == _status.st_dev && status.st_ino == _status.st_ino;
+}
+
+// Closing another descriptor of the file tells the same, and leaves this one to put things right
+// with.
+void OutputFile::flush()
+{
+    FileDescriptor another(fcntl(_file.get(), F_DUPFD_CLOEXEC, 0));
+    if (!another || !another.close())
+        cannotWrite(_path);
+}
+
+void OutputFile::commit(Existing existing)
+{
+    flush();
+    rename(existing);
+}
+
+bool OutputFile::commitDurably(Existing existing)
+{
+    const std::string folderPath = split(_path).folder;
+    const FileDescriptor folder(
+        open(folderPath.empty() ? "." : folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder || !sync(_file.get()))
+        cannotWrite(_path);
+    flush();
+    rename(existing);
+    if (sync(folder.get()))
+        return true;
+    Messages::warn(_path, "may be lost in a power cut: " + errorText(errno));
+    return false;
+}
+
+void OutputFile::rename(Existing existing)
+{
+    const unsigned flags = existing == Existing::Keep ? RENAME_NOREPLACE : 0;
+    const char* from = _hiddenPath.c_str();
+    const char* to = _path.c_str();
+    bool isDone = renameat2(AT_FDCWD, from, AT_FDCWD, to, flags) == 0;
+    // File systems without the flag: a second link is as good, and it too never replaces.
+    if (!isDone && flags != 0 && errno == EINVAL)
+        isDone = link(from, to) == 0 && unlink(from) == 0;
+    if (!isDone && errno == EEXIST)
+        throw systemFailure(
+            FailureKind::NameTaken, "cannot create " + Messages::readableName(_path));
+    if (!isDone)
+        cannotWrite(_path);
+    _hiddenPath.clear();
+}
+
+void OutputFile::discard()
+{
+    if (!_hiddenPath.empty())
+        unlink(_hiddenPath.c_str());
+    _hiddenPath.clear();
+}

@@ -1,0 +1,100 @@
+#include "tools/common/SourceFile.h"
+
+#include "tools/common/Compressor.h"
+#include "tools/common/Failure.h"
+#include "tools/common/FileInput.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+#include <fcntl.h>
+
+namespace
+{
+
+bool isSameTime(const timespec& a, const timespec& b)
+{
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+// A changed inode time alone is enough, unless it comes from another name of the file made or
+// removed.
+bool hasChanged(const struct stat& before, const struct stat& after)
+{
+    return before.st_size != after.st_size || !isSameTime(before.st_mtim, after.st_mtim)
+        || (!isSameTime(before.st_ctim, after.st_ctim) && before.st_nlink == after.st_nlink);
+}
+
+} // namespace
+
+SourceFile::SourceFile(const TreeItem& item)
+{
+    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    _file = FileDescriptor(
+        openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
+    if (!_file && errno == ELOOP && !item.isFollowed) {
+        _isUnreadable = true;
+        _problem = "was replaced by a link while its folder was read";
+    } else if (!_file || fstat(_file.get(), &_status) != 0) {
+        fail(errno);
+    } else if (!S_ISREG(_status.st_mode)) {
+        _isUnreadable = true;
+        _problem = "was replaced while its folder was read";
+    }
+}
+
+std::size_t SourceFile::read(std::span<std::byte> buffer)
+{
+    const auto wanted
+        = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), remaining()));
+    const std::ptrdiff_t count = readFully(_file.get(), buffer.first(wanted));
+    if (count < 0) {
+        fail(errno);
+        return 0;
+    }
+    _offset += static_cast<std::uint64_t>(count);
+    if (static_cast<std::size_t>(count) < wanted)
+        _problem = "shrank while it was read";
+    return static_cast<std::size_t>(count);
+}
+
+bool SourceFile::looksIncompressible() const
+{
+    // Spread over the whole file, because many begin with a header of another kind.
+    constexpr std::size_t sampleCount = 8;
+    constexpr std::size_t sampleSize = std::size_t{64} << 10;
+    if (remaining() < sampleCount * sampleSize)
+        return false;
+    std::vector<std::byte> buffer(sampleSize);
+    const std::uint64_t stride = (remaining() - sampleSize) / (sampleCount - 1);
+    for (std::size_t sample = 0; sample < sampleCount; ++sample) {
+        const std::ptrdiff_t count = readFullyAt(_file.get(), _offset + sample * stride, buffer);
+        if (count != static_cast<std::ptrdiff_t>(sampleSize) || !::looksIncompressible(buffer))
+            return false;
+    }
+    return true;
+}
+
+void SourceFile::finish()
+{
+    if (!_problem.empty())
+        return;
+    struct stat now {
+    };
+    if (fstat(_file.get(), &now) != 0)
+        fail(errno);
+    else if (now.st_size > _status.st_size)
+        _problem = "grew while it was read; stored up to its earlier size";
+    else if (hasChanged(_status, now))
+        _problem = "changed while it was read";
+    // Files of the system's own making (/proc) give no size, but content.
+    else if (std::byte more{}; size() == 0 && readFully(_file.get(), {&more, 1}) > 0)
+        _problem = "does not tell its size; stored empty";
+}
+
+void SourceFile::fail(int error)
+{
+    _isUnreadable = true;
+    _problem = errorText(error);
+}

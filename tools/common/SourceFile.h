@@ -1,0 +1,49 @@
+// A regular file on its way into an archive: opened without waiting or following what it should
+// not, read up to the size it had when it was opened, and compared with that in the end.
+#pragma once
+
+#include "tools/common/FileDescriptor.h"
+#include "tools/common/TreeWalk.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include <sys/stat.h>
+
+class SourceFile
+{
+public:
+    // Opens what the walk has found; if that fails, problem() tells why.
+    explicit SourceFile(const TreeItem& item);
+
+    [[nodiscard]] const struct stat& status() const { return _status; }
+    [[nodiscard]] std::uint64_t size() const { return static_cast<std::uint64_t>(_status.st_size); }
+    [[nodiscard]] std::uint64_t remaining() const { return size() - _offset; }
+
+    // Fills `buffer` as far as the file goes, by the size it was opened with. Fewer bytes than both
+    // mean that it has ended early or that reading failed.
+    std::size_t read(std::span<std::byte> buffer);
+
+    // Whether samples of what is still to be read suggest that none of it compresses.
+    [[nodiscard]] bool looksIncompressible() const;
+
+    // After the last read: looks whether the file is still what it was when it was opened.
+    void finish();
+
+    // What went wrong, empty if nothing has. Of a file that could not be opened, or not be read, no
+    // part may be taken for the whole; one that changed can be stored as it was read.
+    [[nodiscard]] const std::string& problem() const { return _problem; }
+    [[nodiscard]] bool isUnreadable() const { return _isUnreadable; }
+
+private:
+    void fail(int error);
+
+    FileDescriptor _file;
+    struct stat _status {
+    };
+    std::uint64_t _offset = 0;
+    std::string _problem;
+    bool _isUnreadable = false;
+};

@@ -1,0 +1,63 @@
+#include "tools/common/ToolMain.h"
+
+#include "tools/common/Interrupt.h"
+#include "tools/common/Messages.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <string>
+
+#include <fcntl.h>
+#include <sched.h>
+#include <unistd.h>
+
+namespace
+{
+
+// More threads than this gain nothing that one reader could keep up with.
+constexpr unsigned mostThreads = 64;
+
+// A standard stream that is closed would make the next file opened, the archive for one, take its
+// place.
+void openStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            (void)open("/dev/null", O_RDWR); // takes the lowest free number, which is this one
+}
+
+} // namespace
+
+unsigned compressingThreads()
+{
+    if (const char* wanted = std::getenv("PARCELO_THREADS"))
+        return static_cast<unsigned>(std::clamp<long>(std::atol(wanted), 1, mostThreads));
+    cpu_set_t processors;
+    if (sched_getaffinity(0, sizeof processors, &processors) != 0)
+        return 1;
+    return std::clamp(static_cast<unsigned>(CPU_COUNT(&processors)), 1U, mostThreads);
+}
+
+int runTool(const char* name, const std::function<int()>& job,
+    const std::function<int(FailureKind)>& statusOf)
+{
+    const auto fail = [&](FailureKind kind, const std::string& text) {
+        Messages::tell(std::string(name) + ": " + text);
+        return statusOf(kind);
+    };
+    // Times are stored in the zone of this machine, whatever zone the caller happens to work in.
+    unsetenv("TZ"); // NOLINT(concurrency-mt-unsafe): no thread has been started yet
+    openStandardStreams();
+    Interrupt::install();
+    try {
+        return job();
+    } catch (const Failure& failure) {
+        return fail(failure.kind(), failure.what());
+    } catch (const std::bad_alloc&) {
+        return fail(FailureKind::Memory, "out of memory");
+    } catch (const std::exception& error) {
+        return fail(FailureKind::Internal, error.what());
+    }
+}

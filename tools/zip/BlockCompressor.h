@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tools/common/Compressor.h"
+#include "tools/zip/Block.h"
+
+#include <optional>
+
+// A worker of the pipeline: checksums and compresses a block, and lays whole entries out as they
+// will be written.
+class BlockCompressor
+{
+public:
+    // `level` is 0, for none, to 9.
+    explicit BlockCompressor(int level);
+
+    void operator()(Block& block);
+
+private:
+    void finishWhole(Block& block, Member& member);
+
+    std::optional<Compressor> _compressor;
+};

@@ -1,0 +1,237 @@
+#include "tools/zip/ExistingArchive.h"
+
+#include "tools/common/ByteWriter.h"
+#include "tools/common/Failure.h"
+#include "tools/common/FileInput.h"
+
+#include <algorithm>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace
+{
+
+using ZipFormat::mark16;
+using ZipFormat::mark32;
+
+constexpr std::size_t longestComment = 0xffff;
+
+Failure bad(const std::string& what)
+{
+    return {FailureKind::BadArchive, "the existing archive " + what + "; it was left as it is"};
+}
+
+std::vector<std::byte> readAt(int descriptor, std::uint64_t offset, std::size_t size)
+{
+    std::vector<std::byte> bytes(size);
+    if (readFullyAt(descriptor, offset, bytes) != static_cast<std::ptrdiff_t>(size))
+        throw bad("can't be read");
+    return bytes;
+}
+
+struct EndRecord {
+    std::uint16_t disk = 0;
+    std::uint16_t directoryDisk = 0;
+    std::uint16_t entriesHere = 0;
+    std::uint16_t entries = 0;
+    std::uint32_t size = 0;
+    std::uint32_t offset = 0;
+};
+
+EndRecord parseEnd(std::span<const std::byte> bytes)
+{
+    ByteReader reader(bytes);
+    reader.skip(4);
+    EndRecord end;
+    end.disk = reader.u16();
+    end.directoryDisk = reader.u16();
+    end.entriesHere = reader.u16();
+    end.entries = reader.u16();
+    end.size = reader.u32();
+    end.offset = reader.u32();
+    return end;
+}
+
+// Where in the last bytes of the file the end record begins: the last place from which a record
+// with its comment reaches exactly to the end.
+std::optional<std::size_t> findEnd(std::span<const std::byte> last)
+{
+    for (std::size_t size = ZipFormat::endSize; size <= last.size(); ++size) {
+        ByteReader reader(last.last(size));
+        if (reader.u32() != ZipFormat::endSignature)
+            continue;
+        reader.skip(ZipFormat::endSize - 6);
+        if (reader.u16() + ZipFormat::endSize == size)
+            return last.size() - size;
+    }
+    return std::nullopt;
+}
+
+// The zip64 record that the locator right before the end record leads to, if there is a locator.
+std::optional<ZipFormat::Directory> readZip64(int descriptor, std::uint64_t endOffset)
+{
+    constexpr std::size_t bothSizes = ZipFormat::zip64EndSize + ZipFormat::zip64LocatorSize;
+    if (endOffset < bothSizes)
+        return std::nullopt;
+    const std::vector<std::byte> bytes = readAt(descriptor, endOffset - bothSizes, bothSizes);
+    const std::span<const std::byte> both(bytes);
+    ByteReader locator(both.subspan(ZipFormat::zip64EndSize));
+    if (locator.u32() != ZipFormat::zip64LocatorSignature)
+        return std::nullopt;
+    const std::uint32_t disk = locator.u32();
+    const std::uint64_t recordOffset = locator.u64();
+    ByteReader record(both);
+    if (disk != 0 || recordOffset != endOffset - bothSizes
+        || record.u32() != ZipFormat::zip64EndSignature
+        || record.u64() != ZipFormat::zip64EndSize - 12)
+        throw bad("has a zip64 end of an unknown form");
+    record.skip(4);
+    if (record.u32() != 0 || record.u32() != 0)
+        throw bad("spans several files");
+    ZipFormat::Directory directory;
+    const std::uint64_t entriesHere = record.u64();
+    directory.entryCount = record.u64();
+    directory.size = record.u64();
+    directory.offset = record.u64();
+    if (entriesHere != directory.entryCount)
+        throw bad("spans several files");
+    return directory;
+}
+
+// The end record's numbers count unless they are marks; the mark itself may be meant when there is
+// no zip64 record: that is how some programs write exactly 65,535 entries.
+ZipFormat::Directory combine(const EndRecord& end, const std::optional<ZipFormat::Directory>& zip64)
+{
+    if (end.disk != 0 || end.directoryDisk != 0 || end.entries != end.entriesHere)
+        throw bad("spans several files");
+    if (!zip64)
+        return {end.entries, end.size, end.offset};
+    const auto agrees = [](std::uint64_t value, std::uint64_t mark, std::uint64_t wide) {
+        return value == mark || value == wide;
+    };
+    if (!agrees(end.entries, mark16, zip64->entryCount) || !agrees(end.size, mark32, zip64->size)
+        || !agrees(end.offset, mark32, zip64->offset))
+        throw bad("contradicts itself about its size");
+    return *zip64;
+}
+
+std::uint64_t wideOffset(std::span<const std::byte> extra, std::size_t valuesBefore)
+{
+    ByteReader fields(extra);
+    while (fields.remaining() >= 4) {
+        const std::uint16_t id = fields.u16();
+        ByteReader field(fields.raw(fields.u16()));
+        if (id != ZipFormat::zip64ExtraId)
+            continue;
+        field.skip(8 * valuesBefore);
+        const std::uint64_t offset = field.u64();
+        if (!field.isPastEnd())
+            return offset;
+    }
+    throw bad("lacks a zip64 field");
+}
+
+struct Record {
+    std::string_view name;
+    std::uint64_t offset = 0;
+    std::size_t size = 0;
+};
+
+// The record that `bytes` begin with; none if they end within it.
+std::optional<Record> parseRecord(std::span<const std::byte> bytes)
+{
+    ByteReader reader(bytes);
+    if (bytes.size() < ZipFormat::centralSize)
+        return std::nullopt;
+    if (reader.u32() != ZipFormat::centralSignature)
+        throw bad("has a damaged directory");
+    reader.skip(16);
+    const std::uint32_t compressedSize = reader.u32();
+    const std::uint32_t size = reader.u32();
+    const std::size_t nameSize = reader.u16();
+    const std::size_t extraSize = reader.u16();
+    const std::size_t commentSize = reader.u16();
+    const std::uint16_t disk = reader.u16();
+    reader.skip(6);
+    const std::uint32_t offset = reader.u32();
+    const std::span<const std::byte> name = reader.raw(nameSize);
+    const std::span<const std::byte> extra = reader.raw(extraSize);
+    reader.skip(commentSize);
+    if (reader.isPastEnd())
+        return std::nullopt;
+    if (disk != 0)
+        throw bad("spans several files");
+
+    Record record;
+    record.name = {reinterpret_cast<const char*>(name.data()), name.size()};
+    record.offset = offset;
+    if (offset == mark32)
+        record.offset = wideOffset(
+            extra, static_cast<std::size_t>(size == mark32) + (compressedSize == mark32 ? 1 : 0));
+    record.size = ZipFormat::centralSize + nameSize + extraSize + commentSize;
+    return record;
+}
+
+} // namespace
+
+ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, SpillBuffer& records)
+{
+    const std::size_t lastSize = std::min<std::uint64_t>(size, ZipFormat::endSize + longestComment);
+    const std::vector<std::byte> last = readAt(descriptor, size - lastSize, lastSize);
+    const std::optional<std::size_t> endAt = findEnd(last);
+    if (!endAt)
+        throw bad("is no complete zip archive");
+    const std::uint64_t endOffset = size - lastSize + *endAt;
+    const std::optional<ZipFormat::Directory> zip64 = readZip64(descriptor, endOffset);
+
+    ExistingArchive archive;
+    archive.directory = combine(parseEnd(std::span(last).subspan(*endAt)), zip64);
+    const std::uint64_t tailOffset
+        = zip64 ? endOffset - ZipFormat::zip64LocatorSize - ZipFormat::zip64EndSize : endOffset;
+    const ZipFormat::Directory& directory = archive.directory;
+    if (directory.offset > tailOffset || directory.size != tailOffset - directory.offset)
+        throw bad("holds something besides its members, or is cut short");
+    archive.tail = readAt(descriptor, tailOffset, size - tailOffset);
+    const auto commentAt = static_cast<std::ptrdiff_t>(endOffset - tailOffset + ZipFormat::endSize);
+    archive.comment.assign(archive.tail.begin() + commentAt, archive.tail.end());
+    archive.readRecords(descriptor, records);
+    return archive;
+}
+
+void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
+{
+    constexpr std::size_t readSize = std::size_t{1} << 20; // several of the longest records
+    std::vector<std::byte> window;
+    std::uint64_t unread = directory.size;
+    std::uint64_t count = 0;
+    while (unread > 0 || !window.empty()) {
+        const std::size_t more = std::min<std::uint64_t>(readSize, unread);
+        const std::vector<std::byte> bytes
+            = readAt(descriptor, directory.offset + directory.size - unread, more);
+        records.append(bytes);
+        window.insert(window.end(), bytes.begin(), bytes.end());
+        unread -= more;
+
+        std::span<const std::byte> rest(window);
+        while (const std::optional<Record> record = parseRecord(rest)) {
+            if (record->offset >= directory.offset)
+                throw bad("has a member outside of it");
+            addName(record->name);
+            rest = rest.subspan(record->size);
+            ++count;
+        }
+        if (unread == 0 && !rest.empty())
+            throw bad("has a damaged directory");
+        window.erase(window.begin(), window.end() - static_cast<std::ptrdiff_t>(rest.size()));
+    }
+    if (count != directory.entryCount)
+        throw bad("has another number of members than it says");
+}
+
+void ExistingArchive::addName(std::string_view name)
+{
+    name = name.substr(0, name.find('/'));
+    if (!topNames.contains(name))
+        topNames.emplace(name);
+}

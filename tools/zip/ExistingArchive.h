@@ -1,0 +1,32 @@
+// What has to be known of an archive, also one made by another program, to add to it in place:
+// where its central directory lies, that nothing else depends on that, and which names it holds.
+//
+// An archive is refused when adding could harm it: when it is damaged, when it spans several files,
+// when anything lies between the members and the directory or behind the end record, or when its
+// directory is encrypted or signed.
+#pragma once
+
+#include "tools/common/SpillBuffer.h"
+#include "tools/common/ZipFormat.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct ExistingArchive {
+    ZipFormat::Directory directory;
+    std::vector<std::byte> tail; // all that follows the central directory
+    std::vector<std::byte> comment;
+    std::set<std::string, std::less<>> topNames; // first components of the entries' names
+
+    // Reads the archive of `size` bytes open as `descriptor`, putting the bytes of its central
+    // directory in `records`. Throws a Failure of kind BadArchive that says what is wrong.
+    static ExistingArchive read(int descriptor, std::uint64_t size, SpillBuffer& records);
+
+private:
+    void readRecords(int descriptor, SpillBuffer& records);
+    void addName(std::string_view name);
+};

@@ -1,0 +1,142 @@
+#include "tools/zip/ZipWriter.h"
+
+#include "tools/common/Crc32.h"
+#include "tools/common/Failure.h"
+#include "tools/common/Messages.h"
+
+namespace
+{
+
+OutputFile openArchive(const std::string& path)
+{
+    if (std::optional<OutputFile> existing = OutputFile::openExisting(path))
+        return std::move(*existing);
+    return OutputFile::createBeside(path);
+}
+
+std::string folderOf(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+std::string progressLine(const ZipFormat::Entry& entry)
+{
+    const bool isDeflated = entry.method == ZipFormat::Method::Deflated;
+    const std::uint64_t saved
+        = entry.size > entry.compressedSize ? entry.size - entry.compressedSize : 0;
+    const std::uint64_t percent = saved == 0 ? 0 : (200 * saved + entry.size) / (2 * entry.size);
+    return "  adding: " + Messages::progressName(entry.name)
+        + (isDeflated ? " (deflated " : " (stored ") + std::to_string(percent) + "%)\n";
+}
+
+} // namespace
+
+ZipWriter::ZipWriter(const std::string& path)
+    : _file(openArchive(path))
+    , _isInPlace(_file.isInPlace())
+    , _records(folderOf(path))
+{
+    const auto size = static_cast<std::uint64_t>(_file.status().st_size);
+    if (_isInPlace && size > 0)
+        _existing = ExistingArchive::read(_file.descriptor(), size, _records);
+    _file.setPosition(_existing.directory.offset);
+}
+
+ZipWriter::~ZipWriter()
+{
+    if (!_isInPlace || _isFinished || _entryCount == 0)
+        return;
+    try {
+        restore();
+    } catch (const std::exception& error) {
+        Messages::tell(std::string("the archive could not be put back as it was: ") + error.what());
+    }
+}
+
+bool ZipWriter::holds(const std::string& topName) const
+{
+    return _existing.topNames.contains(topName);
+}
+
+void ZipWriter::add(const Block& block)
+{
+    _progress.clear();
+    if (!block.members.front().isWhole()) {
+        addPiece(block, block.members.front());
+    } else {
+        const std::uint64_t begin = _file.position();
+        _entryCount += block.members.size();
+        _file.append(block.output);
+        for (const Member& member : block.members) {
+            ZipFormat::Entry entry = member.entry;
+            entry.offset = begin + member.outputBegin;
+            addRecord(entry);
+        }
+    }
+    Messages::progress(_progress);
+}
+
+void ZipWriter::addPiece(const Block& block, const Member& piece)
+{
+    if (piece.isFirst) {
+        ++_entryCount;
+        _open = piece.entry;
+        _open.offset = _file.position();
+        std::vector<std::byte> header;
+        ZipFormat::appendLocalHeader(header, _open);
+        _file.append(header);
+    }
+    const std::span<const std::byte> input = block.dataOf(piece);
+    const std::span<const std::byte> data = piece.isStored ? input : std::span(block.output);
+    _file.append(data);
+    _open.crc = Crc32::combine(_open.crc, piece.crc, input.size());
+    _open.size += input.size();
+    _open.compressedSize += data.size();
+    if (!piece.isLast)
+        return;
+    if (piece.isAbandoned) {
+        _file.setPosition(_open.offset);
+        return;
+    }
+    std::vector<std::byte> header;
+    ZipFormat::appendLocalHeader(header, _open);
+    _file.writeAt(_open.offset, header);
+    addRecord(_open);
+}
+
+void ZipWriter::addRecord(const ZipFormat::Entry& entry)
+{
+    std::vector<std::byte> record;
+    ZipFormat::appendCentralRecord(record, entry);
+    _records.append(record);
+    ++_newRecords;
+    _progress += progressLine(entry);
+}
+
+void ZipWriter::finish()
+{
+    if (_newRecords == 0)
+        throw Failure(FailureKind::NothingToDo, "nothing to do: no input is left to be stored");
+    const ZipFormat::Directory directory{
+        _existing.directory.entryCount + _newRecords, _records.size(), _file.position()};
+    _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
+    std::vector<std::byte> end;
+    ZipFormat::appendEnd(end, directory, _existing.comment);
+    _file.append(end);
+    _file.truncateHere();
+    if (_isInPlace)
+        _file.flush();
+    else
+        _file.commit(OutputFile::Existing::Keep);
+    _isFinished = true;
+}
+
+void ZipWriter::restore()
+{
+    _file.setPosition(_existing.directory.offset);
+    _records.read(
+        _existing.directory.size, [&](std::span<const std::byte> part) { _file.append(part); });
+    _file.append(_existing.tail);
+    _file.truncateHere();
+}

@@ -1,0 +1,56 @@
+// The writer's end of the pipeline: puts entries into a new archive, or behind the members of an
+// existing one, and the central directory behind them.
+//
+// In an existing archive the new entries take the place of the central directory, so that adding
+// costs what the entries cost and not what the archive does. Until finish() has returned, the old
+// directory is put back whenever the writer goes: after a failure or a signal the archive is byte
+// for byte what it was. What can't be undone is the process being killed while it adds; the program
+// therefore adds only in its own scratch folder.
+#pragma once
+
+#include "tools/common/OutputFile.h"
+#include "tools/common/SpillBuffer.h"
+#include "tools/zip/Block.h"
+#include "tools/zip/ExistingArchive.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+class ZipWriter
+{
+public:
+    // Opens the archive at `path`, or begins a new one if there is none or an empty file.
+    explicit ZipWriter(const std::string& path);
+    ~ZipWriter();
+    ZipWriter(const ZipWriter&) = delete;
+    ZipWriter& operator=(const ZipWriter&) = delete;
+
+    [[nodiscard]] const OutputFile& file() const { return _file; }
+    // Whether an entry of the existing archive has that name, or lies in a folder of that name.
+    [[nodiscard]] bool holds(const std::string& topName) const;
+
+    // Writes a block that a worker has finished, then tells its entries as progress.
+    void add(const Block& block);
+
+    // Writes the central directory and completes the archive.
+    void finish();
+
+    // Entries that have come, abandoned ones included.
+    [[nodiscard]] std::uint64_t entryCount() const { return _entryCount; }
+
+private:
+    void addPiece(const Block& block, const Member& piece);
+    void addRecord(const ZipFormat::Entry& entry);
+    void restore();
+
+    OutputFile _file;
+    const bool _isInPlace;
+    SpillBuffer _records; // the central directory, old records first
+    ExistingArchive _existing; // empty for a new archive
+    ZipFormat::Entry _open; // of the pieces that come one after the other
+    std::string _progress;
+    std::uint64_t _entryCount = 0;
+    std::uint64_t _newRecords = 0;
+    bool _isFinished = false;
+};
