@@ -14,7 +14,7 @@ InterruptSignals::InterruptSignals()
         struct sigaction action {
         };
         sigaction(number, nullptr, &action);
-        if (action.sa_handler != SIG_IGN)
+        if (number != SIGHUP || action.sa_handler != SIG_IGN)
             sigaddset(&signals, number);
     }
     pthread_sigmask(SIG_BLOCK, &signals, &_formerMask);

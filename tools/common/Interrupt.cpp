@@ -29,7 +29,7 @@ void install()
         struct sigaction action {
         };
         sigaction(signal, nullptr, &action);
-        if (action.sa_handler == SIG_IGN)
+        if (signal == SIGHUP && action.sa_handler == SIG_IGN)
             continue;
         action = {};
         action.sa_handler = requestStop;

@@ -5,7 +5,7 @@
 namespace Interrupt
 {
 
-// SIGINT, SIGTERM and SIGHUP ask to stop (unless the parent ignores them); so does the end of the
+// SIGINT and SIGTERM ask to stop, SIGHUP too unless it is ignored (nohup); so does the end of the
 // process that started this one. SIGPIPE and SIGXFSZ become errors of the write that causes them.
 void install();
 
