@@ -1,17 +1,16 @@
 #include "tests/support/Files.h"
 
+#include "platform/base/FileDescriptor.h"
+
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <random>
 #include <system_error>
-#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace support
@@ -27,49 +26,24 @@ int checked(int result, const std::filesystem::path& path)
     return result;
 }
 
-void removeAt(int parent, const std::string& name)
-{
-    if (unlinkat(parent, name.c_str(), 0) == 0 || errno == ENOENT)
-        return;
-    fchmodat(parent, name.c_str(), S_IRWXU, 0);
-    const Descriptor folder(
-        openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (folder >= 0) {
-        for (const std::string& inside : namesIn(folder))
-            removeAt(folder, inside);
-    }
-    unlinkat(parent, name.c_str(), AT_REMOVEDIR);
-}
-
 } // namespace
-
-Descriptor::~Descriptor()
-{
-    if (_descriptor >= 0)
-        close(_descriptor);
-}
-
-int Descriptor::release()
-{
-    return std::exchange(_descriptor, -1);
-}
 
 void writeFile(const std::filesystem::path& file, std::string_view content)
 {
     if (file.has_parent_path())
         std::filesystem::create_directories(file.parent_path());
-    const Descriptor output(
+    const FileDescriptor output(
         checked(open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644), file));
     while (!content.empty()) {
-        const ssize_t written = write(output, content.data(), content.size());
+        const ssize_t written = write(output.number(), content.data(), content.size());
         content.remove_prefix(static_cast<std::size_t>(checked(static_cast<int>(written), file)));
     }
 }
 
 std::string readFile(const std::filesystem::path& file)
 {
-    const Descriptor input(checked(open(file.c_str(), O_RDONLY | O_CLOEXEC), file));
-    return readFile(static_cast<int>(input));
+    const FileDescriptor input(checked(open(file.c_str(), O_RDONLY | O_CLOEXEC), file));
+    return readFile(input.number());
 }
 
 std::string readFile(int descriptor)
@@ -101,29 +75,20 @@ void makeFifo(const std::filesystem::path& file)
     checked(mkfifo(file.c_str(), 0644), file);
 }
 
-void makeSocket(const std::filesystem::path& file)
-{
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    file.string().copy(address.sun_path, sizeof(address.sun_path) - 1);
-    const Descriptor server(checked(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), file));
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how bind() takes an address.
-    checked(bind(server, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), file);
-}
-
 void makeNestedFolders(
     const std::filesystem::path& folder, const std::string& name, unsigned levels)
 {
     std::filesystem::create_directory(folder);
     int inner = checked(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), folder);
     for (; levels > 0; --levels) {
-        const Descriptor outer(inner);
-        checked(mkdirat(outer, name.c_str(), 0755), name);
-        inner = checked(openat(outer, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), name);
+        const FileDescriptor outer(inner);
+        checked(mkdirat(outer.number(), name.c_str(), 0755), name);
+        inner = checked(
+            openat(outer.number(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), name);
     }
-    const Descriptor last(inner);
-    const Descriptor leaf(
-        checked(openat(last, "leaf", O_CREAT | O_WRONLY | O_CLOEXEC, 0644), name));
+    const FileDescriptor last(inner);
+    const FileDescriptor leaf(
+        checked(openat(last.number(), "leaf", O_CREAT | O_WRONLY | O_CLOEXEC, 0644), name));
 }
 
 std::string randomBytes(std::size_t sizeInBytes, unsigned seed)
@@ -168,14 +133,9 @@ std::vector<std::string> namesIn(int folder)
 
 std::vector<std::string> namesIn(const std::filesystem::path& folder)
 {
-    const Descriptor opened(
+    const FileDescriptor opened(
         checked(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), folder));
-    return namesIn(static_cast<int>(opened));
-}
-
-void removeTree(const std::filesystem::path& path)
-{
-    removeAt(AT_FDCWD, path.string());
+    return namesIn(opened.number());
 }
 
 } // namespace support

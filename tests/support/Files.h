@@ -11,28 +11,6 @@
 namespace support
 {
 
-// An open descriptor; -1 when opening failed.
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor)
-        : _descriptor(descriptor)
-    {
-    }
-    ~Descriptor();
-    Descriptor(Descriptor&& other) noexcept
-        : _descriptor(other.release())
-    {
-    }
-    Descriptor& operator=(Descriptor&&) = delete;
-
-    operator int() const { return _descriptor; } // NOLINT(google-explicit-constructor)
-    int release();
-
-private:
-    int _descriptor;
-};
-
 // All of these throw std::system_error when the system refuses.
 
 // Makes or replaces a file; missing parent folders are made too.
@@ -44,7 +22,6 @@ std::string readFile(int descriptor);
 void setTime(
     const std::filesystem::path& file, std::int64_t secondsSince1970, long nanoseconds = 0);
 void makeFifo(const std::filesystem::path& file);
-void makeSocket(const std::filesystem::path& file);
 // A folder with `levels` folders of one name inside each other and the file "leaf" in the last.
 void makeNestedFolders(
     const std::filesystem::path& folder, const std::string& name, unsigned levels);
@@ -55,8 +32,6 @@ std::string someText(std::size_t sizeInBytes, unsigned seed = 1);
 // The names in a folder, sorted by bytes.
 std::vector<std::string> namesIn(int folder);
 std::vector<std::string> namesIn(const std::filesystem::path& folder);
-// Removes a file or a folder with all in it, also below PATH_MAX and without permissions.
-void removeTree(const std::filesystem::path& path);
 
 // Polls until `condition` holds; false when it did not come true in time.
 template <typename Condition>

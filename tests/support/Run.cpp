@@ -46,12 +46,13 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOpt
     , _out(memoryFile())
     , _err(memoryFile())
 {
-    const Descriptor in(memoryFile());
-    writeFile("/proc/self/fd/" + std::to_string(in), _options.input);
+    const FileDescriptor in(memoryFile());
+    writeFile("/proc/self/fd/" + std::to_string(in.number()), _options.input);
     // Everything is allocated here: after fork() only plain system calls are safe.
     const std::vector<char*> argv = pointersTo(arguments);
-    const std::vector<char*> given
-        = pointersTo(_options.environment.value_or(std::vector<std::string>()));
+    const std::vector<std::string> strings
+        = _options.environment.value_or(std::vector<std::string>());
+    const std::vector<char*> given = pointersTo(strings);
     char* const* environment = _options.environment ? given.data() : environ;
     const char* folder = _options.folder.empty() ? "." : _options.folder.c_str();
 
@@ -60,9 +61,9 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOpt
         throw std::system_error(errno, std::generic_category(), "fork");
     if (_pid == 0) {
         setpgid(0, 0);
-        const bool ready = dup2(in, STDIN_FILENO) == STDIN_FILENO
-            && dup2(_out, STDOUT_FILENO) == STDOUT_FILENO
-            && dup2(_err, STDERR_FILENO) == STDERR_FILENO && chdir(folder) == 0;
+        const bool ready = dup2(in.number(), STDIN_FILENO) == STDIN_FILENO
+            && dup2(_out.number(), STDOUT_FILENO) == STDOUT_FILENO
+            && dup2(_err.number(), STDERR_FILENO) == STDERR_FILENO && chdir(folder) == 0;
         if (ready)
             execvpe(argv[0], argv.data(), environment);
         _exit(cannotStart);
@@ -86,8 +87,8 @@ void RunningProgram::signal(int number) const
 RunResult RunningProgram::wait()
 {
     // glibc 2.36 declares pidfd_open() with C++ linkage, so that it cannot be linked.
-    const Descriptor program(static_cast<int>(syscall(SYS_pidfd_open, _pid, 0)));
-    pollfd end = {program, POLLIN, 0};
+    const FileDescriptor program(static_cast<int>(syscall(SYS_pidfd_open, _pid, 0)));
+    pollfd end = {program.number(), POLLIN, 0};
     const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(_options.timeout);
     const bool inTime = poll(&end, 1, static_cast<int>(timeout.count())) == 1;
     if (!inTime)

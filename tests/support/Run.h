@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/base/FileDescriptor.h"
 #include "tests/support/Files.h"
 
 #include <chrono>
@@ -42,15 +43,15 @@ public:
     pid_t pid() const { return _pid; }
     // To the program alone, as a user's `kill` would.
     void signal(int number) const;
-    std::string out() const { return readFile(_out); }
-    std::string err() const { return readFile(_err); }
+    std::string out() const { return readFile(_out.number()); }
+    std::string err() const { return readFile(_err.number()); }
     // Waits for the end; after the timeout the whole group is killed.
     RunResult wait();
 
 private:
     const RunOptions _options;
-    const Descriptor _out;
-    const Descriptor _err;
+    const FileDescriptor _out;
+    const FileDescriptor _err;
     pid_t _pid = -1;
     bool _ended = false;
 };

@@ -1,6 +1,6 @@
 #include "tests/support/TestFolder.h"
 
-#include "tests/support/Files.h"
+#include "tests/support/Run.h"
 
 #include <cstdlib>
 #include <string>
@@ -11,7 +11,7 @@ namespace support
 
 TestFolder::TestFolder()
 {
-    const char* parent = std::getenv("TMPDIR");
+    const char* const parent = std::getenv("TMPDIR");
     std::string name = std::string(parent ? parent : "/tmp") + "/parcelo-test-XXXXXX";
     if (!mkdtemp(name.data()))
         throw std::system_error(errno, std::generic_category(), name);
@@ -20,7 +20,8 @@ TestFolder::TestFolder()
 
 TestFolder::~TestFolder()
 {
-    removeTree(_path);
+    run({"sh", "-c", R"(rm -rf "$0" 2> /dev/null || { chmod -R u+rwx "$0"; rm -rf "$0"; })",
+        _path});
 }
 
 } // namespace support

@@ -1,5 +1,6 @@
 #include "tests/support/TreeSnapshot.h"
 
+#include "platform/base/FileDescriptor.h"
 #include "tests/support/Files.h"
 
 #include <climits>
@@ -24,11 +25,11 @@ std::uint64_t hash(std::string_view bytes)
 
 std::uint64_t hashOfFile(int folder, const std::string& name)
 {
-    const Descriptor file(openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    const FileDescriptor file(openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     std::string block(1 << 20, '\0');
     std::uint64_t result = 0;
     for (;;) {
-        const ssize_t count = read(file, block.data(), block.size());
+        const ssize_t count = read(file.number(), block.data(), block.size());
         if (count <= 0)
             return result;
         result = result * 31 + hash({block.data(), static_cast<std::size_t>(count)});
@@ -75,10 +76,10 @@ void addTo(TreeSnapshot& tree, int folder, const std::string& pathOfFolder)
         } else if (entry.kind == 'l') {
             entry.target = targetOf(folder, name);
         } else if (entry.kind == 'd') {
-            const Descriptor inside(
+            const FileDescriptor inside(
                 openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-            if (inside >= 0)
-                addTo(tree, inside, path + "/");
+            if (inside)
+                addTo(tree, inside.number(), path + "/");
         }
         tree[path] = std::move(entry);
     }
@@ -122,8 +123,8 @@ std::string differenceOf(const TreeEntry& expected, const TreeEntry& actual, std
 TreeSnapshot snapshot(const std::filesystem::path& folder)
 {
     TreeSnapshot tree;
-    const Descriptor root(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    addTo(tree, root, "");
+    const FileDescriptor root(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    addTo(tree, root.number(), "");
     return tree;
 }
 

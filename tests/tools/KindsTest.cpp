@@ -221,9 +221,9 @@ TEST_P(BothTools, giveTheSameBytesForAnyNumberOfThreads)
     }
     // Random data after text: what was begun as compressed has to go on as it can.
     writeFile(world.item / "mixed", someText(piece) + randomBytes(2 * piece, 9) + someText(piece));
-    const Names levels = tool.name == "tar" ? Names{"-6"}
-        : isSanitized                       ? Names{"-0", "-6"}
-                      : Names{"-0", "-1", "-2", "-3", "-4", "-5", "-6", "-7", "-8", "-9"};
+    Names levels = {"-6"};
+    if (tool.name == "zip" && !isSanitized)
+        levels = {"-0", "-1", "-4", "-6", "-9"}; // each way in which libdeflate works
     for (const std::string& level : levels) {
         std::string expected;
         for (const unsigned threads : {1u, 2u, 3u, 8u}) {

@@ -59,8 +59,11 @@ TEST_P(Names, anItemIsTakenLiterallyAndAlone)
         const RunResult result = run(tool, archive, place / name);
         EXPECT_EQ(result.status, 0) << testing::PrintToString(name) << result.err;
         EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1);
-        EXPECT_EQ(listing(tool, archive), name + "\n");
         const std::string bytes = readFile(archive);
+        if (tool.name == "zip") // one line of progress, so it is the only name
+            EXPECT_EQ(bytes.substr(30, name.size()), name);
+        else
+            EXPECT_EQ(listing(tool, archive), name + "\n");
         fs::remove(archive);
         ToolCall bare = callOf(tool, archive, place / name);
         bare.arguments.back() = name;
