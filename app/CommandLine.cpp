@@ -173,7 +173,8 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
 {
     CommandLine line;
     line.problem = takeArguments(line, arguments);
-    const bool onlyFiles = line.files.size() == arguments.size();
+    const bool hasEndOfOptions = std::ranges::find(arguments, "--") != arguments.end();
+    const bool onlyFiles = line.files.size() + (hasEndOfOptions ? 1 : 0) == arguments.size();
     if (line.problem.empty() && line.request == Request::window && !onlyFiles) {
         line.request = Request::archive;
         line.problem = checkArchive(line);

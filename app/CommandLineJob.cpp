@@ -12,6 +12,7 @@
 #include <cstring>
 #include <iostream>
 #include <map>
+#include <set>
 #include <thread>
 #include <utility>
 
@@ -48,8 +49,10 @@ const Tool& toolFor(int type)
 }
 
 // Always false, for the checks that end with it.
-bool complain(const std::string& message)
+bool complain(std::string message)
 {
+    // Control bytes of a name could move the cursor of a terminal, or worse.
+    std::ranges::replace_if(message, ToolMessages::isControl, '?');
     std::cerr << "parcelo: " << message << "\n" << std::flush;
     return false;
 }
@@ -118,10 +121,28 @@ bool CommandLineJob::_resolveFiles()
 {
     bool complete = true;
     for (const Path& file : _line.files) {
-        if (statusOf(file))
-            _files.push_back(resolved(file));
-        else
+        if (!statusOf(file))
             complete = complain(file, errno);
+        else if (PathString::lastPathComponent(file.native()) == "/")
+            complete = complain("'/' has no name to be archived under");
+        else
+            _files.push_back(resolved(file));
+    }
+    return complete && (_line.type == ArchiveTypePlainZip || _canBeStaged());
+}
+
+// The engine stages items as links in one folder and passes over what does not fit there.
+bool CommandLineJob::_canBeStaged() const
+{
+    bool complete = true;
+    std::set<std::string> names;
+    for (const Path& file : _files) {
+        std::error_code missing;
+        const fs::file_status target = fs::status(file, missing);
+        if (!fs::is_regular_file(target) && !fs::is_directory(target))
+            complete = complain("'" + file.native() + "' leads to no file or folder");
+        else if (!names.insert(PathString::lastPathComponent(file.native())).second)
+            complete = complain("'" + file.native() + "' has the name of another item");
     }
     return complete;
 }

@@ -32,6 +32,7 @@ private:
 
     bool _hasTool() const;
     bool _resolveFiles();
+    [[nodiscard]] bool _canBeStaged() const;
     bool _chooseArchive();
     void _makeArchive(const Path& workingFolder);
     ArchiverDelegate _delegate();

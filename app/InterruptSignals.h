@@ -4,9 +4,9 @@
 
 #include <csignal>
 
-// SIGINT, SIGTERM and SIGHUP as something to read, for as long as this object lives. A SIGHUP that is
-// ignored (nohup) stays so; a SIGINT does not, because shells ignore it for what they start with "&".
-// Made on the main thread before any other thread, which then has these signals blocked too.
+// SIGINT, SIGTERM and SIGHUP as something to read, for as long as this object lives. A SIGHUP that
+// is ignored (nohup) stays so; a SIGINT does not, because shells ignore it for what they start with
+// "&". Made on the main thread before any other thread, which then has these signals blocked too.
 class InterruptSignals
 {
 public:

@@ -20,13 +20,12 @@ bool isProgress(std::string_view line)
         progress, [&](std::string_view start) { return line.starts_with(start); });
 }
 
-// Control bytes could move the cursor of a terminal, or worse.
-bool isControl(char byte)
+} // namespace
+
+bool ToolMessages::isControl(char byte)
 {
     return (byte >= 0 && byte < 0x20) || byte == 0x7f;
 }
-
-} // namespace
 
 ToolMessages::ToolMessages(std::string tool)
     : _tool(std::move(tool))
@@ -51,6 +50,8 @@ void ToolMessages::_endLine()
     std::string line = std::exchange(_line, {});
     if (line.empty() || isProgress(line))
         return;
+    if (line.starts_with(_tool + ": "))
+        line.erase(0, _tool.size() + 2); // it is put before every line
     std::ranges::replace_if(line, isControl, '?');
     if (_words.size() < mostLines)
         _words.push_back(std::move(line));

@@ -23,6 +23,9 @@ public:
     // that ended well; at last how many lines are missing here.
     [[nodiscard]] std::vector<std::string> lines() const;
 
+    // Whether a byte could do something to a terminal besides being shown.
+    static bool isControl(char byte);
+
 private:
     void _endLine();
     void _keep(const std::string& line);

@@ -16,7 +16,10 @@ install_packages() {
     [[ ${#missing[@]} -eq 0 ]] && return
     say "installing ${missing[*]}"
     local as_root=()
-    [[ $(id -u) -eq 0 ]] || as_root=(sudo)
+    if [[ $(id -u) -ne 0 ]]; then
+        as_root=(sudo -n)
+        sudo -n true 2>/dev/null || { say "this takes root, or sudo without a password"; return 1; }
+    fi
     quietly "${as_root[@]}" apt-get update -q
     quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -q -y --no-install-recommends "${missing[@]}"

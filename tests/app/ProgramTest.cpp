@@ -144,6 +144,7 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
     writeFile(folder / "out/one.zip", "older");
     fs::create_directory(folder / "out/two.zip");
     const std::string out = fs::canonical(folder / "out");
+    const std::string in = fs::canonical(folder / "in");
     struct Case {
         Lines arguments;
         int status;
@@ -151,9 +152,16 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
     };
     const Case cases[] = {
         {{"one.txt"}, 2, "this version has no window yet: give --to FOLDER"},
+        {{"--", "one.txt"}, 2, "this version has no window yet: give --to FOLDER"},
         {{"--bad"}, 2, "no such option: '--bad'"},
         {{"--to=../out", "one.txt", "none"}, 1, "'none': No such file or directory"},
         {{"--to=../out", ""}, 1, "'': No such file or directory"},
+        {{"--to=../out", "no\x1bne"}, 1, "'no?ne': No such file or directory"},
+        {{"--to=../out", "/"}, 1, "'/' has no name to be archived under"},
+        {{"--to=../out", "--type=tar.gz", "one.txt", "./one.txt"}, 1,
+            "'" + in + "/./one.txt' has the name of another item"},
+        {{"--to=../out", "--type=tar.gz", "/dev/null"}, 1,
+            "'/dev/null' leads to no file or folder"},
         {{"--to=../none", "one.txt"}, 1, "'../none': No such file or directory"},
         {{"--to=one.txt", "two.txt"}, 1, "'one.txt': Not a directory"},
         {{"--to=../out", "two.txt"}, 1, "'" + out + "/two.zip': Is a directory"},

@@ -249,3 +249,27 @@ TEST_F(Append, keepsAnArchiveBeyondTheZip64Limit)
     }
     EXPECT_EQ(complaintsOf(zipReaders(), archive), nothing);
 }
+
+TEST_F(Append, aLinkThatLeadsNowhereIsRefused)
+{
+    fs::create_symlink("nowhere", archive);
+    writeItem("item", "content");
+    EXPECT_EQ(add(archive, item).status, 15);
+    EXPECT_TRUE(fs::is_symlink(archive));
+}
+
+TEST_F(Append, aNameIsTakenHoweverItIsWritten)
+{
+    ASSERT_EQ(
+        run({"python3", "-c",
+                "import sys, zipfile\n"
+                "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+                "    for name in ('./item', '/item 2', './/item 3/in'): z.writestr(name, 'x')\n",
+                archive.native()})
+            .status,
+        0);
+    writeItem("item", "content");
+    const RunResult result = add(archive, item);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out.substr(0, 17), "  adding: item 4 ");
+}

@@ -25,19 +25,23 @@ namespace Interrupt
 
 void install()
 {
+    bool outlivesParent = false;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction action {
         };
         sigaction(signal, nullptr, &action);
-        if (signal == SIGHUP && action.sa_handler == SIG_IGN)
+        if (signal == SIGHUP && action.sa_handler == SIG_IGN) {
+            outlivesParent = true;
             continue;
+        }
         action = {};
         action.sa_handler = requestStop;
         sigaction(signal, &action, nullptr);
     }
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (!outlivesParent)
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 
 bool isRequested()

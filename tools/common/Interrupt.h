@@ -5,8 +5,9 @@
 namespace Interrupt
 {
 
-// SIGINT and SIGTERM ask to stop, SIGHUP too unless it is ignored (nohup); so does the end of the
-// process that started this one. SIGPIPE and SIGXFSZ become errors of the write that causes them.
+// SIGINT and SIGTERM ask to stop; so do SIGHUP and the end of the process that started this one,
+// unless SIGHUP is ignored (nohup). SIGPIPE and SIGXFSZ become errors of the write that causes
+// them.
 void install();
 
 [[nodiscard]] bool isRequested();

@@ -3,14 +3,20 @@
 #include "tools/common/Utf8.h"
 
 #include <cerrno>
+#include <mutex>
 
 #include <unistd.h>
 
 namespace
 {
 
+// Held over a whole write: both streams may be one pipe, and a long write to a pipe is done in
+// parts.
+std::mutex outputMutex;
+
 void writeAll(int descriptor, std::string_view text)
 {
+    const std::lock_guard lock(outputMutex);
     while (!text.empty()) {
         const ssize_t written = ::write(descriptor, text.data(), text.size());
         if (written < 0 && errno == EINTR)

@@ -85,7 +85,7 @@ bool sync(int descriptor)
 } // namespace
 
 OutputFile::OutputFile(
-    FileDescriptor file, const struct stat& status, std::string path, std::string hiddenPath)
+    OpenDescriptor file, const struct stat& status, std::string path, std::string hiddenPath)
     : _file(std::move(file))
     , _path(std::move(path))
     , _hiddenPath(std::move(hiddenPath))
@@ -115,7 +115,7 @@ OutputFile OutputFile::createBeside(const std::string& path)
     }
     for (;;) {
         std::string hidden = hiddenPathFor(path);
-        FileDescriptor file(open(hidden.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        OpenDescriptor file(open(hidden.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
         struct stat status {
         };
         if (file && fstat(file.get(), &status) == 0)
@@ -134,9 +134,15 @@ OutputFile OutputFile::createBeside(const std::string& path)
 std::optional<OutputFile> OutputFile::openExisting(const std::string& path)
 {
     for (;;) {
-        FileDescriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
-        if (!file && errno == ENOENT)
-            return std::nullopt;
+        OpenDescriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+        if (!file && errno == ENOENT) {
+            struct stat link {
+            };
+            if (lstat(path.c_str(), &link) != 0)
+                return std::nullopt;
+            throw Failure(FailureKind::CannotCreate,
+                Messages::readableName(path) + " is a link that leads nowhere");
+        }
         struct stat status {
         };
         if (!file || fstat(file.get(), &status) != 0)
@@ -191,7 +197,7 @@ bool OutputFile::isSameFile(const struct stat& status) const
 // with.
 void OutputFile::flush()
 {
-    FileDescriptor another(fcntl(_file.get(), F_DUPFD_CLOEXEC, 0));
+    OpenDescriptor another(fcntl(_file.get(), F_DUPFD_CLOEXEC, 0));
     if (!another || !another.close())
         cannotWrite(_path);
 }
@@ -205,7 +211,7 @@ void OutputFile::commit(Existing existing)
 bool OutputFile::commitDurably(Existing existing)
 {
     const std::string folderPath = split(_path).folder;
-    const FileDescriptor folder(
+    const OpenDescriptor folder(
         open(folderPath.empty() ? "." : folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder || !sync(_file.get()))
         cannotWrite(_path);

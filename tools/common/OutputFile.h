@@ -5,7 +5,7 @@
 // All operations throw Failure; those of a hidden file that is not committed leave nothing behind.
 #pragma once
 
-#include "tools/common/FileDescriptor.h"
+#include "tools/common/OpenDescriptor.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -62,11 +62,11 @@ public:
 
 private:
     OutputFile(
-        FileDescriptor file, const struct stat& status, std::string path, std::string hiddenPath);
+        OpenDescriptor file, const struct stat& status, std::string path, std::string hiddenPath);
     void discard();
     void rename(Existing existing);
 
-    FileDescriptor _file;
+    OpenDescriptor _file;
     std::string _path;
     std::string _hiddenPath; // empty for a file in place
     struct stat _status {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -31,7 +32,7 @@ bool hasChanged(const struct stat& before, const struct stat& after)
 SourceFile::SourceFile(const TreeItem& item)
 {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    _file = FileDescriptor(
+    _file = OpenDescriptor(
         openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
     if (!_file && errno == ELOOP && !item.isFollowed) {
         _isUnreadable = true;
@@ -97,4 +98,19 @@ void SourceFile::fail(int error)
 {
     _isUnreadable = true;
     _problem = errorText(error);
+}
+
+std::optional<std::string> readLink(const TreeItem& item, const struct stat& status)
+{
+    std::string target(static_cast<std::size_t>(status.st_size) + 1, '\0');
+    for (;;) {
+        const ssize_t size = readlinkat(item.folder, item.name, target.data(), target.size());
+        if (size < 0)
+            return std::nullopt;
+        if (static_cast<std::size_t>(size) < target.size()) {
+            target.resize(static_cast<std::size_t>(size));
+            return target;
+        }
+        target.resize(2 * target.size());
+    }
 }

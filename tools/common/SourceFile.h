@@ -2,11 +2,12 @@
 // not, read up to the size it had when it was opened, and compared with that in the end.
 #pragma once
 
-#include "tools/common/FileDescriptor.h"
+#include "tools/common/OpenDescriptor.h"
 #include "tools/common/TreeWalk.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -40,10 +41,13 @@ public:
 private:
     void fail(int error);
 
-    FileDescriptor _file;
+    OpenDescriptor _file;
     struct stat _status {
     };
     std::uint64_t _offset = 0;
     std::string _problem;
     bool _isUnreadable = false;
 };
+
+// The target of a link that the walk has found, as its bytes; none with errno.
+std::optional<std::string> readLink(const TreeItem& item, const struct stat& status);

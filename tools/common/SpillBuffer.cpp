@@ -21,15 +21,15 @@ Failure cannotSpill()
     return systemFailure(FailureKind::Write, "cannot write a temporary file");
 }
 
-FileDescriptor openNameless(const std::string& folder)
+OpenDescriptor openNameless(const std::string& folder)
 {
-    FileDescriptor file(
+    OpenDescriptor file(
         open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
     if (file)
         return file;
     // File systems without O_TMPFILE (NFS, FUSE): a name that is gone at once.
     std::string path = (folder.empty() ? "./" : folder + "/") + ".parcelo-XXXXXX";
-    file = FileDescriptor(mkostemp(path.data(), O_CLOEXEC));
+    file = OpenDescriptor(mkostemp(path.data(), O_CLOEXEC));
     if (!file)
         throw cannotSpill();
     unlink(path.c_str());

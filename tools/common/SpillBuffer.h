@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/common/FileDescriptor.h"
+#include "tools/common/OpenDescriptor.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,6 +32,6 @@ private:
 
     std::string _folder;
     std::vector<std::byte> _memory; // what follows the spilled bytes
-    FileDescriptor _file;
+    OpenDescriptor _file;
     std::uint64_t _spilled = 0;
 };

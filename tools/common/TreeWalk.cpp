@@ -1,8 +1,8 @@
 #include "tools/common/TreeWalk.h"
 
 #include "tools/common/Failure.h"
-#include "tools/common/FileDescriptor.h"
 #include "tools/common/Interrupt.h"
+#include "tools/common/OpenDescriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -59,7 +59,7 @@ using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 OpenFolder openFolder(int parent, const char* name, bool isFollowed)
 {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isFollowed ? 0 : O_NOFOLLOW);
-    FileDescriptor opened(openat(parent, name, flags));
+    OpenDescriptor opened(openat(parent, name, flags));
     if (!opened)
         return nullptr;
     OpenFolder folder(fdopendir(opened.get()));

@@ -5,9 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-
-#include <unistd.h>
+#include <optional>
 
 namespace
 {
@@ -38,10 +36,9 @@ void StreamReader::visitFile(const TreeItem& item)
     if (_ownFiles.isOutput(status))
         return;
     TarFormat::Entry entry = makeEntry(TarFormat::Type::File, item, status);
-    const std::pair identity(status.st_dev, status.st_ino);
-    if (const auto first = _hardLinks.find(identity); first != _hardLinks.end()) {
+    if (const std::string* first = _hardLinks.find(status)) {
         entry.type = TarFormat::Type::HardLink;
-        entry.linkTarget = first->second;
+        entry.linkTarget = *first;
         append(TarFormat::header(entry));
         endEntry(entry);
         return;
@@ -53,21 +50,19 @@ void StreamReader::visitFile(const TreeItem& item)
         addLarge(file, entry);
     if (!file.problem().empty())
         warn(item.path, file.problem());
-    else if (status.st_nlink > 1)
-        _hardLinks.emplace(identity, entry.name);
+    else
+        _hardLinks.add(status, entry.name);
 }
 
 void StreamReader::visitLink(const TreeItem& item, const struct stat& status)
 {
-    std::string target(static_cast<std::size_t>(status.st_size) + 1, '\0');
-    const ssize_t size = readlinkat(item.folder, item.name, target.data(), target.size());
-    if (size < 0) {
+    std::optional<std::string> target = readLink(item, status);
+    if (!target) {
         warn(item.path, errorText(errno));
         return;
     }
-    target.resize(static_cast<std::size_t>(size));
     TarFormat::Entry entry = makeEntry(TarFormat::Type::Link, item, status);
-    entry.linkTarget = std::move(target);
+    entry.linkTarget = std::move(*target);
     append(TarFormat::header(entry));
     endEntry(entry);
 }

@@ -5,13 +5,12 @@
 #include "tools/common/SourceFile.h"
 #include "tools/common/TarFormat.h"
 #include "tools/common/TreeWalk.h"
+#include "tools/tar/HardLinks.h"
 #include "tools/tar/StreamBlock.h"
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 // The reader's end of the pipeline: turns what the walk finds into a tar stream, cut in blocks.
@@ -49,8 +48,7 @@ private:
     const OwnFiles& _ownFiles;
     std::unique_ptr<StreamBlock> _block;
     std::uint64_t _streamSize = 0; // of what has been handed on
-    // The entries of files that have several names, by device and inode.
-    std::map<std::pair<dev_t, ino_t>, std::string> _hardLinks;
+    HardLinks _hardLinks;
     std::uint64_t _entryCount = 0;
     std::uint64_t _warningCount = 0;
 };

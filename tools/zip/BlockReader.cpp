@@ -6,29 +6,11 @@
 #include <cerrno>
 #include <cstring>
 
-#include <unistd.h>
-
 namespace
 {
 
 // Bounds what headers add to a block that holds little data.
 constexpr std::size_t mostMembers = 1024;
-
-// The target of a link, as its bytes; none with errno.
-std::optional<std::string> readLink(const TreeItem& item, const struct stat& status)
-{
-    std::string target(static_cast<std::size_t>(status.st_size) + 1, '\0');
-    for (;;) {
-        const ssize_t size = readlinkat(item.folder, item.name, target.data(), target.size());
-        if (size < 0)
-            return std::nullopt;
-        if (static_cast<std::size_t>(size) < target.size()) {
-            target.resize(static_cast<std::size_t>(size));
-            return target;
-        }
-        target.resize(2 * target.size());
-    }
-}
 
 bool isTooLong(const std::string& name)
 {

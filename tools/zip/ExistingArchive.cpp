@@ -231,6 +231,9 @@ void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
 
 void ExistingArchive::addName(std::string_view name)
 {
+    // Some programs store "./NAME" or "/NAME", which readers extract as NAME.
+    while (name.starts_with('/') || name.starts_with("./"))
+        name.remove_prefix(name.find('/') + 1);
     name = name.substr(0, name.find('/'));
     if (!topNames.contains(name))
         topNames.emplace(name);

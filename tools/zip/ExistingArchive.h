@@ -2,7 +2,7 @@
 // where its central directory lies, that nothing else depends on that, and which names it holds.
 //
 // An archive is refused when adding could harm it: when it is damaged, when it spans several files,
-// when anything lies between the members and the directory or behind the end record, or when its
+// when anything lies before it, behind it, or between its directory and the end record, or when its
 // directory is encrypted or signed.
 #pragma once
 

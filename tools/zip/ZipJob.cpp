@@ -68,12 +68,13 @@ ZipResult addItem(const ZipOptions& options, unsigned threadCount)
 
 ZipResult runZip(const ZipOptions& options, unsigned threadCount)
 {
-    for (;;) {
+    constexpr int mostTries = 10; // with others making and removing the archive all the time
+    for (int tries = 1;; ++tries) {
         try {
             return addItem(options, threadCount);
         } catch (const Failure& failure) {
             // Somebody else made the archive while this run did: now there is one to add to.
-            if (failure.kind() != FailureKind::NameTaken)
+            if (failure.kind() != FailureKind::NameTaken || tries == mostTries)
                 throw;
         }
     }

@@ -5,26 +5,26 @@
 #include <unistd.h>
 
 // Owns one open file descriptor; -1 is none.
-class FileDescriptor
+class OpenDescriptor
 {
 public:
-    FileDescriptor() = default;
-    explicit FileDescriptor(int descriptor)
+    OpenDescriptor() = default;
+    explicit OpenDescriptor(int descriptor)
         : _descriptor(descriptor)
     {
     }
-    FileDescriptor(FileDescriptor&& other) noexcept
+    OpenDescriptor(OpenDescriptor&& other) noexcept
         : _descriptor(std::exchange(other._descriptor, -1))
     {
     }
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    OpenDescriptor& operator=(OpenDescriptor&& other) noexcept
     {
         std::swap(_descriptor, other._descriptor);
         return *this;
     }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    ~FileDescriptor() { close(); }
+    OpenDescriptor(const OpenDescriptor&) = delete;
+    OpenDescriptor& operator=(const OpenDescriptor&) = delete;
+    ~OpenDescriptor() { close(); }
 
     [[nodiscard]] int get() const { return _descriptor; }
     explicit operator bool() const { return _descriptor >= 0; }
