@@ -288,6 +288,19 @@ TEST_P(Faults, aSignalMayComeAtAnyMoment)
     }
 }
 
+TEST_P(Faults, whatAKilledRunLeftIsRemovedByTheNext)
+{
+    const auto makeWith = [&](const fs::path& left) {
+        writeFile(freshPlace().parent_path() / left, "left");
+        EXPECT_EQ(run(tool, archive, item).status, 0);
+        return fs::exists(archive.parent_path() / left);
+    };
+    const std::string part = "." + tool.archiveName + ".part-";
+    EXPECT_EQ(makeWith(part + "abc123"), tool.name == "zip" && !old.empty());
+    EXPECT_TRUE(makeWith(part + "abc12"));
+    EXPECT_TRUE(makeWith("." + part + "abc123"));
+}
+
 TEST_P(Faults, aSignalEndsALongRunAtOnce)
 {
     fs::resize_file(item / "c", std::uintmax_t{200} << 30);
@@ -314,7 +327,8 @@ TEST(Zip, keepsLinesWholeWhenBothStreamsAreOnePipe)
         }
     }
     ToolCall call = callOf(zipTool(), folder / "a.zip", folder / "item");
-    call.arguments.insert(call.arguments.begin(), {"sh", "-c", R"("$0" "$@" 2>&1 | (sleep 1; cat))"});
+    call.arguments.insert(
+        call.arguments.begin(), {"sh", "-c", R"("$0" "$@" 2>&1 | (sleep 1; cat))"});
     std::istringstream lines(run(call.arguments, call.options).out);
     std::map<std::string, int> counts;
     for (std::string line; std::getline(lines, line);)

@@ -8,8 +8,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <utility>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/random.h>
@@ -19,6 +21,7 @@ namespace
 {
 
 constexpr std::size_t longestName = 255; // bytes; what all common file systems take
+constexpr std::size_t suffixSize = 6;
 
 struct SplitPath {
     std::string folder; // with the slash; empty for the current folder
@@ -36,7 +39,7 @@ SplitPath split(const std::string& path)
 std::string randomSuffix()
 {
     static constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    std::array<unsigned char, 6> random{};
+    std::array<unsigned char, suffixSize> random{};
     if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
         throw systemFailure(FailureKind::CannotCreate, "random number");
     std::string suffix;
@@ -45,12 +48,32 @@ std::string randomSuffix()
     return suffix;
 }
 
-std::string hiddenPathFor(const std::string& path)
+// What the hidden names for `name` begin with; six random letters follow.
+std::string hiddenPrefixFor(const std::string& name)
 {
-    const SplitPath parts = split(path);
-    const std::string tail = ".part-" + randomSuffix();
-    const std::size_t room = longestName - 1 - tail.size();
-    return parts.folder + "." + std::string(Utf8::shortened(parts.name, room)) + tail;
+    constexpr std::string_view tail = ".part-";
+    const std::size_t room = longestName - 1 - tail.size() - suffixSize;
+    return "." + std::string(Utf8::shortened(name, room)) + std::string(tail);
+}
+
+// Removes what runs that were killed have left of the same archive: nobody holds a lock on it.
+void removeAbandoned(const SplitPath& path)
+{
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(
+        opendir(path.folder.empty() ? "." : path.folder.c_str()), closedir);
+    if (!folder)
+        return;
+    const std::string prefix = hiddenPrefixFor(path.name);
+    // Read by this thread alone.
+    while (const dirent* entry = readdir(folder.get())) { // NOLINT(concurrency-mt-unsafe)
+        const std::string_view name(entry->d_name);
+        if (!name.starts_with(prefix) || name.size() != prefix.size() + suffixSize)
+            continue;
+        const int flags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+        const OpenDescriptor file(openat(dirfd(folder.get()), entry->d_name, flags));
+        if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0)
+            unlinkat(dirfd(folder.get()), entry->d_name, 0);
+    }
 }
 
 [[noreturn]] void cannotCreate(const std::string& path)
@@ -109,25 +132,32 @@ OutputFile::~OutputFile()
 
 OutputFile OutputFile::createBeside(const std::string& path)
 {
-    if (split(path).name.empty()) {
+    const SplitPath parts = split(path);
+    if (parts.name.empty()) {
         errno = EISDIR;
         cannotCreate(path);
     }
+    removeAbandoned(parts);
     for (;;) {
-        std::string hidden = hiddenPathFor(path);
+        const std::string hidden = parts.folder + hiddenPrefixFor(parts.name) + randomSuffix();
         OpenDescriptor file(open(hidden.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        if (!file && (errno == EEXIST || errno == EINTR))
+            continue;
+        if (!file)
+            cannotCreate(path);
+        // Best effort: without locks nothing abandoned can be told from what is in use.
+        flock(file.get(), LOCK_EX | LOCK_NB);
         struct stat status {
         };
-        if (file && fstat(file.get(), &status) == 0)
-            return {std::move(file), status, path, std::move(hidden)};
-        if (file) {
-            const int error = errno;
-            unlink(hidden.c_str());
-            errno = error;
-            cannotCreate(path);
-        }
-        if (errno != EEXIST && errno != EINTR)
-            cannotCreate(path);
+        const bool isKnown = fstat(file.get(), &status) == 0;
+        if (isKnown && status.st_nlink > 0)
+            return {std::move(file), status, path, hidden};
+        if (isKnown)
+            continue; // another run took it for abandoned before it was locked
+        const int error = errno;
+        unlink(hidden.c_str());
+        errno = error;
+        cannotCreate(path);
     }
 }
 

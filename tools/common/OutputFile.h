@@ -18,7 +18,8 @@
 class OutputFile
 {
 public:
-    // A new hidden file beside `path`, with the permissions that new files get.
+    // A new hidden file beside `path`, with the permissions that new files get. Such files of runs
+    // that were killed are removed.
     static OutputFile createBeside(const std::string& path);
 
     // The regular file at `path`, locked for this process: waits for others that add to it. None if
