@@ -72,13 +72,19 @@ Counts readTree(
     return {reader.entryCount(), excluded, reader.warningCount()};
 }
 
-auto makeCompressor()
+// A worker of the pipeline.
+class StreamCompressor
 {
-    return [compressor = std::make_unique<Compressor>(level)](StreamBlock& block) {
+public:
+    void operator()(StreamBlock& block)
+    {
         block.crc = Crc32::of(block.data());
-        compressor->compressPiece(block.data(), block.isLast, block.output);
-    };
-}
+        _compressor.compressPiece(block.data(), block.isLast, block.output);
+    }
+
+private:
+    Compressor _compressor{level};
+};
 
 // A folder that is empty may be archived, but not one that only what was excluded leaves empty.
 bool isNothingLeft(const Counts& counts)
@@ -97,7 +103,8 @@ TarResult runTar(const TarOptions& options, unsigned threadCount)
     {
         Pipeline<StreamBlock> pipeline(threadCount);
         pipeline.run([&](auto& feed) { counts = readTree(feed, ownFiles, options); },
-            makeCompressor, [&](const StreamBlock& block) { writer.add(block); });
+            [] { return StreamCompressor(); },
+            [&](const StreamBlock& block) { writer.add(block); });
     } // every thread has ended, so the counts are there
     if (isNothingLeft(counts))
         throw Failure(FailureKind::NothingToDo, "nothing to do: no input is left to be stored");
