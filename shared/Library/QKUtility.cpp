@@ -1,30 +1,40 @@
 #include "shared/Library/QKUtility.h"
 
-#include "platform/base/MainQueue.h"
-
-#include <chrono>
-#include <cmath>
-#include <cstdint>
-#include <limits>
+#include <atomic>
 #include <utility>
 
 namespace
 {
 
-// Truncated toward zero; what a 64-bit count cannot hold becomes the largest it can.
-std::chrono::nanoseconds nanosecondsIn(double seconds)
+QKUtility::VersionQuery versionQuery;
+std::atomic<std::int32_t> knownVersion = 0; // two threads that ask at once get the same answer
+
+bool isVersionWithin16Of(std::uint32_t first)
 {
-    constexpr double limit = 0x1p63;
-    const double count = seconds * 1e9;
-    if (std::isnan(count) || count <= -limit)
-        return std::chrono::nanoseconds::zero();
-    return count >= limit ? std::chrono::nanoseconds::max()
-                          : std::chrono::nanoseconds(static_cast<std::int64_t>(count));
+    return static_cast<std::uint32_t>(QKUtility::systemVersion()) - first < 16;
 }
 
 } // namespace
 
-void QKUtility::afterDelay(double seconds, std::function<void()> runBlock)
+void QKUtility::setVersionQuery(VersionQuery query)
 {
-    MainQueue::dispatchAfter(nanosecondsIn(seconds), std::move(runBlock));
+    versionQuery = std::move(query);
+    knownVersion = 0;
+}
+
+std::int32_t QKUtility::systemVersion()
+{
+    if (knownVersion == 0 && versionQuery)
+        knownVersion = versionQuery().value_or(0);
+    return knownVersion;
+}
+
+bool QKUtility::isJaguar()
+{
+    return isVersionWithin16Of(0x1020);
+}
+
+bool QKUtility::isPanther()
+{
+    return isVersionWithin16Of(0x1030);
 }
