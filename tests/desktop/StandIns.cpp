@@ -121,12 +121,15 @@ standins::EnvironmentVariable::~EnvironmentVariable()
 
 void standins::Programs::add(const std::string& name, int status, const std::string& line) const
 {
-    const fs::path program = _folder / name;
-    const std::string notes = _notes / "calls";
-    support::writeFile(program,
-        "#!/bin/sh\n{ printf %s " + name + "; printf ' <%s>' \"$@\"; echo; } >>'" + notes
-            + "'\necho '" + line + "'\nexit " + std::to_string(status) + "\n");
-    fs::permissions(program, fs::perms::owner_all);
+    addScript(name,
+        "{ printf %s " + name + "; printf ' <%s>' \"$@\"; echo; } >>'" + (_notes / "calls").native()
+            + "'\necho '" + line + "'\nexit " + std::to_string(status));
+}
+
+void standins::Programs::addScript(const std::string& name, const std::string& script) const
+{
+    support::writeFile(_folder / name, "#!/bin/sh\n" + script + "\n");
+    fs::permissions(_folder / name, fs::perms::owner_all);
 }
 
 std::vector<std::string> standins::Programs::calls() const

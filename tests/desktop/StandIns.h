@@ -38,6 +38,7 @@ class Programs
 public:
     // Adds a program that notes its call, prints a line and ends with that status.
     void add(const std::string& name, int status = 0, const std::string& line = {}) const;
+    void addScript(const std::string& name, const std::string& script) const;
     // What was run, a line each: the name and every argument in angle brackets.
     std::vector<std::string> calls() const;
 
