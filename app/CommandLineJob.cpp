@@ -42,7 +42,7 @@ const Tool& toolFor(int type)
     static const std::map<int, Tool> tools{
         {ArchiveTypePlainZip, {"zip", "zip", {12, 18}}},
         {ArchiveTypeTarGz, {"tar", "tar", {1}}},
-        {ArchiveTypeMacZip, {"ditto", "mac-zip", {}}},
+        {ArchiveTypeMacZip, {"ditto", "mac-zip", {1}}},
         {ArchiveTypeDiskImage, {"hdiutil", "disk-image", {}}},
     };
     return tools.at(type);
@@ -231,6 +231,11 @@ ArchiverDelegate CommandLineJob::_delegate()
         .progressBy = [this](int lines) { _progress.advanceBy(lines); },
         .taskCompletedWithStatusCode = [this](int status) { _noteStatus(status); },
         .toolOutput = [this](std::string_view bytes) { _messages.addOutput(bytes); },
+        .notStaged =
+            [this](const Path& item, std::error_code reason) {
+                _messages.add("'" + item.native() + "' is left out: " + reason.message());
+                _hasSkipped = true;
+            },
     };
 }
 

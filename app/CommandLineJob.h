@@ -53,7 +53,7 @@ private:
     ToolMessages _messages;
     std::string _failure; // why the engine gave up
     bool _hasFailed = false; // a tool did: the archive is not worth keeping
-    bool _hasSkipped = false; // a tool left something out and said so
+    bool _hasSkipped = false; // something was left out, which is said
 
     // The main thread's own.
     InterruptSignals _signals;

@@ -66,14 +66,14 @@ void ToolMessages::taskCompleted(int status)
     if (status != 0)
         start += " ended with status " + std::to_string(status);
     if (status != 0 && _words.empty())
-        _keep(start);
+        add(start);
     for (const std::string& word : std::exchange(_words, {})) {
-        _keep(start.append(": ").append(word));
+        add(start.append(": ").append(word));
         start = _tool;
     }
 }
 
-void ToolMessages::_keep(const std::string& line)
+void ToolMessages::add(const std::string& line)
 {
     if (_kept.size() < mostLines)
         _kept.push_back(line);

@@ -19,6 +19,9 @@ public:
     // The running tool has ended, and with it its last line.
     void taskCompleted(int status);
 
+    // A line that comes from no tool.
+    void add(const std::string& line);
+
     // "zip ended with status 18: warning: a: Permission denied", "zip: ..." for words of a tool
     // that ended well; at last how many lines are missing here.
     [[nodiscard]] std::vector<std::string> lines() const;
@@ -28,7 +31,6 @@ public:
 
 private:
     void _endLine();
-    void _keep(const std::string& line);
 
     std::string _tool;
     std::string _line; // not yet ended

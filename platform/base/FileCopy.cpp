@@ -2,6 +2,7 @@
 
 #include "platform/base/FileDescriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
@@ -96,6 +97,16 @@ std::error_code copyOne(const fs::path& from, const fs::path& to, fs::file_type 
     }
 }
 
+using Identity = std::pair<dev_t, ino_t>;
+
+// Of a folder; of nothing, one that no folder has.
+Identity identityOf(const fs::path& folder)
+{
+    FileStatus status{};
+    const bool isThere = ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return isThere ? Identity(status.st_dev, status.st_ino) : Identity();
+}
+
 std::error_code copyFolderAttributes(const fs::path& from, const fs::path& to)
 {
     const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -136,37 +147,44 @@ std::error_code FileCopy::copyAttributes(int from, int to)
     return {};
 }
 
-std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to)
+std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to, const Options& options)
 {
     std::error_code failure;
-    const auto note = [&](std::error_code result) {
+    const auto note = [&](const fs::path& item, std::error_code result) {
+        if (result && options.onFailure)
+            options.onFailure(item, result);
         if (result && !failure)
             failure = result;
         return !result;
     };
     std::error_code missing; // is told by copyOne
     const auto type = fs::symlink_status(from, missing).type();
-    if (!note(copyOne(from, to, type)) || type != fs::file_type::directory)
+    if (!note(from, copyOne(from, to, type)) || type != fs::file_type::directory)
         return failure;
 
+    const Identity leftOut[] = {identityOf(to), identityOf(options.leavingOut)};
     std::vector<std::pair<fs::path, fs::path>> folders{{from, to}};
     std::error_code unreadable;
-    constexpr auto options = fs::directory_options::skip_permission_denied; // noted further down
-    fs::recursive_directory_iterator entry(from, options, unreadable);
+    constexpr auto iteration = fs::directory_options::skip_permission_denied; // noted further down
+    fs::recursive_directory_iterator entry(from, iteration, unreadable);
     while (!unreadable && entry != fs::recursive_directory_iterator()) {
         const fs::path target = to / entry->path().lexically_relative(from);
         const auto kind = entry->symlink_status(unreadable).type();
-        const bool copied = note(copyOne(entry->path(), target, kind));
-        if (kind == fs::file_type::directory && copied)
+        const bool isFolder = kind == fs::file_type::directory;
+        const bool isLeftOut
+            = isFolder && std::ranges::count(leftOut, identityOf(entry->path())) > 0;
+        const bool isCopied
+            = !isLeftOut && note(entry->path(), copyOne(entry->path(), target, kind));
+        if (isFolder && isCopied)
             folders.emplace_back(entry->path(), target);
         else
             entry.disable_recursion_pending();
         entry.increment(unreadable);
     }
-    note(unreadable);
+    note(from, unreadable);
 
     // From the inside out, for filling a folder changes its times.
     for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
-        note(copyFolderAttributes(folder->first, folder->second));
+        note(folder->first, copyFolderAttributes(folder->first, folder->second));
     return failure;
 }

@@ -103,13 +103,16 @@ Archiver::Path Archiver::makeTmpFolderForArchive(
 }
 
 // A hard link, or a copy of what cannot be linked: a folder, or an item on another file system. Of
-// two items of one name the second stays.
-void Archiver::_stageCopy(const Path& item, const Path& entry)
+// two items of one name the second stays. An item may contain the working folder: that is left out.
+void Archiver::_stageCopy(const Path& item, const Path& entry) const
 {
     if (::link(item.c_str(), entry.c_str()) == 0)
         return;
     (void)FileTree::remove(entry);
-    (void)FileCopy::copyItem(item, entry);
+    FileCopy::Options options{.leavingOut = _workingDirectory};
+    if (_delegate)
+        options.onFailure = _delegate->notStaged;
+    (void)FileCopy::copyItem(item, entry, options);
 }
 
 void Archiver::removeTmpFolder(const Path& path)

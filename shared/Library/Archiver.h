@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 class Task;
@@ -35,6 +36,8 @@ struct ArchiverDelegate {
     // A chunk of tool output as it came, before it is counted, for whoever wants to show a tool's
     // own words. Independent of the others.
     std::function<void(std::string_view bytes)> toolOutput = {};
+    // Something, or part of it, will be missing from the archive, since it could not be staged.
+    std::function<void(const std::filesystem::path& item, std::error_code reason)> notStaged = {};
 };
 
 // Turns dropped items into one archive in a destination folder. It compresses nothing itself: it
@@ -120,6 +123,14 @@ public:
     std::optional<Path> createDMG(
         const Path& staged, const std::optional<std::string>& withPassword, const Path& toFolder);
 
+    // The steps of a disk image. The size as du has it, 0 when it is not known.
+    int duSizeForPath(const Path& path);
+    // Mounts the image of that name, given without extension; the device of the mounted disk,
+    // nothing when the tool told none.
+    std::optional<std::string> mountSparseImage(const std::string& name, const Path& folderPath);
+    // Copies all entries below the staged folder to a volume; of links, what they lead to.
+    void dittoContentsAtPath(const Path& staged, const Path& to);
+
     // Runs a tool to its end, in an environment that holds nothing but TMPDIR. With a delegate, its
     // output becomes callbacks, the result is nothing and the status is not written (streaming
     // mode); without one, the result is the output (collecting mode). Which mode it is does not
@@ -136,7 +147,7 @@ private:
 
     static void _reportFailure(
         const std::string& inMethod, const Archiver* object, int lineNumber, const char* text);
-    static void _stageCopy(const Path& item, const Path& entry);
+    void _stageCopy(const Path& item, const Path& entry) const;
     static std::optional<std::string> _filenameFromData(std::string_view data);
     static int _numberOfLinesInData(std::string_view data);
     static void _replaceArchive(const Path& archive, const Path& byArchive);

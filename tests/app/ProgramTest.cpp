@@ -7,11 +7,14 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <iterator>
+#include <sstream>
 
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using namespace support;
@@ -29,7 +32,7 @@ protected:
         fs::create_directories(folder / "prefix/bin");
         fs::copy_file(PARCELO_PROGRAM, program);
         fs::create_directories(resources);
-        for (const char* tool : {"zip", "tar"})
+        for (const char* tool : {"zip", "tar", "ditto"})
             fs::create_symlink(PARCELO_TEST_STANDINS_DIR "/tool", resources / tool);
         for (const char* name : {"one.txt", "two.txt", "three.txt"})
             writeFile(folder / "in" / name, name);
@@ -169,8 +172,6 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
             "'" + out + "/one.zip' would replace a file that is to be archived"},
         {{"--to=../out", "--type=dmg", "one.txt"}, 1,
             "this system has no disk-image tool (/usr/bin/hdiutil)"},
-        {{"--to=../out", "--type=mac-zip", "one.txt"}, 1,
-            "this system has no mac-zip tool (/usr/bin/ditto)"},
     };
     for (const Case& each : cases) {
         const RunResult result = parcelo(each.arguments);
@@ -239,6 +240,36 @@ TEST_F(Program, tellsWhatToolsReportAndKeepsOnlyWholeArchives)
         EXPECT_EQ(result.out.empty(), each.made.empty());
         EXPECT_EQ(scratch(), Lines{});
     }
+}
+
+// With the tool itself, on a folder that contains the folder for temporary files.
+TEST_F(Program, aMacZipHoldsWhatCouldBeStagedAndNamesTheRest)
+{
+    fs::remove(resources / "ditto");
+    fs::create_symlink(PARCELO_TOOLS_DIR "/ditto", resources / "ditto");
+    makeFifo(folder / "in/pipe");
+    fs::rename(folder / "tmp", folder / "in/tmp");
+    fs::create_directory_symlink(folder / "in/tmp", folder / "tmp");
+    const bool hasAttributes = setxattr((folder / "in/one.txt").c_str(), "user.k", "v", 1, 0) == 0;
+    const RunResult result
+        = parcelo({"--to=../out", "--name=Demo", "--type=mac-zip", "two.txt", "../in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err,
+        "parcelo: '" + (folder / "in/../in/pipe").native()
+            + "' is left out: Operation not supported\n");
+    EXPECT_EQ(result.out, (folder / "out/Demo.zip").native() + "\n");
+    Lines names{"Demo/", "Demo/in/", "Demo/in/one.txt", "Demo/in/three.txt", "Demo/in/tmp/",
+        "Demo/in/tmp/plan", "Demo/in/two.txt", "Demo/two.txt"};
+    if (hasAttributes)
+        names.emplace_back("__MACOSX/Demo/in/._one.txt");
+    std::istringstream listing(run({"unzip", "-Z1", folder / "out/Demo.zip"}).out);
+    Lines listed{std::istream_iterator<std::string>(listing), {}};
+    std::ranges::sort(listed);
+    EXPECT_EQ(listed, names);
+    EXPECT_EQ(scratch(), Lines{});
+
+    fs::remove(folder / "in/pipe");
+    EXPECT_EQ(parcelo({"--to=../out", "--type=mac-zip", "."}).status, 0);
 }
 
 TEST_F(Program, anInterruptLeavesNothingBehind)

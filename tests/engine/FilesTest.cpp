@@ -174,6 +174,26 @@ TEST(FileCopy, keepsContentsModesTimesAndLinks)
         FileCopy::copyItem(folder / "from/empty", folder / "to/link"), std::errc::file_exists);
 }
 
+TEST(FileCopy, copiesNeitherTheCopyNorWhatIsToBeLeftOut)
+{
+    const TestFolder folder;
+    writeFile(folder / "a", "a");
+    writeFile(folder / "tmp/scratch/other", "other");
+    fs::create_directories(folder / "sub/in");
+    makeFifo(folder / "sub/pipe");
+    std::vector<fs::path> failed;
+    const auto note = [&](const fs::path& item, std::error_code) { failed.push_back(item); };
+    const FileCopy::Options options{.leavingOut = folder / "tmp/scratch", .onFailure = note};
+    EXPECT_EQ(FileCopy::copyItem(folder.path(), folder / "tmp/scratch/all", options),
+        std::errc::operation_not_supported);
+    EXPECT_EQ(failed, std::vector{folder / "sub/pipe"});
+    EXPECT_EQ(namesIn(folder / "tmp/scratch/all"), (std::vector<std::string>{"a", "sub", "tmp"}));
+    EXPECT_TRUE(fs::is_empty(folder / "tmp/scratch/all/tmp"));
+    fs::remove(folder / "sub/pipe");
+    EXPECT_FALSE(FileCopy::copyItem(folder / "sub", folder / "sub/in/copy"));
+    EXPECT_TRUE(fs::is_empty(folder / "sub/in/copy/in"));
+}
+
 TEST(FileTree, countsAndRemovesAnyDepthWithoutFollowingLinks)
 {
     const TestFolder folder;

@@ -29,7 +29,7 @@ const std::vector<Floor> floors = {
     {"tools/common/", {}, "libdeflate\\.h"},
     {"tools/zip/", {"tools/common/"}, "libdeflate\\.h"},
     {"tools/tar/", {"tools/common/"}, "libdeflate\\.h"},
-    {"tools/ditto/", {"tools/common/"}, "libdeflate\\.h"},
+    {"tools/ditto/", {"tools/common/", "tools/zip/"}, "libdeflate\\.h"},
     {"platform/base/", {}, "plist/plist\\.h"},
     {engine, {"platform/base/"}, ""},
     {"platform/desktop/", {"platform/base/"}, qt},

@@ -27,8 +27,9 @@ std::vector<std::string> linesOf(const std::string& text)
 std::vector<std::string> progressFaults(
     const Tool& tool, const std::string& out, std::size_t entries)
 {
-    const std::regex form("  adding: [ -~]+"
-        + std::string(tool.name == "zip" ? R"( \((deflated \d+%|stored 0%)\))" : ""));
+    const std::regex form(tool.name == "ditto" ? R"(copying (file|symlink) \./[ -~]+ \.\.\. )"
+            : tool.name == "zip"               ? R"(  adding: [ -~]+ \((deflated \d+%|stored 0%)\))"
+                                               : "  adding: [ -~]+");
     std::vector<std::string> faults;
     const std::vector<std::string> lines = linesOf(out);
     for (const std::string& line : lines) {
@@ -47,6 +48,7 @@ const Tool& zipTool()
 {
     static const Tool tool = {.name = "zip",
         .archiveName = "a.zip",
+        .makesZips = true,
         .skipped = 18,
         .nothingToDo = 12,
         .writeError = 14,
@@ -61,6 +63,7 @@ const Tool& tarTool()
 {
     static const Tool tool = {.name = "tar",
         .archiveName = "a.tar.gz",
+        .makesZips = false,
         .skipped = 1,
         .nothingToDo = 2,
         .writeError = 2,
@@ -71,9 +74,24 @@ const Tool& tarTool()
     return tool;
 }
 
+const Tool& dittoTool()
+{
+    static const Tool tool = {.name = "ditto",
+        .archiveName = "a.zip",
+        .makesZips = true,
+        .skipped = 1,
+        .nothingToDo = 2,
+        .writeError = 2,
+        .cannotCreate = 2,
+        .usage = 64,
+        .interrupted = 130,
+        .readers = zipReaders()};
+    return tool;
+}
+
 const Tool& toolNamed(const std::string& name)
 {
-    return name == "zip" ? zipTool() : tarTool();
+    return name == "zip" ? zipTool() : name == "tar" ? tarTool() : dittoTool();
 }
 
 ToolCall callOf(const Tool& tool, const std::filesystem::path& archive,
@@ -89,6 +107,8 @@ ToolCall callOf(const Tool& tool, const std::filesystem::path& archive,
         add({options.level, "-y", "-r", archive, "./" + name});
         if (options.leaveOutDsStore)
             add({"-x", "*/.DS_Store"});
+    } else if (tool.name == "ditto") {
+        add({"-V", "-c", "-k", "--keepParent", "--sequesterRsrc", "./" + name, archive});
     } else {
         if (options.leaveOutDsStore)
             add({"--exclude", ".DS_Store"});
@@ -129,7 +149,7 @@ std::vector<std::string> faultsOf(const Tool& tool, const RunResult& result,
     const auto add = [&](const std::vector<std::string>& more) {
         faults.insert(faults.end(), more.begin(), more.end());
     };
-    if (tool.name == "zip")
+    if (tool.makesZips)
         add(inspectZip(archive).complaints);
     for (const ForeignReader& reader : tool.readers) {
         if (!except.contains(reader.name))

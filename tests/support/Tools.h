@@ -15,6 +15,7 @@ namespace support
 struct Tool {
     std::string name;
     std::string archiveName;
+    bool makesZips;
     int skipped; // made, but something was left out or changed
     int nothingToDo;
     int writeError;
@@ -25,6 +26,7 @@ struct Tool {
 };
 const Tool& zipTool();
 const Tool& tarTool();
+const Tool& dittoTool();
 const Tool& toolNamed(const std::string& name);
 
 struct ToolOptions {

@@ -116,7 +116,7 @@ TEST_P(ChangingFiles, areStoredAsReadAndNamed)
 }
 
 INSTANTIATE_TEST_SUITE_P(Tools, ChangingFiles,
-    testing::Combine(testing::Values("zip", "tar"), testing::ValuesIn(changes())),
+    testing::Combine(testing::Values("zip", "tar", "ditto"), testing::ValuesIn(changes())),
     [](const auto& test) { return std::get<0>(test.param) + "_" + std::get<1>(test.param).name; });
 
 TEST(Zip, neverFollowsAFileThatBecameALink)
@@ -140,7 +140,7 @@ TEST(Zip, neverFollowsAFileThatBecameALink)
 
 TEST(Tools, leaveTheirOwnArchiveOut)
 {
-    for (const Tool* tool : {&zipTool(), &tarTool()}) {
+    for (const Tool* tool : {&zipTool(), &tarTool(), &dittoTool()}) {
         const TestFolder folder;
         const fs::path item = folder / "in/item";
         writeFile(item / "a", "a");

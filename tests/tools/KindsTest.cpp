@@ -133,8 +133,8 @@ protected:
     const World world = {};
     const fs::path archive = world.folder / tool.archiveName;
 };
-INSTANTIATE_TEST_SUITE_P(
-    Tools, BothTools, testing::Values("zip", "tar"), [](const auto& test) { return test.param; });
+INSTANTIATE_TEST_SUITE_P(Tools, BothTools, testing::Values("zip", "tar", "ditto"),
+    [](const auto& test) { return test.param; });
 
 TEST_P(BothTools, storeWhatCanBeReadAndNameWhatCannot)
 {
@@ -164,12 +164,14 @@ TEST_P(BothTools, neverWaitForAPipeAndMakeNoArchiveOfOne)
     makeFifo(world.item);
     const RunResult result = run(tool, archive, world.item);
     EXPECT_EQ(result.status, tool.nothingToDo);
-    EXPECT_EQ(warnedNames(result).front(), "item");
+    EXPECT_EQ(result.err.find("warning: item: is a FIFO\n"), 0U) << result.err;
     EXPECT_FALSE(fs::exists(archive));
 }
 
 TEST_P(BothTools, leaveOutFinderFilesAndNothingThatOnlyLooksLikeThem)
 {
+    if (tool.name == "ditto")
+        GTEST_SKIP() << "leaves nothing out";
     for (const std::string name : {".DS_Store", "sub/.DS_Store", "sub/deeper/.DS_Store",
              "x.DS_Store", ".DS_Store.txt", ".ds_store", "folder/.DS_Store/in", "._keep"})
         writeFile(world.item / name, name);
@@ -194,9 +196,9 @@ TEST_P(BothTools, keepTimesThatOldFieldsCannotHold)
     EXPECT_EQ(result.status, 0) << result.err;
     // unzip, bsdtar and python do not read the field that holds times after 2038 in a zip.
     const std::set<std::string> unfit
-        = tool.name == "zip" ? std::set<std::string>{"unzip", "bsdtar"} : std::set<std::string>{};
+        = tool.makesZips ? std::set<std::string>{"unzip", "bsdtar"} : std::set<std::string>{};
     EXPECT_EQ(faultsOf(tool, result, archive, world.tree(), unfit), nothing);
-    if (tool.name != "zip")
+    if (!tool.makesZips)
         return;
     constexpr unsigned firstDate = 1u << 5 | 1; // 1980-01-01
     constexpr unsigned lastDate = 127u << 9 | 12u << 5 | 31; // 2107-12-31

@@ -48,7 +48,21 @@ TEST_P(Usage, anythingButTheOneFormIsRefused)
             {"-zhcf", made, "item", "item"}, {"--exclude", "*", "-zhcf", made, "item"},
             {"--exclude", "-zhcf", made, "item"}, {"-zhcf", made, ".."}, {"-zhcf", made, ""},
             {"-zhcf", "", "item"}, {"--to-command=touch x", "-zhcf", made, "item"}};
-    for (const auto& arguments : tool.name == "zip" ? zipForms : tarForms) {
+    const std::string in = (folder / "in").string();
+    const std::vector<std::string> form = {"-V", "-c", "-k", "--keepParent", "--sequesterRsrc"};
+    std::vector<std::vector<std::string>> dittoForms
+        = {{}, form, {"-rsrcFork"}, {"-rsrcFork", in}, {"-rsrcFork", in, made, made},
+            {"-rsrcFork", "", made}, {"-rsrcFork", in, ""}, {"-rsrc", in, made}, {in, made},
+            {"-c", "-k", "--keepParent", "--sequesterRsrc", "./item", made}, {"-x", "-k", made, in},
+            {"--help"}};
+    for (const std::vector<std::string>& names : std::vector<std::vector<std::string>>{{"./item"},
+             {"", made}, {"item/file", made}, {"..", made}, {"item", ""}, {"item", made, made}}) {
+        dittoForms.push_back(form);
+        dittoForms.back().insert(dittoForms.back().end(), names.begin(), names.end());
+    }
+    for (const auto& arguments : tool.name == "zip" ? zipForms
+            : tool.name == "tar"                    ? tarForms
+                                                    : dittoForms) {
         const RunResult result = runWith(arguments);
         EXPECT_EQ(result.status, tool.usage) << testing::PrintToString(arguments);
         EXPECT_EQ(result.out, "");
@@ -116,5 +130,5 @@ TEST_P(Usage, theArchiveIsAsOpenAsTheUserAllows)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Tools, Usage, testing::Values("zip", "tar"), [](const auto& test) { return test.param; });
+INSTANTIATE_TEST_SUITE_P(Tools, Usage, testing::Values("zip", "tar", "ditto"),
+    [](const auto& test) { return test.param; });

@@ -19,6 +19,7 @@ public:
     // Opens what the walk has found; if that fails, problem() tells why.
     explicit SourceFile(const TreeItem& item);
 
+    [[nodiscard]] int descriptor() const { return _file.get(); }
     [[nodiscard]] const struct stat& status() const { return _status; }
     [[nodiscard]] std::uint64_t size() const { return static_cast<std::uint64_t>(_status.st_size); }
     [[nodiscard]] std::uint64_t remaining() const { return size() - _offset; }

@@ -3,8 +3,8 @@
 #include "tools/common/Failure.h"
 #include "tools/common/Messages.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 namespace
 {
@@ -29,14 +29,18 @@ void BlockReader::visitFile(const TreeItem& item)
     if (_ownFiles.isOutput(file.status()))
         return;
     ZipFormat::Entry entry = ZipFormat::makeEntry(std::string(item.path), file.status());
-    if (isTooLong(entry.name))
+    if (isTooLong(entry.name)) {
         warn(item.path, errorText(ENAMETOOLONG));
-    else if (file.size() <= pieceSize)
+        return;
+    }
+    if (file.size() <= pieceSize)
         addWhole(file, std::move(entry));
     else
         addPieces(file, std::move(entry));
     if (!file.problem().empty())
         warn(item.path, file.problem());
+    if (!file.isUnreadable())
+        storedFile(item, file);
 }
 
 void BlockReader::visitLink(const TreeItem& item, const struct stat& status)
@@ -47,9 +51,7 @@ void BlockReader::visitLink(const TreeItem& item, const struct stat& status)
         warn(item.path, errorText(target ? ENAMETOOLONG : errno));
         return;
     }
-    Block& block = blockFor(target->size());
-    std::memcpy(block.room().data(), target->data(), target->size());
-    addMember(std::move(entry), target->size(), true);
+    addContent(std::move(entry), std::as_bytes(std::span(*target)));
 }
 
 bool BlockReader::visitFolder(const TreeItem& item, const struct stat& status)
@@ -61,8 +63,8 @@ bool BlockReader::visitFolder(const TreeItem& item, const struct stat& status)
         warn(item.path, errorText(ENAMETOOLONG));
         return false;
     }
-    blockFor(0);
-    addMember(std::move(entry), 0, true);
+    addContent(std::move(entry), {});
+    storedFolder(item, status);
     return true;
 }
 
@@ -111,6 +113,14 @@ void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
         piece.isFirst = false;
         piece.entry = {};
     }
+}
+
+void BlockReader::addContent(ZipFormat::Entry entry, std::span<const std::byte> content)
+{
+    Block& block = blockFor(content.size());
+    std::ranges::copy(content, block.room().begin());
+    const bool isStored = !_compresses || !S_ISREG(entry.mode);
+    addMember(std::move(entry), content.size(), isStored);
 }
 
 // The entry's data has been put at the beginning of the block's room.

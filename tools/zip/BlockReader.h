@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 // The reader's end of the pipeline: fills blocks with what the walk finds. Warns of everything that
@@ -32,6 +33,14 @@ public:
 
     [[nodiscard]] std::uint64_t entryCount() const { return _entryCount; }
     [[nodiscard]] std::uint64_t warningCount() const { return _warningCount; }
+
+protected:
+    // A file or folder has got its entry, which others may follow; the file is still open.
+    virtual void storedFile(const TreeItem& /*item*/, const SourceFile& /*file*/) { }
+    virtual void storedFolder(const TreeItem& /*item*/, const struct stat& /*status*/) { }
+
+    // An entry that is there in one piece, at most one block long.
+    void addContent(ZipFormat::Entry entry, std::span<const std::byte> content);
 
 private:
     void addWhole(SourceFile& file, ZipFormat::Entry entry);

@@ -4,10 +4,6 @@
 #include "tools/common/ItemName.h"
 #include "tools/common/Messages.h"
 #include "tools/common/OwnFiles.h"
-#include "tools/common/Pipeline.h"
-#include "tools/zip/BlockCompressor.h"
-#include "tools/zip/BlockReader.h"
-#include "tools/zip/ZipWriter.h"
 
 #include <string>
 
@@ -38,30 +34,28 @@ std::string folderOfArchive(const ZipOptions& options)
     return slash == std::string::npos ? "." : options.archive.substr(0, slash + 1);
 }
 
+std::string progressLine(const ZipFormat::Entry& entry)
+{
+    const bool isDeflated = entry.method == ZipFormat::Method::Deflated;
+    const std::uint64_t saved
+        = entry.size > entry.compressedSize ? entry.size - entry.compressedSize : 0;
+    const std::uint64_t percent = saved == 0 ? 0 : (200 * saved + entry.size) / (2 * entry.size);
+    return "  adding: " + Messages::progressName(entry.name)
+        + (isDeflated ? " (deflated " : " (stored ") + std::to_string(percent) + "%)\n";
+}
+
 ZipResult addItem(const ZipOptions& options, unsigned threadCount)
 {
-    ZipWriter writer(options.archive);
+    ZipWriter writer(options.archive, ZipWriter::Existing::AddTo, progressLine);
     const OwnFiles ownFiles(writer.file(), folderOfArchive(options));
-    const TreeWalkOptions walk{.followsLinks = false, .excludesDSStore = options.excludesDSStore};
-    std::uint64_t entryCount = 0;
-    std::uint64_t warningCount = 0;
-    const auto read = [&](Pipeline<Block>::Feed& feed) {
-        BlockReader reader(feed, ownFiles, options.level > 0);
-        walkTree(options.item, storedName(options, writer), walk, reader);
-        reader.flush();
-        entryCount = reader.entryCount();
-        warningCount = reader.warningCount();
-    };
-    {
-        Pipeline<Block> pipeline(threadCount);
-        pipeline.run(
-            read, [&] { return BlockCompressor(options.level); },
-            [&](const Block& block) { writer.add(block); });
-    } // every thread has ended, so the counts are there
-    if (writer.entryCount() != entryCount)
-        throw Failure(FailureKind::Internal, "internal error: entries have been lost");
-    writer.finish();
-    return warningCount == 0 ? ZipResult::Complete : ZipResult::WithWarnings;
+    const TreeToStore tree{.item = options.item,
+        .storedName = storedName(options, writer),
+        .walk = {.followsLinks = false, .excludesDSStore = options.excludesDSStore},
+        .level = options.level,
+        .threadCount = threadCount};
+    return storeTree(writer, tree, [&](Pipeline<Block>::Feed& feed) {
+        return std::make_unique<BlockReader>(feed, ownFiles, options.level > 0);
+    });
 }
 
 } // namespace

@@ -7,10 +7,11 @@
 namespace
 {
 
-OutputFile openArchive(const std::string& path)
+OutputFile openArchive(const std::string& path, ZipWriter::Existing existing)
 {
-    if (std::optional<OutputFile> existing = OutputFile::openExisting(path))
-        return std::move(*existing);
+    if (existing == ZipWriter::Existing::AddTo)
+        if (std::optional<OutputFile> file = OutputFile::openExisting(path))
+            return std::move(*file);
     return OutputFile::createBeside(path);
 }
 
@@ -20,20 +21,12 @@ std::string folderOf(const std::string& path)
     return slash == std::string::npos ? "" : path.substr(0, slash + 1);
 }
 
-std::string progressLine(const ZipFormat::Entry& entry)
-{
-    const bool isDeflated = entry.method == ZipFormat::Method::Deflated;
-    const std::uint64_t saved
-        = entry.size > entry.compressedSize ? entry.size - entry.compressedSize : 0;
-    const std::uint64_t percent = saved == 0 ? 0 : (200 * saved + entry.size) / (2 * entry.size);
-    return "  adding: " + Messages::progressName(entry.name)
-        + (isDeflated ? " (deflated " : " (stored ") + std::to_string(percent) + "%)\n";
-}
-
 } // namespace
 
-ZipWriter::ZipWriter(const std::string& path)
-    : _file(openArchive(path))
+ZipWriter::ZipWriter(const std::string& path, Existing existing, ProgressLine progressLine)
+    : _existingMode(existing)
+    , _progressLine(std::move(progressLine))
+    , _file(openArchive(path, existing))
     , _isInPlace(_file.isInPlace())
     , _records(folderOf(path))
 {
@@ -111,10 +104,10 @@ void ZipWriter::addRecord(const ZipFormat::Entry& entry)
     ZipFormat::appendCentralRecord(record, entry);
     _records.append(record);
     ++_newRecords;
-    _progress += progressLine(entry);
+    _progress += _progressLine(entry);
 }
 
-void ZipWriter::finish()
+bool ZipWriter::finish()
 {
     if (_newRecords == 0)
         throw Failure(FailureKind::NothingToDo, "nothing to do: no input is left to be stored");
@@ -125,11 +118,15 @@ void ZipWriter::finish()
     ZipFormat::appendEnd(end, directory, _existing.comment);
     _file.append(end);
     _file.truncateHere();
+    bool isSecured = true;
     if (_isInPlace)
         _file.flush();
+    else if (_existingMode == Existing::Replace)
+        isSecured = _file.commitDurably(OutputFile::Existing::Replace);
     else
         _file.commit(OutputFile::Existing::Keep);
     _isFinished = true;
+    return isSecured;
 }
 
 void ZipWriter::restore()

@@ -14,14 +14,20 @@
 #include "tools/zip/ExistingArchive.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
 class ZipWriter
 {
 public:
-    // Opens the archive at `path`, or begins a new one if there is none or an empty file.
-    explicit ZipWriter(const std::string& path);
+    enum class Existing { AddTo, Replace };
+    // What is told of an entry when it is in the archive: whole lines, or nothing.
+    using ProgressLine = std::function<std::string(const ZipFormat::Entry& entry)>;
+
+    // Opens the archive at `path`, or begins a new one if there is none, an empty file, or one that
+    // is to be replaced.
+    ZipWriter(const std::string& path, Existing existing, ProgressLine progressLine);
     ~ZipWriter();
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
@@ -33,8 +39,10 @@ public:
     // Writes a block that a worker has finished, then tells its entries as progress.
     void add(const Block& block);
 
-    // Writes the central directory and completes the archive.
-    void finish();
+    // Writes the central directory and completes the archive. False, after a warning, if a power
+    // cut could lose one that replaces another; what is added to in place, or only gets its name
+    // here, is for whoever delivers the archive to secure.
+    [[nodiscard]] bool finish();
 
     // Entries that have come, abandoned ones included.
     [[nodiscard]] std::uint64_t entryCount() const { return _entryCount; }
@@ -44,6 +52,8 @@ private:
     void addRecord(const ZipFormat::Entry& entry);
     void restore();
 
+    const Existing _existingMode;
+    const ProgressLine _progressLine;
     OutputFile _file;
     const bool _isInPlace;
     SpillBuffer _records; // the central directory, old records first

@@ -1,0 +1,112 @@
+#include "tools/ditto/ForkZip.h"
+
+#include "tools/common/Failure.h"
+#include "tools/common/Messages.h"
+#include "tools/common/OwnFiles.h"
+#include "tools/ditto/AppleDouble.h"
+#include "tools/ditto/ExtendedAttributes.h"
+#include "tools/zip/StoreTree.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+
+namespace
+{
+
+constexpr int level = 6;
+constexpr std::string_view sideFolder = "__MACOSX"; // of the entries that hold attributes
+
+bool isOf(std::string_view item, std::string_view path)
+{
+    return path.starts_with(item) && (path.size() == item.size() || path[item.size()] == '/');
+}
+
+// For what was dropped, not for what comes with it: the program counts the former.
+std::string progressLine(const std::string& item, const ZipFormat::Entry& entry)
+{
+    if (!isOf(item, entry.name))
+        return "";
+    const std::string kind = S_ISLNK(entry.mode) ? "symlink" : "file";
+    return "copying " + kind + " ./" + Messages::progressName(entry.name) + " ... \n";
+}
+
+// __MACOSX/a/._b for a/b.
+std::string sideName(std::string_view path)
+{
+    const std::size_t name = path.rfind('/') + 1; // 0 without a slash
+    std::string result(sideFolder);
+    result.append("/").append(path.substr(0, name)).append("._").append(path.substr(name));
+    return result;
+}
+
+// Also reads the attributes of files and folders. Links cannot have any of a user's.
+class ForkReader : public BlockReader
+{
+public:
+    using BlockReader::BlockReader;
+
+protected:
+    void storedFile(const TreeItem& item, const SourceFile& file) override
+    {
+        addAttributes(item, file.status(), file.descriptor());
+    }
+
+    void storedFolder(const TreeItem& item, const struct stat& status) override
+    {
+        const OpenDescriptor folder(
+            openat(item.folder, item.name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (folder) // else the walk warns, too
+            addAttributes(item, status, folder.get());
+    }
+
+private:
+    void addAttributes(const TreeItem& item, const struct stat& status, int descriptor)
+    {
+        AppleDouble side;
+        ExtendedAttributes::forEach(descriptor, [&](const auto& name, auto value, int error) {
+            addAttribute(side, item, name, value, error);
+        });
+        if (!side.isEmpty())
+            addSide(item, status, side);
+    }
+
+    void addAttribute(AppleDouble& side, const TreeItem& item, const std::string& name,
+        std::span<const std::byte> value, int error)
+    {
+        const bool isUsers = name.starts_with(ExtendedAttributes::userPrefix);
+        if (error != 0 && (isUsers || name.empty()))
+            warn(item.path, "extended attribute " + name + ": " + errorText(error));
+        else if (isUsers && !side.add(name.substr(ExtendedAttributes::userPrefix.size()), value))
+            warn(item.path, "extended attribute " + name + " is too long to be stored");
+    }
+
+    void addSide(const TreeItem& item, const struct stat& status, const AppleDouble& side)
+    {
+        ZipFormat::Entry entry = ZipFormat::makeEntry(sideName(item.path), status);
+        entry.mode = S_IFREG | (status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO) & ~0111U);
+        if (entry.name.size() > ZipFormat::longestName)
+            warn(item.path, "its extended attributes have too long a name to be stored");
+        else if (isOf(sideFolder, item.path)) // two entries of one name could come of it
+            warn(item.path, "its extended attributes are not stored in a folder of that name");
+        else
+            addContent(std::move(entry), side.bytes());
+    }
+};
+
+} // namespace
+
+bool makeForkZip(const DittoOptions& options, unsigned threadCount)
+{
+    ZipWriter writer(options.target, ZipWriter::Existing::Replace,
+        [&](const ZipFormat::Entry& entry) { return progressLine(options.source, entry); });
+    const OwnFiles ownFiles(writer.file(), ".");
+    const TreeToStore tree{.item = options.source,
+        .storedName = options.source,
+        .level = level,
+        .threadCount = threadCount};
+    const ZipResult result = storeTree(writer, tree, [&](Pipeline<Block>::Feed& feed) {
+        return std::make_unique<ForkReader>(feed, ownFiles, true);
+    });
+    return result == ZipResult::Complete;
+}
