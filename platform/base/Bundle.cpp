@@ -1,27 +1,29 @@
 #include "platform/base/Bundle.h"
 
+#include <mutex>
 #include <system_error>
 #include <utility>
 
-namespace
-{
-
-std::filesystem::path executableFolder()
-{
-    std::error_code unreadable; // leaves an empty path: a bundle without resources
-    return std::filesystem::read_symlink("/proc/self/exe", unreadable).parent_path();
-}
-
-} // namespace
+struct Bundle::Information {
+    std::once_flag isRead;
+    PropertyList::Dictionary dictionary;
+};
 
 Bundle::Bundle(std::filesystem::path folder)
     : _folder(std::move(folder))
+    , _information(std::make_shared<Information>())
 {
+}
+
+std::filesystem::path Bundle::executablePath()
+{
+    std::error_code unreadable; // leaves an empty path: a bundle without resources
+    return std::filesystem::read_symlink("/proc/self/exe", unreadable);
 }
 
 Bundle& Bundle::_main()
 {
-    static Bundle bundle(executableFolder().parent_path() / "libexec" / "parcelo");
+    static Bundle bundle(executablePath().parent_path().parent_path() / "libexec" / "parcelo");
     return bundle;
 }
 
@@ -44,4 +46,20 @@ std::optional<std::filesystem::path> Bundle::pathForResource(
     if (!std::filesystem::exists(path, missing))
         return std::nullopt;
     return path;
+}
+
+const PropertyList::Dictionary& Bundle::infoDictionary() const
+{
+    std::call_once(_information->isRead, [&] {
+        const auto path = _folder / "Contents" / "Info.plist";
+        _information->dictionary
+            = PropertyList::dictionaryWithContentsOfFile(path).value_or(PropertyList::Dictionary());
+    });
+    return _information->dictionary;
+}
+
+std::optional<PropertyList::Value> Bundle::objectForInfoDictionaryKey(const std::string& key) const
+{
+    const auto found = infoDictionary().find(key);
+    return found == infoDictionary().end() ? std::nullopt : std::optional(found->second);
 }

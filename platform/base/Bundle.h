@@ -1,11 +1,14 @@
 #pragma once
 
+#include "platform/base/PropertyList.h"
+
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
-// A folder that holds what belongs to a program: its resources in Contents/Resources. The main
-// bundle is the running program's.
+// A folder that holds what belongs to a program: its information in Contents/Info.plist and its
+// resources in Contents/Resources. The main bundle is the running program's.
 class Bundle
 {
 public:
@@ -24,8 +27,23 @@ public:
     [[nodiscard]] std::optional<std::filesystem::path> pathForResource(
         const std::string& resource, const std::string& ofType = {}) const;
 
+    // The folder itself.
+    [[nodiscard]] const std::filesystem::path& bundlePath() const { return _folder; }
+
+    // The running program, whatever the bundle; empty where the system does not tell.
+    [[nodiscard]] static std::filesystem::path executablePath();
+
+    // What Contents/Info.plist held when it was first asked for, by any thread; empty when it
+    // cannot be read.
+    [[nodiscard]] const PropertyList::Dictionary& infoDictionary() const;
+    [[nodiscard]] std::optional<PropertyList::Value> objectForInfoDictionaryKey(
+        const std::string& key) const;
+
 private:
+    struct Information;
+
     static Bundle& _main();
 
     std::filesystem::path _folder;
+    std::shared_ptr<Information> _information; // read once for all copies
 };
