@@ -42,6 +42,13 @@ public:
     // In kilobytes, as ps tells it; 0 when it cannot be asked.
     [[nodiscard]] static std::int32_t residentSetSize();
 
+    // Whether the bundle's information file says, now, that the program is an agent without an icon
+    // of its own: the value of "LSUIElement" is 1, as a number, a text or a boolean. Setting it
+    // writes a number and the present as the bundle's modification date; what cannot be written
+    // stays as it was.
+    [[nodiscard]] static bool isHeadless();
+    static void setHeadless(bool headless);
+
     // What systemVersion() asks, nothing when it fails; setting it also forgets the version. For
     // tests.
     using VersionQuery = std::function<std::optional<std::int32_t>()>;

@@ -1,5 +1,7 @@
 #include "shared/Library/QKUtility.h"
 
+#include "platform/base/Bundle.h"
+#include "platform/base/PropertyList.h"
 #include "platform/base/Task.h"
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
@@ -107,6 +109,47 @@ TEST(QKUtility, asksForTheVersionUntilItIsKnown)
     QKUtility::setVersionQuery({});
     EXPECT_EQ(QKUtility::systemVersion(), 0);
     EXPECT_FALSE(QKUtility::isJaguar() || QKUtility::isPanther());
+}
+
+TEST(QKUtility, keepsTheAgentFlagInTheBundle)
+{
+    const TestFolder folder;
+    const Bundle former = Bundle::main();
+    const std::filesystem::path bundle = folder / "bundle";
+    const std::filesystem::path file = bundle / "Contents" / "Info.plist";
+    Bundle::setMain(Bundle(bundle));
+    QKUtility::setHeadless(true); // nothing there to write to
+    EXPECT_FALSE(std::filesystem::exists(bundle));
+
+    struct Case {
+        const char* value;
+        bool isHeadless;
+    };
+    for (const Case& each : {Case{"<integer>1</integer>", true}, {"<string>1</string>", true},
+             {"<true/>", true}, {"<integer>2</integer>", false}, {"<false/>", false},
+             {"<string>YES</string>", false}, {"<array/>", false}}) {
+        support::writeFile(file,
+            std::string("<plist version='1.0'><dict><key>Kept</key><string>x</string>"
+                        "<key>LSUIElement</key>")
+                + each.value + "</dict></plist>");
+        EXPECT_EQ(QKUtility::isHeadless(), each.isHeadless) << each.value;
+    }
+    for (const bool headless : {true, false}) {
+        support::setTime(bundle, 1000);
+        QKUtility::setHeadless(headless);
+        EXPECT_EQ(QKUtility::isHeadless(), headless);
+        const PropertyList::Dictionary expected{
+            {"Kept", std::string("x")}, {"LSUIElement", std::int64_t(headless)}};
+        EXPECT_EQ(PropertyList::dictionaryWithContentsOfFile(file), expected);
+        const auto age = std::filesystem::file_time_type::clock::now()
+            - std::filesystem::last_write_time(bundle);
+        EXPECT_LT(age, std::chrono::minutes(1));
+    }
+    support::writeFile(file, "rubbish");
+    QKUtility::setHeadless(true);
+    EXPECT_EQ(support::readFile(file), "rubbish");
+    EXPECT_FALSE(QKUtility::isHeadless());
+    Bundle::setMain(former);
 }
 
 TEST(QKUtility, tellsTheMemoryInUse)
