@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QTimer>
 
 #include <utility>
 
@@ -44,13 +43,17 @@ FeedDownload::FeedDownload(qsizetype largestSizeInBytes, std::chrono::millisecon
     : _largestSizeInBytes(largestSizeInBytes)
     , _timeout(timeout)
 {
+    _deadline.setSingleShot(true);
+    connect(&_deadline, &QTimer::timeout, this, [this] {
+        if (_reply)
+            _reply->abort();
+    });
 }
 
 void FeedDownload::start(const QUrl& url, const Completion& completion)
 {
     QNetworkRequest request = requestFor(url);
-    const auto timeoutInMilliseconds = static_cast<int>(_timeout.count());
-    request.setTransferTimeout(timeoutInMilliseconds);
+    request.setTransferTimeout(static_cast<int>(_timeout.count()));
     if (url == _knownURL && !_knownTag.isEmpty())
         request.setRawHeader("If-None-Match", _knownTag);
 
@@ -62,7 +65,7 @@ void FeedDownload::start(const QUrl& url, const Completion& completion)
         _read();
         _finish(url, completion);
     });
-    QTimer::singleShot(timeoutInMilliseconds * timeoutsInAll, _reply, &QNetworkReply::abort);
+    _deadline.start(_timeout * timeoutsInAll);
 }
 
 void FeedDownload::_read()
@@ -76,6 +79,7 @@ void FeedDownload::_read()
 
 void FeedDownload::_finish(const QUrl& url, const Completion& completion)
 {
+    _deadline.stop();
     const int status = statusOf(*_reply);
     Result result{.bytes = {}, .problem = _problem(), .isAnswered = status != 0};
     if (result.problem.isEmpty() && status != notModified) {

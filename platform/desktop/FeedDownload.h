@@ -4,6 +4,7 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
 
 #include <chrono>
@@ -43,6 +44,7 @@ private:
     const std::chrono::milliseconds _timeout; // without a byte; several of them in all
     QNetworkAccessManager _manager;
     QNetworkReply* _reply = nullptr; // the one that is running
+    QTimer _deadline;
     QByteArray _received;
 
     QUrl _knownURL; // what the two below belong to

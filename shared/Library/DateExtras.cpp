@@ -107,14 +107,14 @@ QString CalendarDate::description() const
 
 QDateTime DateExtras::dateWithGregorianYear(std::int32_t year, std::int32_t month, std::int32_t day)
 {
-    const std::int64_t months = std::int64_t(year) * 12 + month - 1;
+    const std::int64_t months = std::int64_t{year} * 12 + month - 1;
     const std::int64_t monthInYear = (months % 12 + 12) % 12;
     const std::int64_t fullYear = (months - monthInYear) / 12;
     const std::int64_t number = fullYear > 0 ? fullYear : fullYear - 1; // a QDate knows no year 0
     if (number != static_cast<int>(number))
         return {};
     return QDate(static_cast<int>(number), static_cast<int>(monthInYear) + 1, 1)
-        .addDays(std::int64_t(day) - 1)
+        .addDays(std::int64_t{day} - 1)
         .startOfDay();
 }
 

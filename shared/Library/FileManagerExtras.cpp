@@ -35,7 +35,8 @@ void store(std::error_code* error, std::error_code failure)
 fs::path firstFreePath(const std::string& before, const std::string& after)
 {
     for (int number = 2;; ++number) {
-        fs::path candidate = before + " " + std::to_string(number) + after;
+        std::string candidate = before;
+        candidate.append(" ").append(std::to_string(number)).append(after);
         if (!somethingExists(candidate))
             return candidate;
     }

@@ -31,7 +31,7 @@ bool QKUtility::isHeadless()
 void QKUtility::setHeadless(bool headless)
 {
     if (auto information = PropertyList::dictionaryWithContentsOfFile(informationFile())) {
-        (*information)[flagKey] = std::int64_t(headless ? 1 : 0);
+        (*information)[flagKey] = std::int64_t{headless ? 1 : 0};
         (void)PropertyList::writeToFile(*information, informationFile());
     }
     std::error_code denied; // as without effect as a file that cannot be written
