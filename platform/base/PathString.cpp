@@ -1,5 +1,6 @@
 #include "platform/base/PathString.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include <pwd.h>
@@ -53,6 +54,23 @@ std::string PathString::stringByDeletingPathExtension(std::string_view path)
     if (dot == std::string_view::npos || dot <= name || dot + 1 == path.size())
         return std::string(path);
     return std::string(path.substr(0, dot));
+}
+
+std::string PathString::dottedExtension(std::string_view path)
+{
+    path = withoutSlashesAtEnd(path);
+    return std::string(path.substr(stringByDeletingPathExtension(path).size()));
+}
+
+std::string PathString::stringByAppendingPathComponent(
+    std::string_view path, std::string_view component)
+{
+    path = withoutSlashesAtEnd(path);
+    component.remove_prefix(std::min(component.find_first_not_of('/'), component.size()));
+    std::string joined(path);
+    if (!path.empty() && path != "/")
+        joined += '/';
+    return std::string(withoutSlashesAtEnd(joined.append(component)));
 }
 
 std::string PathString::stringByExpandingTildeInPath(std::string_view path)

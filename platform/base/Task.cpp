@@ -24,12 +24,16 @@ constexpr std::chrono::milliseconds gracePeriod{2000};
 class SpawnPlan
 {
 public:
-    SpawnPlan(int standardOutput, int standardError, const std::filesystem::path& folder)
+    SpawnPlan(int standardInput, int standardOutput, int standardError,
+        const std::filesystem::path& folder)
     {
         ::posix_spawn_file_actions_init(&actions);
         ::posix_spawn_file_actions_adddup2(&actions, standardOutput, STDOUT_FILENO);
         ::posix_spawn_file_actions_adddup2(&actions, standardError, STDERR_FILENO);
-        ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        if (standardInput < 0)
+            ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        else
+            ::posix_spawn_file_actions_adddup2(&actions, standardInput, STDIN_FILENO);
         ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
         if (!folder.empty())
             ::posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
@@ -106,9 +110,13 @@ Task::~Task()
 void Task::launch()
 {
     const bool isSeparate = _setup.output == Output::separate;
+    const bool isErrorOurs = _setup.output == Output::standardErrorIsOurs;
     PipeEnds output = makePipe();
     PipeEnds error = isSeparate ? makePipe() : PipeEnds();
-    _spawn(output.writing.number(), (isSeparate ? error : output).writing.number());
+    PipeEnds input = _setup.input == Input::emptyPipe ? makePipe() : PipeEnds();
+    input.writing.close();
+    _spawn(input.reading.number(), output.writing.number(),
+        isErrorOurs ? STDERR_FILENO : (isSeparate ? error : output).writing.number());
     _pipes.push_back({Stream::standardOutput, std::move(output.reading)});
     if (isSeparate)
         _pipes.push_back({Stream::standardError, std::move(error.reading)});
@@ -121,9 +129,9 @@ void Task::launch()
     }
 }
 
-void Task::_spawn(int standardOutput, int standardError)
+void Task::_spawn(int standardInput, int standardOutput, int standardError)
 {
-    const SpawnPlan plan(standardOutput, standardError, _setup.currentDirectory);
+    const SpawnPlan plan(standardInput, standardOutput, standardError, _setup.currentDirectory);
     std::vector<std::string> vector = _setup.arguments;
     vector.insert(vector.begin(), _setup.launchPath.native());
     pid_t pid = 0;
@@ -159,6 +167,27 @@ try {
     }
     for (Pipe& pipe : _pipes)
         _drain(pipe, onChunk, buffer);
+    _reap();
+} catch (...) {
+    _stop();
+    throw;
+}
+
+void Task::readToEndOfOutput(const ChunkHandler& onChunk)
+try {
+    std::string buffer(chunkSize, '\0');
+    std::vector<pollfd> watched(_pipes.size(), {.fd = -1, .events = POLLIN, .revents = 0});
+    const auto isOpen = [](const Pipe& pipe) { return static_cast<bool>(pipe.readingEnd); };
+    while (std::any_of(_pipes.begin(), _pipes.end(), isOpen)) {
+        for (std::size_t index = 0; index < _pipes.size(); ++index) {
+            watched[index].fd = _pipes[index].readingEnd.number();
+            watched[index].revents = 0;
+        }
+        retryOnInterrupt([&] { return ::poll(watched.data(), watched.size(), -1); });
+        for (std::size_t index = 0; index < _pipes.size(); ++index)
+            if (watched[index].revents != 0)
+                _readChunk(_pipes[index], chunkSize, onChunk, buffer);
+    }
     _reap();
 } catch (...) {
     _stop();

@@ -19,13 +19,19 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// One child process. It reads nothing (its input is /dev/null), leads a process group of its own,
-// starts with default signal dispositions and inherits no descriptor besides its three standard
-// ones. One thread launches it and reads its output; any thread may interrupt it meanwhile.
+// One child process. It reads nothing (its input is /dev/null or a pipe at its end), leads a
+// process group of its own, starts with default signal dispositions and inherits no descriptor
+// besides its three standard ones. One thread launches it and reads its output; any thread may
+// interrupt it meanwhile.
 class Task
 {
 public:
-    enum class Output { combined, separate };
+    enum class Input { null, emptyPipe };
+    enum class Output {
+        combined, // both streams through one pipe
+        separate,
+        standardErrorIsOurs, // only standard output is read, the other goes where ours does
+    };
     enum class Stream { standardOutput, standardError };
     using ChunkHandler = std::function<void(Stream stream, std::string_view bytes)>;
 
@@ -34,7 +40,8 @@ public:
         std::vector<std::string> arguments = {}; // without the program's own name
         std::vector<std::string> environment = {}; // "NAME=value", the whole of it
         std::filesystem::path currentDirectory = {}; // empty: ours
-        Output output = Output::combined; // combined: both streams through one pipe
+        Input input = Input::null;
+        Output output = Output::combined;
     };
 
     explicit Task(Setup setup);
@@ -53,6 +60,10 @@ public:
     // as in the destructor and the exception leaves.
     void readUntilExit(const ChunkHandler& onChunk);
 
+    // The same, but goes on until the end of the output, which comes when the child and whatever it
+    // left behind have closed it; the child's own end is waited for too.
+    void readToEndOfOutput(const ChunkHandler& onChunk);
+
     // Launched and not yet reaped.
     [[nodiscard]] bool isRunning() const;
 
@@ -60,7 +71,7 @@ public:
     void interrupt();
 
     // The exit status; 128 + signal number for a child that was killed by a signal. Valid after
-    // readUntilExit().
+    // either way of reading.
     [[nodiscard]] int terminationStatus() const;
 
 private:
@@ -69,7 +80,7 @@ private:
         FileDescriptor readingEnd;
     };
 
-    void _spawn(int standardOutput, int standardError);
+    void _spawn(int standardInput, int standardOutput, int standardError);
     void _readChunk(
         Pipe& pipe, std::size_t limit, const ChunkHandler& onChunk, std::string& buffer);
     void _drain(Pipe& pipe, const ChunkHandler& onChunk, std::string& buffer);

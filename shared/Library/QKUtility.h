@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 // Class-level helpers; there are no instances.
 class QKUtility
@@ -19,6 +22,32 @@ public:
     static std::int32_t systemVersion();
     static bool isJaguar(); // 0x1020 to 0x102F
     static bool isPanther(); // 0x1030 to 0x103F
+
+    // Runs a tool in our environment, in the given folder or else in ours, until the end of its
+    // standard output, which is the result. It reads nothing, from a pipe at its end; its standard
+    // error goes where ours does. The exit status is stored where a place is given. Throws
+    // LaunchFailure.
+    static std::string runCommand(const std::filesystem::path& command,
+        const std::vector<std::string>& withArguments,
+        const std::optional<std::filesystem::path>& currentDirectoryPath,
+        std::int32_t* terminationStatus);
+    static std::string runCommand(
+        const std::filesystem::path& command, const std::vector<std::string>& withArguments);
+
+    // Starts the program anew, without arguments, and asks this one to end. Throws LaunchFailure,
+    // and then goes on. Deprecated, as the log says: a program of one instance hands over to the
+    // one that is about to end.
+    static void restartApplication();
+
+    // In kilobytes, as ps tells it; 0 when it cannot be asked.
+    [[nodiscard]] static std::int32_t residentSetSize();
+
+    // Whether the bundle's information file says, now, that the program is an agent without an icon
+    // of its own: the value of "LSUIElement" is 1, as a number, a text or a boolean. Setting it
+    // writes a number and the present as the bundle's modification date; what cannot be written
+    // stays as it was.
+    [[nodiscard]] static bool isHeadless();
+    static void setHeadless(bool headless);
 
     // What systemVersion() asks, nothing when it fails; setting it also forgets the version. For
     // tests.

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+// HTML that somebody else wrote, to be read as plain text: nothing in it is loaded, run or laid
+// out. Takes time in proportion to its length, whatever is in it.
+namespace HTMLText
+{
+
+// Without tags, comments, scripts and styles; blocks begin new lines and list items a bullet. Text
+// that holds no tag is given as it is.
+[[nodiscard]] QString plainText(const QString& html);
+
+} // namespace HTMLText

@@ -1,0 +1,132 @@
+#include "platform/desktop/SUUpdater.h"
+
+#include "platform/base/Bundle.h"
+#include "platform/desktop/HTMLText.h"
+#include "platform/desktop/UpdateSheet.h"
+
+#include <QApplication>
+
+#include <utility>
+
+namespace
+{
+
+constexpr std::chrono::seconds timeBetweenChecks = std::chrono::hours(24);
+
+const QString feedKey = QStringLiteral("SUFeedURL");
+const QString lastCheckKey = QStringLiteral("SULastCheckTime");
+
+std::chrono::seconds now()
+{
+    static const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    return std::chrono::seconds(reference.secsTo(QDateTime::currentDateTimeUtc()));
+}
+
+// A feed may name any address; those of the web are opened and no others.
+QUrl webAddress(const QString& text)
+{
+    const QUrl url(text, QUrl::StrictMode);
+    const bool isOfTheWeb = url.scheme() == u"http" || url.scheme() == u"https";
+    return isOfTheWeb && !url.host().isEmpty() ? url : QUrl();
+}
+
+QString hostVersion()
+{
+    return QCoreApplication::applicationVersion();
+}
+
+UpdateSheet::Offer offerFor(const AppcastReader::Item& item)
+{
+    const QUrl page = webAddress(item.link);
+    return {.version = item.shortVersionString.isEmpty() ? item.version : item.shortVersionString,
+        .hostVersion = hostVersion(),
+        .whatIsNew = HTMLText::plainText(item.description),
+        .page = page.isValid() ? page : webAddress(item.enclosureURL),
+        .isCritical = item.isCritical};
+}
+
+} // namespace
+
+SUUpdater::SUUpdater(Defaults defaults, Opener opener, std::chrono::milliseconds timeout)
+    : _defaults(std::move(defaults))
+    , _opener(std::move(opener))
+    , _download(AppcastReader::largestFeedInBytes, timeout)
+{
+}
+
+void SUUpdater::checkForUpdates(QObject* /*sender*/)
+{
+    if (_sheet) {
+        _sheet->raise();
+        _sheet->activateWindow();
+        return;
+    }
+    _isAsked = true; // a check in the background that is under way answers now
+    if (!_download.isRunning())
+        _start();
+}
+
+void SUUpdater::checkForUpdatesInBackground()
+{
+    if (_sheet || _download.isRunning() || !_isDue())
+        return;
+    _isAsked = false;
+    _start();
+}
+
+// A last check that is still to come is a clock that was wrong.
+bool SUUpdater::_isDue() const
+{
+    const std::chrono::seconds passed
+        = now() - std::chrono::seconds(_defaults.objectForKey(lastCheckKey).toLongLong());
+    return passed >= timeBetweenChecks || passed < std::chrono::seconds::zero();
+}
+
+void SUUpdater::_start()
+{
+    const QUrl url = webAddress(_defaults.objectForKey(feedKey).toString());
+    if (url.isValid())
+        _download.start(url, [this](const FeedDownload::Result& result) { _finish(result); });
+    else
+        _tellProblem(tr("No address to look for new versions at is set."));
+}
+
+void SUUpdater::_finish(const FeedDownload::Result& result)
+{
+    if (!_isAsked && QApplication::activeModalWidget())
+        return; // nothing is told, so nothing counts as checked
+    if (result.isAnswered)
+        _defaults.setObject(lastCheckKey, QVariant::fromValue<qlonglong>(now().count()));
+    if (!result.problem.isEmpty()) {
+        _tellProblem(result.problem);
+        return;
+    }
+    const AppcastReader::Feed feed = AppcastReader::read(result.bytes);
+    if (feed.fault == AppcastReader::Fault::none)
+        _tell(AppcastReader::newestItem(feed.items));
+    else
+        _tellProblem(tr("The list of versions cannot be read."));
+}
+
+void SUUpdater::_tell(const AppcastReader::Item* newest)
+{
+    if (newest && AppcastReader::compareVersions(newest->version, hostVersion()) > 0)
+        _show(new UpdateSheet(offerFor(*newest), _opener, _parentWindow));
+    else if (_isAsked)
+        _show(UpdateSheet::message(tr("%1 is up to date.").arg(QLatin1String(Bundle::name)),
+            tr("You have version %1, and there is none that is newer.").arg(hostVersion()),
+            _parentWindow));
+}
+
+void SUUpdater::_tellProblem(const QString& problem)
+{
+    if (_isAsked)
+        _show(UpdateSheet::message(
+            tr("It was not possible to look for new versions."), problem, _parentWindow));
+}
+
+void SUUpdater::_show(QDialog* sheet)
+{
+    _sheet = sheet;
+    sheet->open();
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/desktop/AppcastReader.h"
+#include "platform/desktop/FeedDownload.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QPointer>
+#include <QUrl>
+#include <QVariant>
+#include <QWidget>
+
+#include <chrono>
+#include <functional>
+
+class QDialog;
+
+// Looks into the update feed, compares versions, tells and opens the page to download from. It
+// never downloads or replaces the program. Main thread. One check at a time; while its sheet is up
+// there is no other.
+class SUUpdater : public QObject
+{
+    Q_OBJECT
+
+public:
+    // The user defaults: "SUFeedURL" is read, "SULastCheckTime" read and written: whole seconds
+    // from the start of 2001 (UTC) to when a server last answered.
+    struct Defaults {
+        std::function<QVariant(const QString& key)> objectForKey;
+        std::function<void(const QString& key, const QVariant& object)> setObject;
+    };
+    using Opener = std::function<void(const QUrl& page)>;
+
+    static constexpr std::chrono::milliseconds usualTimeout{15000};
+
+    // The opener is given the page to download from, an address of HTTP or HTTPS.
+    SUUpdater(Defaults defaults, Opener opener, std::chrono::milliseconds timeout = usualTimeout);
+
+    // Where the sheets go; none: windows of their own.
+    void setParentWindow(QWidget* window) { _parentWindow = window; }
+
+    // Always answers: with what is newer, that nothing is, or what went wrong.
+    void checkForUpdates(QObject* sender);
+
+    // Answers only with what is newer, and not while a dialog blocks the program. Does nothing
+    // within a day of the last check.
+    void checkForUpdatesInBackground();
+
+private:
+    [[nodiscard]] bool _isDue() const;
+    void _start();
+    void _finish(const FeedDownload::Result& result);
+    void _tell(const AppcastReader::Item* newest);
+    void _tellProblem(const QString& problem);
+    void _show(QDialog* sheet);
+
+    Defaults _defaults;
+    Opener _opener;
+    FeedDownload _download;
+    QPointer<QWidget> _parentWindow;
+    QPointer<QDialog> _sheet;
+    bool _isAsked = false; // by the user, who waits for an answer
+};

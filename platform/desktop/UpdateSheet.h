@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+#include <QUrl>
+
+#include <functional>
+
+// Tells that there is a newer version, as a sheet on a window; Escape and "Not Now" close it.
+// Whatever text comes from the feed is shown as plain text. Deletes itself when it closes.
+class UpdateSheet : public QDialog
+{
+    Q_OBJECT
+
+public:
+    struct Offer {
+        QString version;
+        QString hostVersion;
+        QString whatIsNew; // empty: is not said
+        QUrl page; // invalid: there is none to open
+        bool isCritical = false;
+    };
+    using Opener = std::function<void(const QUrl& page)>;
+
+    UpdateSheet(const Offer& offer, const Opener& opener, QWidget* parent);
+
+    // A sheet that says one thing and has one button.
+    static QDialog* message(const QString& text, const QString& information, QWidget* parent);
+
+private:
+    [[nodiscard]] QWidget* _makeNotes(const QString& whatIsNew);
+    [[nodiscard]] QWidget* _makeButtons(const QUrl& page, const Opener& opener);
+};
