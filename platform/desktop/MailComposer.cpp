@@ -9,6 +9,7 @@
 #include <QDBusMetaType>
 #include <QDBusUnixFileDescriptor>
 #include <QList>
+#include <QTimer>
 
 #include <atomic>
 
@@ -114,11 +115,10 @@ public:
     {
     }
 
-    void start(bool hasFile)
+    void start(bool isFile)
     {
-        if (!hasFile) {
-            QMetaObject::invokeMethod(
-                this, [this] { _giveUp(); }, Qt::QueuedConnection);
+        if (!isFile) {
+            QTimer::singleShot(0, this, &MailRequest::_giveUp); // not before the call returns
             return;
         }
         DefaultApplication::query(QStringLiteral("x-scheme-handler/mailto"), this,
@@ -213,11 +213,10 @@ void MailComposer::setSharedComposer(MailComposer* standIn)
 
 bool MailComposer::composeMessage(const fs::path& attachment)
 {
-    std::error_code unreadable;
-    const bool hasFile = fs::is_regular_file(attachment, unreadable);
+    std::error_code missing;
+    const fs::path file = attachment.empty() ? attachment : fs::absolute(attachment, missing);
+    const bool isFile = fs::is_regular_file(file, missing);
     QMetaObject::invokeMethod(
-        this, [this, hasFile, file = attachment.empty() ? attachment : fs::absolute(attachment)] {
-            (new MailRequest(file, this))->start(hasFile);
-        });
-    return hasFile;
+        this, [this, file, isFile] { (new MailRequest(file, this))->start(isFile); });
+    return isFile;
 }

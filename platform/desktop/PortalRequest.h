@@ -29,10 +29,9 @@ public:
     static void call(const QString& interface, const QString& method, const QVariantList& arguments,
         const QVariantMap& options, QObject* parent, Then then);
 
-private Q_SLOTS:
-    void _takeResponse(uint response, const QVariantMap& results);
-
 private:
+    Q_SLOT void _takeResponse(uint response, const QVariantMap& results);
+
     PortalRequest(QObject* parent, Then then);
     void _listenAt(const QString& path);
     void _takeReply(QDBusPendingCallWatcher* reply);

@@ -28,7 +28,9 @@ public:
                 = new QSocketNotifier(_process->exitDescriptor(), QSocketNotifier::Read, this);
             connect(notifier, &QSocketNotifier::activated, this, [this] { _finish(); });
         }
-        QTimer::singleShot(watched, this, [this] { _finish(); });
+        connect(&_timer, &QTimer::timeout, this, [this] { _finish(); });
+        _timer.setSingleShot(true);
+        _timer.start(watched);
     }
 
 private:
@@ -42,6 +44,7 @@ private:
     }
 
     std::unique_ptr<DetachedProcess> _process;
+    QTimer _timer;
     std::function<void(bool)> _then;
 };
 

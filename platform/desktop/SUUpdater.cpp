@@ -47,9 +47,8 @@ UpdateSheet::Offer offerFor(const AppcastReader::Item& item)
 
 } // namespace
 
-SUUpdater::SUUpdater(Defaults defaults, Opener opener, std::chrono::milliseconds timeout)
+SUUpdater::SUUpdater(Defaults defaults, std::chrono::milliseconds timeout)
     : _defaults(std::move(defaults))
-    , _opener(std::move(opener))
     , _download(AppcastReader::largestFeedInBytes, timeout)
 {
 }
@@ -111,7 +110,7 @@ void SUUpdater::_finish(const FeedDownload::Result& result)
 void SUUpdater::_tell(const AppcastReader::Item* newest)
 {
     if (newest && AppcastReader::compareVersions(newest->version, hostVersion()) > 0)
-        _show(new UpdateSheet(offerFor(*newest), _opener, _parentWindow));
+        _show(new UpdateSheet(offerFor(*newest), _parentWindow));
     else if (_isAsked)
         _show(UpdateSheet::message(tr("%1 is up to date.").arg(QLatin1String(Bundle::name)),
             tr("You have version %1, and there is none that is newer.").arg(hostVersion()),

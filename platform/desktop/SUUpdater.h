@@ -29,12 +29,10 @@ public:
         std::function<QVariant(const QString& key)> objectForKey;
         std::function<void(const QString& key, const QVariant& object)> setObject;
     };
-    using Opener = std::function<void(const QUrl& page)>;
 
     static constexpr std::chrono::milliseconds usualTimeout{15000};
 
-    // The opener is given the page to download from, an address of HTTP or HTTPS.
-    SUUpdater(Defaults defaults, Opener opener, std::chrono::milliseconds timeout = usualTimeout);
+    explicit SUUpdater(Defaults defaults, std::chrono::milliseconds timeout = usualTimeout);
 
     // Where the sheets go; none: windows of their own.
     void setParentWindow(QWidget* window) { _parentWindow = window; }
@@ -55,7 +53,6 @@ private:
     void _show(QDialog* sheet);
 
     Defaults _defaults;
-    Opener _opener;
     FeedDownload _download;
     QPointer<QWidget> _parentWindow;
     QPointer<QDialog> _sheet;

@@ -1,6 +1,7 @@
 #include "platform/desktop/UpdateSheet.h"
 
 #include "platform/base/Bundle.h"
+#include "platform/desktop/Workspace.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -35,7 +36,7 @@ QLabel* makeLabel(const QString& text, const QString& name, QWidget* parent)
 
 } // namespace
 
-UpdateSheet::UpdateSheet(const Offer& offer, const Opener& opener, QWidget* parent)
+UpdateSheet::UpdateSheet(const Offer& offer, QWidget* parent)
     : QDialog(parent)
 {
     makeSheet(*this);
@@ -56,7 +57,7 @@ UpdateSheet::UpdateSheet(const Offer& offer, const Opener& opener, QWidget* pare
         QStringLiteral("versions"), this));
     if (!offer.whatIsNew.isEmpty())
         layout->addWidget(_makeNotes(offer.whatIsNew));
-    layout->addWidget(_makeButtons(offer.page, opener));
+    layout->addWidget(_makeButtons(offer.page));
     setAccessibleName(headline->text());
 }
 
@@ -73,7 +74,7 @@ QWidget* UpdateSheet::_makeNotes(const QString& whatIsNew)
     return notes;
 }
 
-QWidget* UpdateSheet::_makeButtons(const QUrl& page, const Opener& opener)
+QWidget* UpdateSheet::_makeButtons(const QUrl& page)
 {
     auto* buttons = new QDialogButtonBox(this);
     auto* later = buttons->addButton(tr("&Not Now"), QDialogButtonBox::RejectRole);
@@ -84,9 +85,9 @@ QWidget* UpdateSheet::_makeButtons(const QUrl& page, const Opener& opener)
         open->setObjectName(QStringLiteral("openPage"));
         open->setDefault(true);
         open->setFocus();
-        connect(buttons, &QDialogButtonBox::accepted, this, [this, page, opener] {
+        connect(buttons, &QDialogButtonBox::accepted, this, [this, page] {
             accept();
-            opener(page);
+            Workspace::sharedWorkspace().openURL(page);
         });
     }
     return buttons;

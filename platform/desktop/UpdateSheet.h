@@ -4,8 +4,6 @@
 #include <QString>
 #include <QUrl>
 
-#include <functional>
-
 // Tells that there is a newer version, as a sheet on a window; Escape and "Not Now" close it.
 // Whatever text comes from the feed is shown as plain text. Deletes itself when it closes.
 class UpdateSheet : public QDialog
@@ -20,14 +18,13 @@ public:
         QUrl page; // invalid: there is none to open
         bool isCritical = false;
     };
-    using Opener = std::function<void(const QUrl& page)>;
 
-    UpdateSheet(const Offer& offer, const Opener& opener, QWidget* parent);
+    UpdateSheet(const Offer& offer, QWidget* parent);
 
     // A sheet that says one thing and has one button.
     static QDialog* message(const QString& text, const QString& information, QWidget* parent);
 
 private:
     [[nodiscard]] QWidget* _makeNotes(const QString& whatIsNew);
-    [[nodiscard]] QWidget* _makeButtons(const QUrl& page, const Opener& opener);
+    [[nodiscard]] QWidget* _makeButtons(const QUrl& page);
 };

@@ -13,6 +13,7 @@
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
+#include <QTimer>
 
 #include <atomic>
 
@@ -61,8 +62,7 @@ public:
         if (fs::exists(fs::symlink_status(_file, unreadable)))
             _askFileManager();
         else
-            QMetaObject::invokeMethod(
-                this, [this] { _giveUp(); }, Qt::QueuedConnection);
+            QTimer::singleShot(0, this, &RevealRequest::_giveUp); // not before the call returns
     }
 
 private:
@@ -171,6 +171,7 @@ bool Workspace::openURL(const QUrl& url)
 void Workspace::selectFile(
     const fs::path& path, const std::optional<fs::path>& /*inFileViewerRootedAtPath*/)
 {
-    QMetaObject::invokeMethod(
-        this, [this, file = fs::absolute(path)] { (new RevealRequest(file, this))->start(); });
+    std::error_code missing; // then it cannot be shown, and that is told
+    const fs::path file = path.empty() ? path : fs::absolute(path, missing);
+    QMetaObject::invokeMethod(this, [this, file] { (new RevealRequest(file, this))->start(); });
 }

@@ -123,7 +123,7 @@ int Archiver::duSizeForPath(const Path& path)
         = runCommand(pathForTool(du), {"-Ls", path.native()}, std::nullopt, nullptr).value_or("");
     if (!isASCII(output))
         return 0;
-    return TextNumber::intValue(std::string_view(output).substr(0, output.find(' ')));
+    return TextNumber::intValue(output.substr(0, output.find(' ')));
 }
 
 std::optional<std::string> Archiver::mountSparseImage(

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/PropertyList.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -48,6 +50,22 @@ public:
     // stays as it was.
     [[nodiscard]] static bool isHeadless();
     static void setHeadless(bool headless);
+
+    // Runs the text as a script for "System Events", on the main thread; whether that works is not
+    // told.
+    static void tellSystemEvents(const std::string& script);
+
+    // Programs that start with the session. The path is put into a script as it is: one with a
+    // double quote in it adds nothing. What is removed is named without its extension, which may be
+    // given.
+    static void addAutoLaunchPath(const std::string& path, bool hide);
+    static void removeAutoLaunchAppNamed(const std::string& name);
+
+    // As they are now: each has its file's path as "Path".
+    [[nodiscard]] static std::vector<PropertyList::Dictionary> getAutoLaunchedApplications();
+
+    // By the file name, exactly and with its extension.
+    [[nodiscard]] static bool appAutoLaunches(const std::string& application);
 
     // What systemVersion() asks, nothing when it fails; setting it also forgets the version. For
     // tests.

@@ -1,12 +1,12 @@
 // The part of QKUtility that runs programs.
 
+#include "platform/base/Bundle.h"
+#include "platform/base/DetachedProcess.h"
 #include "platform/base/Task.h"
 #include "shared/Library/QKUtility.h"
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QProcess>
-#include <QString>
 
 #include <algorithm>
 #include <charconv>
@@ -64,9 +64,7 @@ std::string QKUtility::runCommand(
 void QKUtility::restartApplication()
 {
     qWarning("WARNING: Deprecated");
-    // By way of this link also from a path that is not UTF-8, which Qt cannot hold.
-    if (!QProcess::startDetached(QStringLiteral("/proc/self/exe"), {}))
-        throw LaunchFailure("cannot start this program anew");
+    const DetachedProcess anew({.program = Bundle::executablePath()});
     QCoreApplication::quit();
 }
 

@@ -1,10 +1,9 @@
 #include "shared/Library/QKWebsite.h"
 
-#include <QDesktopServices>
+#include "platform/desktop/Workspace.h"
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace
 {
@@ -43,8 +42,6 @@ const Product* productWithId(std::int32_t productId)
     return found == catalogue.end() ? nullptr : found;
 }
 
-QKWebsite::Opener opener;
-
 // An address has no blanks and no other letters than ASCII's; Qt would mend the latter.
 bool isAddress(const QString& text, const QUrl& url)
 {
@@ -56,12 +53,8 @@ bool isAddress(const QString& text, const QUrl& url)
 void open(const QString& address)
 {
     const QUrl url(address, QUrl::StrictMode);
-    if (!isAddress(address, url))
-        return;
-    if (opener)
-        opener(url);
-    else
-        QDesktopServices::openUrl(url);
+    if (isAddress(address, url))
+        Workspace::sharedWorkspace().openURL(url);
 }
 
 // A page in the product's folder; none for what has no folder.
@@ -72,11 +65,6 @@ void openProductPage(std::int32_t productId, const QString& page)
 }
 
 } // namespace
-
-void QKWebsite::setOpener(Opener newOpener)
-{
-    opener = std::move(newOpener);
-}
 
 void QKWebsite::visitHomePage()
 {

@@ -4,7 +4,6 @@
 #include <QUrl>
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 
 // The maker's web site and its catalogue of products. Pages open in the user's browser; nothing is
@@ -40,10 +39,6 @@ public:
     // product that is not listed there.
     static void visitVTPost(std::int32_t productId);
     static void visitVTRead(std::int32_t productId);
-
-    // What opens an address. For tests; an empty one restores the desktop's.
-    using Opener = std::function<void(const QUrl& url)>;
-    static void setOpener(Opener opener);
 
 private:
     static std::int32_t _vtIdForProduct(std::int32_t productId);

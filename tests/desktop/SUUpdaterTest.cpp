@@ -1,5 +1,7 @@
 #include "platform/desktop/SUUpdater.h"
 
+#include "platform/desktop/Workspace.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
@@ -72,6 +74,18 @@ const QByteArray newer = feedWith("1.3",
     "<link>http://a.example/get</link><description>&lt;b&gt;Fast&lt;/b&gt;er "
     "&lt;img src='http://a.example/spy'&gt;</description>");
 
+class Recorder : public Workspace
+{
+public:
+    bool openURL(const QUrl& url) override
+    {
+        opened << url.toString();
+        return true;
+    }
+
+    QStringList opened;
+};
+
 class SUUpdaterTest : public testing::Test
 {
 protected:
@@ -79,9 +93,12 @@ protected:
     {
         QCoreApplication::setApplicationName(QStringLiteral("parcelo"));
         QCoreApplication::setApplicationVersion(QStringLiteral("1.2"));
+        Workspace::setSharedWorkspace(&workspace);
         window.show();
         updater.setParentWindow(&window);
     }
+
+    ~SUUpdaterTest() override { Workspace::setSharedWorkspace(nullptr); }
 
     void serve(const QList<QByteArray>& answers)
     {
@@ -126,12 +143,12 @@ protected:
 
     QWidget window;
     QMap<QString, QVariant> defaults;
-    QStringList opened;
+    Recorder workspace;
     std::unique_ptr<FeedServer> server;
     SUUpdater updater{{.objectForKey = [this](const QString& key) { return defaults.value(key); },
                           .setObject = [this](const QString& key,
                                            const QVariant& object) { defaults[key] = object; }},
-        [this](const QUrl& page) { opened << page.toString(); }, 300ms};
+        300ms};
 };
 
 } // namespace
@@ -176,7 +193,7 @@ TEST_F(SUUpdaterTest, alwaysAnswersTheUser)
         defaults[QStringLiteral("SUFeedURL")] = QLatin1String(address);
         EXPECT_TRUE(answer().contains(u"No address"_qs)) << address;
     }
-    EXPECT_EQ(opened, QStringList());
+    EXPECT_EQ(workspace.opened, QStringList());
 }
 
 TEST_F(SUUpdaterTest, givesUpOnAServerThatDribbles)
@@ -208,7 +225,7 @@ TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
     updater.checkForUpdates(nullptr); // is up already
     EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
     QTest::keyClick(found, Qt::Key_Return);
-    EXPECT_EQ(opened, QStringList(QStringLiteral("http://a.example/get")));
+    EXPECT_EQ(workspace.opened, QStringList(QStringLiteral("http://a.example/get")));
     EXPECT_EQ(server->requests.size(), 1);
 
     // Only pages of the web can be opened.
@@ -220,7 +237,7 @@ TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
              {"<link>javascript:alert(1)</link>", nullptr}, {"", nullptr},
              {"<link>ftp://a</link><enclosure url='https://a.example/b'/>",
                  "https://a.example/b"}}) {
-        opened.clear();
+        workspace.opened.clear();
         EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<QDialog*>(); }));
         serve({answerWith(feedWith("2", each.item))});
         updater.checkForUpdates(nullptr);
@@ -232,7 +249,7 @@ TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
             button->click();
         else
             found->findChild<QPushButton*>(QStringLiteral("notNow"))->click();
-        EXPECT_EQ(opened.value(0), QLatin1String(each.page)) << each.item;
+        EXPECT_EQ(workspace.opened.value(0), QLatin1String(each.page)) << each.item;
     }
 }
 

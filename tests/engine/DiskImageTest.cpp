@@ -54,8 +54,11 @@ protected:
         std::string text = R"(<?xml version="1.0" encoding="UTF-8"?>
             <plist version="1.0"><dict><key>system-entities</key><array>)";
         for (const std::string& hint : hints)
-            text += "<dict><key>content-hint</key><string>" + hint
-                + "</string><key>dev-entry</key><string>/dev/" + hint + "</string></dict>";
+            text.append("<dict><key>content-hint</key><string>")
+                .append(hint)
+                .append("</string><key>dev-entry</key><string>/dev/")
+                .append(hint)
+                .append("</string></dict>");
         writeFile(folder / "listing", text + "</array></dict></plist>\n");
     }
 

@@ -152,6 +152,41 @@ TEST(QKUtility, keepsTheAgentFlagInTheBundle)
     Bundle::setMain(former);
 }
 
+TEST(QKUtility, addsAndRemovesWhatStartsWithTheSession)
+{
+    const TestFolder folder;
+    const std::string former = std::getenv("XDG_CONFIG_HOME") ? std::getenv("XDG_CONFIG_HOME") : "";
+    ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+    ::setenv("XDG_CONFIG_DIRS", (folder / "none").c_str(), 1);
+    const std::string program = folder / "Parcelo.app";
+    const std::string other = folder / "a b";
+    for (const std::string& each : {program, other}) {
+        support::writeFile(each, "#!/bin/sh\n");
+        std::filesystem::permissions(each, std::filesystem::perms::owner_all);
+    }
+    EXPECT_TRUE(QKUtility::getAutoLaunchedApplications().empty());
+    EXPECT_FALSE(QKUtility::appAutoLaunches("Parcelo.app"));
+
+    for (const char* name : {"Parcelo.app", "Parcelo"}) {
+        QKUtility::addAutoLaunchPath(program, true);
+        QKUtility::addAutoLaunchPath(other, false);
+        EXPECT_EQ(QKUtility::getAutoLaunchedApplications().size(), 2U);
+        EXPECT_TRUE(QKUtility::appAutoLaunches("Parcelo.app"));
+        EXPECT_TRUE(QKUtility::appAutoLaunches("a b"));
+        EXPECT_FALSE(QKUtility::appAutoLaunches("Parcelo"));
+        EXPECT_FALSE(QKUtility::appAutoLaunches("parcelo.app"));
+        QKUtility::removeAutoLaunchAppNamed(name);
+        EXPECT_FALSE(QKUtility::appAutoLaunches("Parcelo.app")) << name;
+    }
+    QKUtility::addAutoLaunchPath(folder / "x\",hidden:true}\ndelete login item \"a b", false);
+    QKUtility::tellSystemEvents("do what no desktop does");
+    const auto items = QKUtility::getAutoLaunchedApplications();
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_EQ(std::get<std::string>(items[0].at("Path")), other);
+    ::unsetenv("XDG_CONFIG_DIRS");
+    ::setenv("XDG_CONFIG_HOME", former.c_str(), 1);
+}
+
 TEST(QKUtility, tellsTheMemoryInUse)
 {
     long pages = 0;

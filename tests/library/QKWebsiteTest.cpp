@@ -1,5 +1,7 @@
 #include "shared/Library/QKWebsite.h"
 
+#include "platform/desktop/Workspace.h"
+
 #include <QDebug>
 #include <QStringList>
 
@@ -18,18 +20,29 @@ struct Seen {
     QStringList messages;
 };
 
+class Recorder : public Workspace
+{
+public:
+    bool openURL(const QUrl& url) override
+    {
+        opened << url.toString(QUrl::FullyEncoded);
+        return true;
+    }
+
+    QStringList opened;
+};
+
 Seen seenIn(const std::function<void()>& call)
 {
-    Seen seen;
-    QKWebsite::setOpener([&](const QUrl& url) { seen.opened << url.toString(QUrl::FullyEncoded); });
+    Recorder recorder;
+    Workspace::setSharedWorkspace(&recorder);
     logged.clear();
     const auto former = qInstallMessageHandler(
         [](QtMsgType, const QMessageLogContext&, const QString& text) { logged << text; });
     call();
     qInstallMessageHandler(former);
-    QKWebsite::setOpener({});
-    seen.messages = logged;
-    return seen;
+    Workspace::setSharedWorkspace(nullptr);
+    return {.opened = recorder.opened, .messages = logged};
 }
 
 const std::int32_t everyId[] = {0, 1, 2, 3, 4, 20, 21, 22, 23, 40};

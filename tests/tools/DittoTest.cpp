@@ -72,7 +72,8 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
         {"", "user.top", "of the top"},
         {"a", "user.com.apple.FinderInfo", "TEXTttxt" + std::string(24, '\0')},
         {"a", "user.com.apple.ResourceFork", "the fork"},
-        {"a", "user.z", ""},
+        {"a", "user.c", ""},
+        {"a", "user.z", "last"},
         {"a", "user.b", "first by name"},
         {"pieces", "user.com.apple.ResourceFork", "fork alone"},
         {"sub", "user.longest-name-that-readers-take-", "s"},
@@ -89,7 +90,7 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
     EXPECT_EQ(
         run({"python3", PARCELO_SOURCE_DIR "/tests/support/read_apple_double.py", archive}).out,
         "__MACOSX/._item||top=of the top|\n"
-        "__MACOSX/item/._a|TEXTttxt|b=first by name,z=|the fork\n"
+        "__MACOSX/item/._a|TEXTttxt|b=first by name,c=,z=last|the fork\n"
         "__MACOSX/item/._pieces|||fork alone\n"
         "__MACOSX/item/._sub||longest-name-that-readers-take-=s|\n"
         "__MACOSX/item/sub/._\u00e9||com.apple.FinderInfo=not 32 bytes|\n");
