@@ -1,0 +1,56 @@
+#include "shared/Library/ValueCoding.h"
+
+#include <QDataStream>
+#include <QIODevice>
+
+namespace
+{
+
+constexpr auto version = QDataStream::Qt_6_0;
+const QString colorWord = QStringLiteral("color");
+const QString fontWord = QStringLiteral("font");
+
+template <typename Value> QByteArray archived(const QString& word, const Value& value)
+{
+    QByteArray data;
+    QDataStream stream(&data, QIODevice::WriteOnly);
+    stream.setVersion(version);
+    stream << word << value;
+    return data;
+}
+
+template <typename Value> Value unarchived(const QString& word, const QVariant& data)
+{
+    QDataStream stream(data.typeId() == QMetaType::QByteArray ? data.toByteArray() : QByteArray());
+    stream.setVersion(version);
+    QString found;
+    stream >> found;
+    Value value;
+    if (found == word)
+        stream >> value;
+    if (found != word || stream.status() != QDataStream::Ok || !stream.atEnd())
+        throw UnarchivingFailure("the data holds no " + word.toStdString());
+    return value;
+}
+
+} // namespace
+
+QByteArray ValueCoding::dataOf(const QColor& color)
+{
+    return archived(colorWord, color);
+}
+
+QByteArray ValueCoding::dataOf(const QFont& font)
+{
+    return archived(fontWord, font);
+}
+
+QColor ValueCoding::colorOf(const QVariant& data)
+{
+    return unarchived<QColor>(colorWord, data);
+}
+
+QFont ValueCoding::fontOf(const QVariant& data)
+{
+    return unarchived<QFont>(fontWord, data);
+}
