@@ -33,7 +33,7 @@ struct Value
     using variant::variant;
 };
 
-constexpr std::size_t mostBytes = 1024 * 1024; // a settings file has a hundredth of that
+constexpr std::size_t mostBytes = 1 << 20; // a settings file has a hundredth of that
 
 [[nodiscard]] std::optional<Value> valueOf(std::string_view bytes);
 

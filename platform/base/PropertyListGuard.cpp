@@ -16,7 +16,7 @@ namespace
 
 constexpr std::string_view header = "bplist00";
 constexpr std::size_t trailerSize = 32;
-constexpr std::uint64_t mostCopiedBytes = 32 * 1024 * 1024; // what libplist may take for a file
+constexpr std::uint64_t mostCopiedBytes = 1 << 25; // what libplist may take for a file
 constexpr std::uint64_t costOfNode = 64; // about what it takes besides the value
 
 struct Object {

@@ -11,6 +11,7 @@
 #include <QList>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
 
 #include <fcntl.h>

@@ -1,11 +1,12 @@
 #include "platform/desktop/PortalRequest.h"
 
+#include "platform/desktop/BusCall.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 
+#include <chrono>
 #include <utility>
 
 namespace
@@ -15,7 +16,7 @@ const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString desktopPath = QStringLiteral("/org/freedesktop/portal/desktop");
 
 // For the answer that the request was taken on; it may have to start the portal first.
-constexpr int replyTimeoutInMilliseconds = 5000;
+constexpr std::chrono::seconds replyTimeout{5};
 
 } // namespace
 
@@ -45,9 +46,8 @@ void PortalRequest::call(const QString& interface, const QString& method,
     QDBusMessage message = QDBusMessage::createMethodCall(
         service, desktopPath, QStringLiteral("org.freedesktop.portal.") + interface, method);
     message.setArguments(arguments + QVariantList{withToken});
-    auto* reply
-        = new QDBusPendingCallWatcher(bus.asyncCall(message, replyTimeoutInMilliseconds), request);
-    connect(reply, &QDBusPendingCallWatcher::finished, request, &PortalRequest::_takeReply);
+    BusCall::send(message, replyTimeout, request,
+        [request](const QDBusPendingCall& reply) { request->_takeReply(reply); });
 }
 
 void PortalRequest::_listenAt(const QString& path)
@@ -62,9 +62,8 @@ void PortalRequest::_listenAt(const QString& path)
     _path = path;
 }
 
-void PortalRequest::_takeReply(QDBusPendingCallWatcher* reply)
+void PortalRequest::_takeReply(const QDBusPendingReply<QDBusObjectPath>& answer)
 {
-    const QDBusPendingReply<QDBusObjectPath> answer = *reply;
     if (answer.isError())
         _finish(Outcome::failed);
     else if (answer.value().path() != _path)

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <QDBusObjectPath>
+#include <QDBusPendingReply>
 #include <QObject>
 #include <QString>
 #include <QVariant>
 
 #include <functional>
-
-class QDBusPendingCallWatcher;
 
 // One request to the desktop portal (org.freedesktop.portal.Desktop): a call that is answered with
 // the path of a request object, whose signal Response brings the outcome, after a question to the
@@ -34,7 +33,7 @@ private:
 
     PortalRequest(QObject* parent, Then then);
     void _listenAt(const QString& path);
-    void _takeReply(QDBusPendingCallWatcher* reply);
+    void _takeReply(const QDBusPendingReply<QDBusObjectPath>& answer);
     void _finish(Outcome outcome);
 
     Then _then;

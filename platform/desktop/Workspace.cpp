@@ -2,20 +2,20 @@
 
 #include "platform/base/Bundle.h"
 #include "platform/base/UriList.h"
+#include "platform/desktop/BusCall.h"
 #include "platform/desktop/DefaultApplication.h"
 #include "platform/desktop/PortalRequest.h"
 #include "platform/desktop/ProgramLauncher.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 
 #include <fcntl.h>
 
@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 namespace
 {
 
-constexpr int showItemsTimeoutInMilliseconds = 5000; // a file manager may have to start first
+constexpr std::chrono::seconds showItemsTimeout{5}; // a file manager may have to start first
 
 // File managers that are not known to the bus but select a file, or show its folder, by command.
 enum class Shown { uri, file, folder };
@@ -72,10 +72,7 @@ private:
         QDBusMessage message = QDBusMessage::createMethodCall(name,
             QStringLiteral("/org/freedesktop/FileManager1"), name, QStringLiteral("ShowItems"));
         message << QStringList{QString::fromLatin1(_uri.c_str())} << QString();
-        auto* reply = new QDBusPendingCallWatcher(
-            QDBusConnection::sessionBus().asyncCall(message, showItemsTimeoutInMilliseconds), this);
-        connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
-            const QDBusPendingReply<> answer = *reply;
+        BusCall::send(message, showItemsTimeout, this, [this](const QDBusPendingCall& answer) {
             answer.isError() ? _askPortal() : deleteLater();
         });
     }

@@ -2,6 +2,7 @@
 
 #include "tests/desktop/StandIns.h"
 #include "tests/support/Files.h"
+#include "tests/support/Run.h"
 
 #include <optional>
 
@@ -173,4 +174,13 @@ TEST(MailComposer, keepsXdgEmailInUtf8)
         EXPECT_EQ(support::readFile(folder / "locale"), std::string(expected) + "\n");
         std::filesystem::remove(folder / "locale");
     }
+}
+
+TEST(MailComposer, needsNoBusForXdgEmail)
+{
+    const standins::EnvironmentVariable withoutBus("PARCELO_TEST_WITHOUT_BUS", "1");
+    // Qt looks for the bus once: it takes a process of its own.
+    const auto result = support::run({std::filesystem::canonical("/proc/self/exe"),
+        "--gtest_filter=MailComposer.keepsXdgEmailInUtf8"});
+    EXPECT_EQ(result.status, 0) << result.out;
 }

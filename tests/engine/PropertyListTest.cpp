@@ -123,7 +123,7 @@ TEST(PropertyList, readsWhatPythonWrites)
     }
 }
 
-TEST(PropertyList, pythonReadsWhatWeWriteInAnyLanguage)
+TEST(PropertyList, pythonReadsWhatWeWrite)
 {
     const TestFolder folder;
     ASSERT_TRUE(PropertyList::writeToFile(inOurs(), folder / "a.plist"));
