@@ -155,18 +155,6 @@ Problem checkArchive(CommandLine& line)
     return checkName(*line.name, line.extension());
 }
 
-// The longest beginning that does not end inside a UTF-8 sequence.
-std::string shortened(const std::string& text, std::size_t size)
-{
-    const auto continues = [&](std::size_t at) { return (text[at] & 0xc0) == 0x80; };
-    if (text.size() <= size)
-        return text;
-    std::size_t cut = size;
-    while (cut > 0 && size - cut < 3 && continues(cut))
-        --cut;
-    return text.substr(0, continues(cut) ? size : cut); // no UTF-8: anywhere
-}
-
 } // namespace
 
 CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
@@ -210,14 +198,4 @@ Exit status: 0 made; 1 a tool failed or something could not be archived; 2 wrong
 std::string CommandLine::extension() const
 {
     return std::string(std::ranges::find(types, type, &Type::type)->extension);
-}
-
-std::string CommandLine::proposedName(const std::vector<std::filesystem::path>& items) const
-{
-    std::string untitled = "Untitled";
-    if (items.size() != 1)
-        return untitled;
-    const std::string own = PathString::stringByDeletingPathExtension(
-        PathString::lastPathComponent(items.front().native()));
-    return own == "/" ? untitled : shortened(own, longestFileName - extension().size());
 }

@@ -28,8 +28,4 @@ struct CommandLine {
 
     // What the type's archives end in: ".zip" and so on.
     [[nodiscard]] std::string extension() const;
-
-    // For when no name is given: the one item's own without its extension, else "Untitled"; cut to
-    // what a file name with the type's extension can hold.
-    [[nodiscard]] std::string proposedName(const std::vector<std::filesystem::path>& items) const;
 };

@@ -1,5 +1,7 @@
 #include "app/CommandLineJob.h"
 
+#include "app/DocumentPath.h"
+#include "app/ProposedName.h"
 #include "platform/base/AlertPanel.h"
 #include "platform/base/MainQueue.h"
 #include "platform/base/PathString.h"
@@ -75,18 +77,6 @@ bool isSameFile(const FileStatus& one, const FileStatus& other)
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// Absolute, with a name of its own at the end: a link stays one, but "." and ".." are the folder
-// that they stand for.
-fs::path resolved(const fs::path& file)
-{
-    const std::string name = PathString::lastPathComponent(file.native());
-    if (name == "." || name == "..")
-        return fs::canonical(file);
-    const fs::path folder
-        = PathString::stringByDeletingLastPathComponent(fs::absolute(file).native());
-    return folder / name;
-}
-
 } // namespace
 
 CommandLineJob::CommandLineJob(CommandLine line)
@@ -126,7 +116,7 @@ bool CommandLineJob::_resolveFiles()
         else if (PathString::lastPathComponent(file.native()) == "/")
             complete = complain("'/' has no name to be archived under");
         else
-            _files.push_back(resolved(file));
+            _files.push_back(documentPath(file));
     }
     return complete && (_line.type == ArchiveTypePlainZip || _canBeStaged());
 }
@@ -158,7 +148,7 @@ bool CommandLineJob::_chooseArchive()
     if (::access(_folder.c_str(), W_OK | X_OK) != 0)
         return complain(*_line.toFolder, errno);
 
-    _name = _line.name.value_or(_line.proposedName(_files));
+    _name = _line.name.value_or(proposedName(_files, false, _line.extension()));
     _archive = _folder / (_name + _line.extension());
     _former = statusOf(_archive);
     if (_former && S_ISDIR(_former->st_mode))

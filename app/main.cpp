@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 #include "app/CommandLineJob.h"
+#include "app/WindowedProgram.h"
 
 #include <csignal>
 #include <exception>
@@ -48,7 +49,7 @@ try {
         std::cout << "parcelo " PARCELO_VERSION "\n";
         return 0;
     case CommandLine::Request::window:
-        return complainOfUsage("this version has no window yet: give --to FOLDER");
+        return WindowedProgram::run(argv[0], line.files);
     case CommandLine::Request::wrongUsage:
         break;
     }

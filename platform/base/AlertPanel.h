@@ -9,11 +9,11 @@ class AlertPanel
 {
 public:
     struct Alert {
-        std::string title;
-        std::string message;
-        std::string defaultButton;
-        std::string alternateButton; // an empty title: no such button
-        std::string otherButton;
+        std::string title = {};
+        std::string message = {};
+        std::string defaultButton = {};
+        std::string alternateButton = {}; // an empty title: no such button
+        std::string otherButton = {};
     };
     enum Answer : int { answerOther = -1, answerAlternate = 0, answerDefault = 1 };
     using Presenter = std::function<int(const Alert&)>;

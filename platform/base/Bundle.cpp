@@ -63,3 +63,10 @@ std::optional<PropertyList::Value> Bundle::objectForInfoDictionaryKey(const std:
     const auto found = infoDictionary().find(key);
     return found == infoDictionary().end() ? std::nullopt : std::optional(found->second);
 }
+
+std::string Bundle::stringForInfoDictionaryKey(const std::string& key) const
+{
+    const auto value = objectForInfoDictionaryKey(key);
+    const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+    return text == nullptr ? std::string() : *text;
+}

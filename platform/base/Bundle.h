@@ -39,6 +39,9 @@ public:
     [[nodiscard]] std::optional<PropertyList::Value> objectForInfoDictionaryKey(
         const std::string& key) const;
 
+    // The same where it is text, else nothing of it.
+    [[nodiscard]] std::string stringForInfoDictionaryKey(const std::string& key) const;
+
 private:
     struct Information;
 

@@ -81,6 +81,14 @@ ScratchFolder::ScratchFolder()
     } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || !isAt(_path, _lock));
 }
 
+FileDescriptor ScratchFolder::hold(const fs::path& folder)
+{
+    FileDescriptor held = openFolder(folder);
+    if (held && (!isOurs(held) || !lock(held)))
+        held = FileDescriptor();
+    return held;
+}
+
 ScratchFolder::~ScratchFolder()
 {
     (void)FileTree::remove(_path, FileTree::Permissions::overridden);

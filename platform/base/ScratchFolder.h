@@ -26,6 +26,10 @@ public:
 
     [[nodiscard]] const std::filesystem::path& path() const { return _path; }
 
+    // Locks another private folder in the same way, as long as the descriptor is open. None when
+    // the folder is not there, is not this user's, or another process holds it.
+    [[nodiscard]] static FileDescriptor hold(const std::filesystem::path& folder);
+
 private:
     std::filesystem::path _path;
     FileDescriptor _lock; // never inherited by a child, which would prolong it

@@ -84,10 +84,16 @@ std::filesystem::path userDirectory(const Place& place, const std::string& home)
 
 } // namespace
 
-std::filesystem::path SearchPaths::temporaryDirectory()
+std::optional<std::filesystem::path> SearchPaths::userTemporaryDirectory()
 {
     const char* folder = std::getenv("TMPDIR");
-    return folder != nullptr && *folder == '/' ? folder : "/tmp";
+    return folder != nullptr && *folder == '/' ? std::optional<std::filesystem::path>(folder)
+                                               : std::nullopt;
+}
+
+std::filesystem::path SearchPaths::temporaryDirectory()
+{
+    return userTemporaryDirectory().value_or("/tmp");
 }
 
 std::vector<std::filesystem::path> SearchPaths::directories(

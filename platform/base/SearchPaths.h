@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 // The places that the system sets aside for a purpose.
@@ -22,7 +23,10 @@ enum class Directory : unsigned {
 // A set of bits. Only the user has folders of these kinds of his own.
 enum class DomainMask : unsigned { user = 1, local = 2, network = 4, system = 8 };
 
-// $TMPDIR when that is an absolute path, else /tmp.
+// $TMPDIR when that is an absolute path: the temporary folder that the user has to himself.
+[[nodiscard]] std::optional<std::filesystem::path> userTemporaryDirectory();
+
+// The same, else /tmp, which is everybody's.
 [[nodiscard]] std::filesystem::path temporaryDirectory();
 
 // The folders of a kind, which need not exist; none for a kind or a domain that has none, or when

@@ -135,6 +135,12 @@ void Archiver::cancel()
     _cancelFlag = true;
 }
 
+void Archiver::abandon()
+{
+    _isAbandoned = true;
+    cancel();
+}
+
 void Archiver::_reportFailure(
     const std::string& inMethod, const Archiver* object, int lineNumber, const char* text)
 {

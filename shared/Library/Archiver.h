@@ -103,6 +103,10 @@ public:
     // next item; the other types go on with the tools that are left.
     void cancel();
 
+    // For a program that ends. As cancel(), but for good: what the job has made goes, and nothing
+    // is delivered or replaced.
+    void abandon();
+
     // Where the tools are. zipPath() is decided once per process. tarPath() is nothing when the
     // program has no tar among its resources. A tool at a fixed path is that path where the system
     // has it, else the resource of that name, else nothing.
@@ -159,4 +163,5 @@ private:
     std::optional<ArchiverDelegate> _delegate;
     Path _workingDirectory;
     std::atomic<bool> _cancelFlag = false;
+    std::atomic<bool> _isAbandoned = false;
 };

@@ -97,12 +97,16 @@ int Archiver::createPlainZipAtPath(const Path& archive, const std::vector<Path>&
     convenience::removeItemAtPath(temporary);
     int status = 0;
     for (const Path& item : sourcePaths) {
-        if (_cancelFlag) {
+        if (_cancelFlag || _isAbandoned) {
             convenience::removeItemAtPath(temporary);
             status = 1;
             break;
         }
         addToZip(temporary, item, excludeDSStore, compressionLevel);
+    }
+    if (_isAbandoned) {
+        convenience::removeItemAtPath(temporary);
+        return 1;
     }
     _replaceArchive(archive, temporary);
     return status;

@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 
+#include "app/ProposedName.h"
 #include "app/TerminalProgress.h"
 #include "app/ToolMessages.h"
 
@@ -97,11 +98,12 @@ TEST(CommandLine, namesArchivesThatFitAFileName)
         if (!each.name.empty())
             arguments.push_back("--name=" + each.name);
         const CommandLine line = CommandLine::parse(arguments);
-        EXPECT_EQ(line.name.value_or(line.proposedName({"/x/" + each.item})), each.expected);
+        EXPECT_EQ(line.name.value_or(proposedName({"/x/" + each.item}, false, line.extension())),
+            each.expected);
     }
     const CommandLine line = CommandLine::parse({"--to=d", "a", "b"});
-    EXPECT_EQ(line.proposedName({"/a", "/b"}), "Untitled");
-    EXPECT_EQ(line.proposedName({"/"}), "Untitled");
+    EXPECT_EQ(proposedName({"/a", "/b"}, false, ".zip"), "Untitled");
+    EXPECT_EQ(proposedName({"/"}, false, ".zip"), "Untitled");
 }
 
 TEST(ToolMessages, keepsTheWordsOfToolsAndTheirStatuses)

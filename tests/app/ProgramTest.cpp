@@ -154,8 +154,8 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
         std::string message;
     };
     const Case cases[] = {
-        {{"one.txt"}, 2, "this version has no window yet: give --to FOLDER"},
-        {{"--", "one.txt"}, 2, "this version has no window yet: give --to FOLDER"},
+        {{"one.txt"}, 1, "there is no display to open the window on; give --to FOLDER"},
+        {{"--", "one.txt"}, 1, "there is no display to open the window on; give --to FOLDER"},
         {{"--bad"}, 2, "no such option: '--bad'"},
         {{"--to=../out", "one.txt", "none"}, 1, "'none': No such file or directory"},
         {{"--to=../out", ""}, 1, "'': No such file or directory"},

@@ -232,6 +232,22 @@ TEST_F(ArchiverTest, cancelBeforeTheSecondItemLeavesNoArchiveAndNoOlderOne)
     EXPECT_EQ(alerts.size(), 1U);
 }
 
+TEST_F(ArchiverTest, anAbandonedJobLeavesTheOlderArchiveAlone)
+{
+    plan(R"(printf x >>"$4"; : >"$TMPDIR/started"; exec sleep 30)");
+    writeFile(folder / "out/Demo.zip", "older");
+    archiver->setDelegate(noting());
+    std::jthread ender([&] {
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "started"); }));
+        archiver->abandon();
+    });
+    archiver->archiveFiles(job(ArchiveTypePlainZip));
+    EXPECT_EQ(runs().size(), 1U);
+    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_EQ(readFile(folder / "out/Demo.zip"), "older");
+    EXPECT_EQ(alerts, Lines());
+}
+
 TEST_F(ArchiverTest, cancelAtAnyMomentIsSafe)
 {
     plan(R"(printf x >>"$4")");

@@ -1,0 +1,125 @@
+#include "app/AdvertTextView.h"
+
+#include "platform/desktop/Workspace.h"
+#include "shared/Library/QKWebsite.h"
+
+#include <QMouseEvent>
+#include <QTextCursor>
+#include <QWindow>
+
+#include <map>
+
+namespace
+{
+
+// What stands where the blurb would be.
+constexpr auto missingObject = QLatin1String("(null)");
+
+} // namespace
+
+AdvertTextView::AdvertTextView(QWidget* parent)
+    : QTextBrowser(parent)
+{
+    setOpenLinks(false);
+    setFrameShape(QFrame::NoFrame);
+    setLineWrapMode(QTextEdit::NoWrap);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(0);
+    setAccessibleName(tr("About the maker's products"));
+    _attributes.setForeground(Qt::black);
+    _attributes.setFontUnderline(false);
+    connect(this, &QTextBrowser::anchorClicked, this,
+        [](const QUrl& address) { Workspace::sharedWorkspace().openURL(address); });
+}
+
+void AdvertTextView::setTextAttributes(const QTextCharFormat& attributes)
+{
+    _attributes = attributes;
+    viewport()->update();
+}
+
+void AdvertTextView::setShortVersion(bool flag)
+{
+    _shortVersion = flag;
+    viewport()->update();
+}
+
+void AdvertTextView::setProductId(std::int32_t productId)
+{
+    setProductName(QKWebsite::productNameForProductId(productId),
+        QKWebsite::productDirForProductId(productId), _blurpForProductId(productId));
+    _productId = productId;
+    viewport()->update();
+}
+
+void AdvertTextView::setProductName(const std::optional<QString>& name,
+    const std::optional<QString>& directory, const std::optional<QString>& blurp)
+{
+    clear();
+    QTextCursor line(document());
+    QTextBlockFormat centred;
+    centred.setAlignment(Qt::AlignCenter);
+    line.setBlockFormat(centred);
+    if (!_shortVersion)
+        line.insertText(tr("Brought to you by "), _attributes);
+    _appendLink(line, name, directory);
+    line.insertText(QLatin1String(" - ") + blurp.value_or(missingObject), _attributes);
+}
+
+void AdvertTextView::_appendLink(QTextCursor& line, const std::optional<QString>& productName,
+    const std::optional<QString>& directory) const
+{
+    const QUrl address(
+        QLatin1String(PARCELO_SITE) + directory.value_or(missingObject) + QLatin1Char('/'),
+        QUrl::StrictMode);
+    if (!address.isValid())
+        return;
+    QTextCharFormat link;
+    link.setFont(_attributes.font());
+    link.setAnchor(true);
+    link.setAnchorHref(address.toString());
+    link.setForeground(Qt::white);
+    link.setFontUnderline(false);
+    line.insertText(productName.value_or(missingObject), link);
+}
+
+std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId)
+{
+    static const std::map<std::int32_t, QString> blurps{
+        {0, tr("Keeps your notes where you look for them")},
+        {1, tr("Finds and removes duplicate photos")},
+        {2, tr("Renames a thousand files at once")},
+        {3, tr("Sends large files without the fuss")},
+        {4, tr("Shows what fills your disk")},
+        {20, tr("A calm timer for busy days")},
+        {21, tr("Brings your bookmarks in order")},
+        {22, tr("Free and easy zip utility")},
+        {40, tr("All our programs at half price")},
+    };
+    const auto found = blurps.find(productId);
+    return found == blurps.end() ? std::nullopt : std::optional(found->second);
+}
+
+QSize AdvertTextView::sizeHint() const
+{
+    return {fontMetrics().averageCharWidth() * 40, fontMetrics().height() + 2};
+}
+
+QSize AdvertTextView::minimumSizeHint() const
+{
+    return {0, sizeHint().height()};
+}
+
+void AdvertTextView::mousePressEvent(QMouseEvent* event)
+{
+    const bool isOnLink = !anchorAt(event->pos()).isEmpty();
+    if (!isOnLink && event->button() == Qt::LeftButton && window()->windowHandle() != nullptr)
+        window()->windowHandle()->startSystemMove();
+    else
+        QTextBrowser::mousePressEvent(event);
+}

@@ -1,0 +1,158 @@
+// The destination menu: beside the source, by e-mail, or one of the folders that were chosen
+// before.
+
+#include "app/AppController.h"
+#include "app/Destinations.h"
+#include "app/DropView.h"
+#include "platform/base/PathString.h"
+#include "platform/desktop/OpenPanel.h"
+#include "platform/desktop/PathText.h"
+#include "platform/desktop/UserDefaults.h"
+#include "shared/Library/PopUpButtonExtras.h"
+#include "shared/Library/QKUtility.h"
+#include "shared/Library/QKWindow.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+using PopUpButtonExtras::addItemWithTitle;
+
+namespace
+{
+
+const QString destinationsKey = QStringLiteral("Destinations");
+const QString selectedDestinationKey = QStringLiteral("SelectedDestination");
+
+QStringList storedDestinations()
+{
+    return UserDefaults::standardUserDefaults()
+        .stringArrayForKey(destinationsKey)
+        .value_or(QStringList());
+}
+
+void storeDestinations(const QStringList& folders)
+{
+    UserDefaults::standardUserDefaults().setObject(folders, destinationsKey);
+}
+
+// By position alone, which is intended: with folders in the menu the first has none and the second
+// has "3".
+void giveKeyEquivalents(PopUpButton& menu)
+{
+    constexpr int firstOfFolders = 3;
+    constexpr int fewestItems = 7;
+    constexpr int lastDigit = 9;
+    menu.setKeyEquivalentAtIndex(0, QStringLiteral("1"));
+    menu.setKeyEquivalentAtIndex(1, QStringLiteral("2"));
+    if (menu.numberOfItems() < fewestItems)
+        return;
+    const int last = std::min(menu.numberOfItems() - 4, lastDigit);
+    for (int index = firstOfFolders; index <= last; ++index)
+        menu.setKeyEquivalentAtIndex(index, QString::number(index));
+}
+
+} // namespace
+
+void AppController::setupDestinations()
+{
+    const QStringList folders
+        = Destinations::removeDuplicatesAndAbbreviateWithTilde(storedDestinations());
+    storeDestinations(folders);
+
+    PopUpButton& menu = *_interface.destinationPop;
+    const bool keepsFirst = menu.numberOfItems() > 0 && menu.itemAtIndex(0).submenu != nullptr;
+    while (menu.numberOfItems() > (keepsFirst ? 1 : 0))
+        menu.removeItemAtIndex(menu.numberOfItems() - 1);
+
+    addItemWithTitle(menu, tr("Same as source"), DestinationTagSameAsSource);
+    addItemWithTitle(menu, tr("Email"), DestinationTagEmail);
+    addItemWithTitle(menu, QString(), this, "dummy");
+    int tag = DestinationTagFirstFolder;
+    for (const QString& folder : folders)
+        addItemWithTitle(menu, Destinations::abbreviatedWithTilde(folder), tag++);
+    if (!folders.isEmpty())
+        addItemWithTitle(menu, QString(), this, "dummy"); // takes the place of the first blank
+    addItemWithTitle(menu, tr("Remove Selected Entry"), this, "removeDestination");
+    addItemWithTitle(menu, tr("Choose a Folder ..."), this, "addDestination");
+
+    menu.selectItemWithTag(selectedDestination());
+    menu.sizeToFit();
+    giveKeyEquivalents(menu);
+}
+
+// A tag left by a longer list falls back to the source's folder; a negative one stays as it is.
+int AppController::selectedDestination() const
+{
+    const auto tag = static_cast<std::int32_t>(
+        UserDefaults::standardUserDefaults().integerForKey(selectedDestinationKey));
+    const auto count = static_cast<int>(storedDestinations().size());
+    return tag < count + DestinationTagFirstFolder ? tag : int{DestinationTagSameAsSource};
+}
+
+void AppController::setSelectedDestination(int tag)
+{
+    UserDefaults::standardUserDefaults().setInteger(tag, selectedDestinationKey);
+    Q_EMIT selectedDestinationChanged();
+    Q_EMIT previewTextChanged();
+}
+
+std::optional<AppController::Path> AppController::destinationDirectory()
+{
+    std::optional<Path> folder;
+    switch (const int tag = selectedDestination()) {
+    case DestinationTagEmail:
+        folder = tmpFolder();
+        break;
+    case DestinationTagSameAsSource:
+        folder = _interface.saveDropView->folder();
+        break;
+    default:
+        if (tag >= DestinationTagFirstFolder)
+            folder = PathText::pathOf(storedDestinations().value(tag - DestinationTagFirstFolder));
+    }
+    if (folder)
+        folder = PathString::stringByExpandingTildeInPath(folder->native());
+    return folder;
+}
+
+void AppController::addDestination(QObject* /*sender*/)
+{
+    OpenPanel::beginForFolder(
+        _interface.mainWindow, PathText::pathOf(QDir::homePath()), [this](const auto& paths) {
+            if (paths.empty()) {
+                _interface.destinationPop->selectItemWithTag(selectedDestination());
+                return;
+            }
+            QKUtility::afterDelay(
+                0, [this, path = PathText::textOf(paths.front())] { addDestinationPath(path); });
+        });
+}
+
+void AppController::addDestinationPath(const QString& path)
+{
+    QStringList folders = storedDestinations();
+    folders.prepend(Destinations::abbreviatedWithTilde(path));
+    storeDestinations(folders);
+    setSelectedDestination(DestinationTagFirstFolder);
+    setupDestinations(); // drops an older copy of the folder
+}
+
+void AppController::removeDestination(QObject* /*sender*/)
+{
+    QStringList folders = storedDestinations();
+    const int index = selectedDestination() - DestinationTagFirstFolder;
+    if (index < 0 || index >= folders.size())
+        return;
+    folders.removeAt(index);
+    storeDestinations(folders);
+    setSelectedDestination(DestinationTagSameAsSource);
+    setupDestinations();
+}
+
+bool AppController::validateMenuItem(const PopUpMenuItem& item) const
+{
+    if (item.action == "removeDestination") // a negative tag counts as a large one
+        return static_cast<std::uint32_t>(selectedDestination()) > DestinationTagEmail;
+    return !item.title.isEmpty();
+}

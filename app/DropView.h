@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+class AppController;
+class QMimeData;
+
+// The box onto which files are dragged. It shows a drag that hovers by inverted greys and a
+// marching outline, holds the list of dropped files for the rest of the program, and a moment after
+// a drop asks the controller to start processing. Pressing it stands for choosing files. Main
+// thread only.
+class DropView : public QAbstractButton
+{
+    Q_OBJECT
+    Q_PROPERTY(bool animate READ animate WRITE setAnimate)
+    Q_PROPERTY(float phase READ phase WRITE setPhase)
+
+public:
+    using Files = std::vector<std::filesystem::path>;
+
+    explicit DropView(QWidget* parent = nullptr);
+
+    // Borrowed; set before the first drop.
+    void setAppController(AppController* controller) { _appController = controller; }
+
+    // The files in the order of the drop. Nothing is checked, duplicates are kept.
+    [[nodiscard]] const Files& files() const { return _files; }
+    void setFiles(Files files) { _files = std::move(files); }
+    void addFileWithPath(const std::filesystem::path& path) { _files.push_back(path); }
+    void clearFiles() { _files.clear(); }
+
+    // The folder that holds the first file.
+    [[nodiscard]] std::optional<std::filesystem::path> folder() const;
+
+    // True while a drag hovers.
+    [[nodiscard]] bool animate() const { return _animate; }
+    void setAnimate(bool animate) { _animate = animate; }
+
+    // Where the dash pattern begins, in points. It only ever grows.
+    [[nodiscard]] float phase() const { return _phase; }
+    void setPhase(float phase) { _phase = phase; }
+
+    static const QColor& fgColor();
+    static const QColor& bgColor();
+    static const QColor& hfgColor(); // of a hovered box
+    static const QColor& hbgColor();
+
+    // What a drag goes through. The result of entering is what may be done with it: copied, when
+    // it offers files, or nothing.
+    Qt::DropAction draggingEntered(const QMimeData& pasteboard);
+    void draggingExited();
+    bool prepareForDragOperation();
+    bool performDragOperation(const QMimeData& pasteboard);
+    void concludeDragOperation();
+
+    // Whether there are files of this computer in what is dragged or pasted.
+    [[nodiscard]] static bool offersFiles(const QMimeData& pasteboard);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void _drawDashedBoxWithPhase(QPainter& painter, float phase) const;
+    void _drawCaption(QPainter& painter) const;
+
+    AppController* _appController = nullptr;
+    bool _animate = false;
+    float _phase = 0;
+    Files _files;
+};

@@ -1,0 +1,80 @@
+#include "app/PreferenceController.h"
+
+#include "app/AppController.h"
+#include "platform/desktop/Sheets.h"
+#include "platform/desktop/UserDefaults.h"
+#include "shared/Library/ButtonDefaultsAdditions.h"
+#include "shared/Library/QKWindow.h"
+#include "ui_Preference.h"
+
+namespace
+{
+
+const QString hideAdvertKey = QStringLiteral("HideAdvert");
+
+} // namespace
+
+PreferenceController::PreferenceController(AppController* appController)
+    : _appController(appController)
+{
+    _defaultsController.setAppliesImmediately(false);
+}
+
+PreferenceController::~PreferenceController() = default;
+
+void PreferenceController::_loadWindow(QKWindow* onWindow)
+{
+    _window = new QDialog(onWindow);
+    Ui::Preference preference;
+    preference.setupUi(_window);
+    _hideAdvertBtn = preference.hideAdvertBtn;
+    (void)_defaultsController.bind(_window);
+    connect(preference.hideAdvertBtn, &QCheckBox::clicked, this,
+        [this] { toggleAdvert(_hideAdvertBtn); });
+    connect(preference.acceptButton, &QPushButton::clicked, this, [this] { accept(sender()); });
+    connect(preference.cancelButton, &QPushButton::clicked, this, [this] { cancel(sender()); });
+    connect(_window, &QDialog::finished, this,
+        [this](int returnCode) { sheetDidEnd(_window, returnCode); });
+    _readDefaults();
+}
+
+void PreferenceController::showWindow(QKWindow* onWindow)
+{
+    if (!_window)
+        _loadWindow(onWindow);
+    _readDefaults();
+    Sheets::begin(_window, onWindow);
+}
+
+void PreferenceController::accept(QObject* /*sender*/)
+{
+    _window->done(QDialog::Accepted);
+}
+
+void PreferenceController::cancel(QObject* /*sender*/)
+{
+    _window->done(QDialog::Rejected);
+}
+
+void PreferenceController::toggleAdvert(QObject* /*sender*/) { }
+
+void PreferenceController::sheetDidEnd(QDialog* /*sheet*/, int returnCode)
+{
+    if (returnCode >= 1) {
+        _writeDefaults();
+        _defaultsController.save();
+    } else {
+        _defaultsController.revert();
+    }
+    _appController->preferenceDidChange();
+}
+
+void PreferenceController::_readDefaults()
+{
+    ButtonDefaultsAdditions::takeStateFromKey(*_hideAdvertBtn, hideAdvertKey);
+}
+
+void PreferenceController::_writeDefaults()
+{
+    UserDefaults::standardUserDefaults().setBool(_hideAdvertBtn->isChecked(), hideAdvertKey);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/desktop/DefaultsController.h"
+
+#include <QDialog>
+#include <QPointer>
+
+class AppController;
+class QAbstractButton;
+class QKWindow;
+
+// Runs the preferences as a sheet. Its controls are bound to the user defaults in the interface
+// form, but for the one that hides the advert. OK saves, Cancel reverts; the application is told
+// either way. Main thread only.
+class PreferenceController : public QObject
+{
+    Q_OBJECT
+
+public:
+    // The controller of the application is borrowed.
+    explicit PreferenceController(AppController* appController);
+    ~PreferenceController() override;
+
+    // Shows the sheet on the window, not on whoever sends this.
+    void showWindow(QKWindow* onWindow);
+
+    void accept(QObject* sender);
+    void cancel(QObject* sender);
+
+    // Does nothing: the check box's state is read when the sheet is accepted.
+    void toggleAdvert(QObject* sender);
+
+    void sheetDidEnd(QDialog* sheet, int returnCode);
+
+private:
+    void _loadWindow(QKWindow* onWindow);
+    void _readDefaults();
+    void _writeDefaults();
+
+    AppController* _appController;
+    QPointer<QDialog> _window; // loaded when first shown; the main window's child
+    DefaultsController _defaultsController;
+    QAbstractButton* _hideAdvertBtn = nullptr; // the window's
+};

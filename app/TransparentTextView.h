@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QTextBrowser>
+
+// Text that stands on the window's own background and can be neither edited, selected nor dragged.
+class TransparentTextView : public QTextBrowser
+{
+    Q_OBJECT
+
+public:
+    explicit TransparentTextView(QWidget* parent = nullptr);
+};

@@ -1,0 +1,89 @@
+#include "app/WindowedProgram.h"
+
+#include "app/AppController.h"
+#include "app/DocumentPath.h"
+#include "app/InterruptSignals.h"
+#include "app/MainInterface.h"
+#include "app/Translations.h"
+#include "platform/base/Bundle.h"
+#include "platform/desktop/AlertPanelWindow.h"
+#include "platform/desktop/MainQueueTimers.h"
+#include "platform/desktop/PathText.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QSocketNotifier>
+
+#include <cstdlib>
+#include <iostream>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+bool hasDisplay()
+{
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (const char* value = std::getenv(variable); value != nullptr && *value != '\0')
+            return true;
+    return false;
+}
+
+void describe(QApplication& application)
+{
+    application.setApplicationName(QStringLiteral("parcelo"));
+    application.setApplicationVersion(QStringLiteral(PARCELO_VERSION));
+    application.setDesktopFileName(QStringLiteral("org.parcelo.Parcelo"));
+    application.setQuitOnLastWindowClosed(false); // closing the window is the controller's to judge
+    QIcon icon = QIcon::fromTheme(QStringLiteral("org.parcelo.Parcelo"));
+    if (const auto own = Bundle::main().pathForResource("org.parcelo.Parcelo", "png");
+        own && icon.isNull())
+        icon = QIcon(PathText::textOf(*own));
+    application.setWindowIcon(icon);
+}
+
+std::vector<fs::path> documents(const std::vector<fs::path>& files)
+{
+    std::vector<fs::path> found;
+    for (const fs::path& file : files) {
+        std::error_code missing;
+        if (fs::exists(fs::symlink_status(file, missing)))
+            found.push_back(documentPath(file));
+        else
+            std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
+    }
+    return found;
+}
+
+} // namespace
+
+int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
+{
+    if (!hasDisplay()) {
+        std::cerr << "parcelo: there is no display to open the window on; give --to FOLDER\n";
+        return EXIT_FAILURE;
+    }
+    InterruptSignals signals; // before Qt starts threads
+
+    int argumentCount = 1; // ours are no arguments of Qt's
+    char* arguments[] = {programName, nullptr};
+    QApplication application(argumentCount, arguments);
+    describe(application);
+    const Translations translations;
+    const MainQueueTimers mainQueue;
+    AlertPanelWindow::presentAlerts();
+
+    AppController controller;
+    MainInterface interface(controller);
+    QSocketNotifier interrupted(signals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&interrupted, &QSocketNotifier::activated, &controller, [&] {
+        if (signals.take())
+            controller.terminate(&interrupted);
+    });
+    for (const fs::path& document : documents(files))
+        controller.applicationOpenFile(document);
+    interface.window().show();
+    controller.applicationDidFinishLaunching();
+    return QApplication::exec();
+}

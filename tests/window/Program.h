@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/AppController.h"
+#include "app/MainInterface.h"
+#include "platform/desktop/MainQueueTimers.h"
+#include "tests/support/TestFolder.h"
+
+#include <QDialog>
+#include <QString>
+#include <QVariant>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+// The program with its window in this process, with settings of its own that begin empty.
+class Program : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Starts it with what was stored before, as if the files had been opened with its icon.
+    void start(const std::map<QString, QVariant>& stored = {},
+        const std::vector<std::filesystem::path>& files = {});
+
+    AppController& controller() { return *_controller; }
+    QKWindow& window() { return _interface->window(); }
+
+    // The part of the window, or of a sheet on it, with this name.
+    template <typename Part> Part* find(const char* objectName)
+    {
+        Part* part = window().findChild<Part*>(QLatin1String(objectName));
+        EXPECT_NE(part, nullptr) << "there is no " << objectName;
+        return part;
+    }
+
+    // Serves events until the condition holds; false when it never does.
+    static bool waitFor(const std::function<bool()>& condition);
+    static void serveEventsFor(int milliseconds);
+
+    // Does something as soon as a sheet is up on the window.
+    void whenSheetIsUp(const std::function<void(QDialog*)>& action);
+
+    support::TestFolder folder;
+
+private:
+    int _worlds = 0; // settings made: a test may begin anew
+    MainQueueTimers _mainQueue;
+    std::unique_ptr<AppController> _controller;
+    std::unique_ptr<MainInterface> _interface;
+};

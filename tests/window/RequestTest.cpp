@@ -1,0 +1,224 @@
+#include "app/DropView.h"
+#include "platform/desktop/Sheets.h"
+#include "platform/desktop/UserDefaults.h"
+#include "tests/support/Files.h"
+#include "tests/support/ZipInspector.h"
+#include "tests/window/Program.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+namespace fs = std::filesystem;
+
+class Request : public Program
+{
+protected:
+    void SetUp() override
+    {
+        Program::SetUp();
+        for (const char* name : {"one.txt", "two.txt", "three.txt"})
+            support::writeFile(source / name, std::string("contents of ") + name);
+    }
+
+    DropView& box() { return *find<DropView>("saveDropView"); }
+
+    void drop(const DropView::Files& files)
+    {
+        box().setFiles(files);
+        box().concludeDragOperation();
+    }
+
+    QDialog* waitForSheet(const char* objectName)
+    {
+        const auto isUp = [&] {
+            const QDialog* sheet = Sheets::attachedSheet(&window());
+            return sheet != nullptr && sheet->objectName() == QLatin1String(objectName);
+        };
+        EXPECT_TRUE(waitFor(isUp)) << objectName;
+        return Sheets::attachedSheet(&window());
+    }
+
+    void waitForTheEnd()
+    {
+        EXPECT_TRUE(waitFor([&] {
+            return box().files().empty() && Sheets::attachedSheet(&window()) == nullptr
+                && box().acceptDrops();
+        }));
+    }
+
+    const fs::path source = folder.path() / "source";
+};
+
+TEST_F(Request, proposesTheNameOfASingleItem)
+{
+    struct Case {
+        DropView::Files files;
+        bool keepsExtension;
+        const char* name;
+    };
+    const Case cases[] = {
+        {{"/a/Report.pdf"}, false, "Report"},
+        {{"/a/Report.pdf"}, true, "Report.pdf"},
+        {{"/a/.bashrc"}, false, ".bashrc"},
+        {{"/a/b", "/a/c", "/a/d"}, false, "Untitled"},
+        {{}, false, "Untitled"},
+    };
+    for (const Case& each : cases) {
+        TearDown();
+        Program::SetUp();
+        start({{QStringLiteral("KeepExtensionForDefaultName"), each.keepsExtension}});
+        drop(each.files);
+        QDialog* panel = waitForSheet("savePanel");
+        EXPECT_EQ(
+            panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text().toStdString(),
+            each.name);
+        QTest::keyClick(panel, Qt::Key_Escape);
+        EXPECT_TRUE(box().files().empty());
+    }
+}
+
+TEST_F(Request, makesTheArchiveBesideTheSource)
+{
+    start({{QStringLiteral("RevealWhenComplete"), false}});
+    support::writeFile(source / "Untitled.v2.zip", "an older file");
+    drop({source / "one.txt", source / "two.txt"});
+    QDialog* panel = waitForSheet("savePanel");
+    panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(QStringLiteral("New.v2"));
+    QTest::keyClick(panel, Qt::Key_Return);
+    EXPECT_FALSE(box().acceptDrops()) << "until the request has ended";
+    QDialog* progress = waitForSheet("ProgressWindow");
+    EXPECT_TRUE(waitFor([&] {
+        return progress->findChild<QLabel*>(QStringLiteral("statusTF"))->text()
+            == QLatin1String("Completed");
+    }));
+    const auto* bar = progress->findChild<QProgressBar*>(QStringLiteral("progress"));
+    EXPECT_EQ(bar->value(), bar->maximum());
+    EXPECT_EQ(bar->maximum(), 2);
+    waitForTheEnd();
+    EXPECT_EQ(support::inspectZip(source / "New.v2.zip").names(),
+        (std::vector<std::string>{"one.txt", "two.txt"}));
+    EXPECT_EQ(support::readFile(source / "Untitled.v2.zip"), "an older file");
+    EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("UsageCount")), 1);
+}
+
+TEST_F(Request, putsDocumentsOpenedTogetherIntoOneArchive)
+{
+    start({{QStringLiteral("RevealWhenComplete"), false}, {QStringLiteral("AutoQuit"), true}},
+        {source / "one.txt", source / "two.txt", source / "three.txt"});
+    QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Return);
+    const fs::path scratch = controller().tmpFolder();
+    waitForTheEnd();
+    EXPECT_TRUE(fs::exists(scratch));
+    EXPECT_TRUE(waitFor([&] { return !fs::exists(scratch); })) << "the program has not quit";
+    EXPECT_EQ(support::inspectZip(source / "Untitled.zip").names().size(), 3u);
+}
+
+TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
+{
+    start({{QStringLiteral("SelectedDestination"), DestinationTagEmail}});
+    // The sheet is waited for inside the program, so that what happens in it is told in advance.
+    bool hasAsked = false;
+    whenSheetIsUp([&](QDialog* sheet) {
+        auto* name = sheet->findChild<QLineEdit*>(QStringLiteral("nameField"));
+        EXPECT_EQ(name->text(), QStringLiteral("one"));
+        name->clear();
+        EXPECT_FALSE(sheet->findChild<QPushButton*>(QStringLiteral("confirmButton"))->isEnabled());
+        QTest::keyClick(sheet, Qt::Key_Escape);
+        hasAsked = true;
+    });
+    drop({source / "one.txt"});
+    EXPECT_TRUE(waitFor([&] { return hasAsked; }));
+    EXPECT_EQ(box().files().size(), 1u) << "what was dropped stays";
+
+    box().clearFiles();
+    const fs::path archive = controller().tmpFolder() / "Week 12.zip";
+    support::writeFile(archive, "an older file");
+    whenSheetIsUp([&](QDialog* sheet) {
+        auto* name = sheet->findChild<QLineEdit*>(QStringLiteral("nameField"));
+        name->selectAll();
+        QTest::keyClicks(name, QStringLiteral("Week 12"));
+        EXPECT_EQ(controller().filename(), QStringLiteral("Week 12"));
+        QTest::keyClick(sheet, Qt::Key_Return);
+    });
+    controller().applicationOpenFile(source / "two.txt");
+    waitForSheet("ProgressWindow");
+    waitForTheEnd();
+    EXPECT_EQ(support::inspectZip(archive).names(), std::vector<std::string>{"two.txt"});
+    EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("EmailCount")), 1);
+}
+
+TEST_F(Request, stopsWhenCancelledAndSaysSo)
+{
+    support::writeFile(source / "large", std::string(300 << 20, 'x'));
+    start({{QStringLiteral("RevealWhenComplete"), false}});
+    int alerts = 0;
+    AlertPanel::setPresenter([&](const AlertPanel::Alert&) { return ++alerts; });
+    drop({source / "large", source / "one.txt"});
+    QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Return);
+    QDialog* progress = waitForSheet("ProgressWindow");
+    QTest::keyClick(progress, Qt::Key_Escape);
+    EXPECT_TRUE(progress->isVisible()) << "until the job has ended";
+    EXPECT_TRUE(waitFor([&] {
+        return progress->findChild<QLabel*>(QStringLiteral("statusTF"))->text()
+            == QLatin1String("Cancelled");
+    }));
+    waitForTheEnd();
+    EXPECT_FALSE(fs::exists(source / "Untitled.zip"));
+    EXPECT_TRUE(waitFor([&] { return alerts == 1; })) << "nothing could be moved into place";
+}
+
+TEST_F(Request, quittingInTheMiddleLeavesTheDestinationAlone)
+{
+    support::writeFile(source / "large", std::string(300 << 20, 'x'));
+    support::writeFile(source / "large.zip", "an older file");
+    start();
+    drop({source / "large"});
+    QDialog* panel = waitForSheet("savePanel");
+    bool hasAsked = false;
+    QTimer::singleShot(50, panel, [&] { // the question is waited for inside the panel
+        if (auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            hasAsked = true;
+            question->button(QMessageBox::Yes)->click();
+        }
+    });
+    QTest::keyClick(panel, Qt::Key_Return);
+    EXPECT_TRUE(hasAsked) << "whether to replace the older file";
+    waitForSheet("ProgressWindow");
+    const fs::path working = controller().tmpdirString();
+    controller().terminate(nullptr);
+    EXPECT_EQ(support::readFile(source / "large.zip"), "an older file");
+    EXPECT_TRUE(fs::is_empty(working));
+}
+
+TEST_F(Request, takesCopiedFilesFromTheClipboard)
+{
+    start();
+    struct Case {
+        const char* format;
+        const char* data;
+        DropView::Files files;
+    };
+    const Case cases[] = {
+        {"text/uri-list", "file:///a/b%20c\r\n", {"/a/b c"}},
+        {"x-special/gnome-copied-files", "copy\nfile:///a/b\nfile:///a/c", {"/a/b", "/a/c"}},
+        {"text/plain", "/a/b", {}},
+    };
+    for (const Case& each : cases) {
+        auto* copied = new QMimeData;
+        copied->setData(QLatin1String(each.format), each.data);
+        QGuiApplication::clipboard()->setMimeData(copied);
+        controller().paste(nullptr);
+        EXPECT_EQ(box().files(), each.files);
+        if (!each.files.empty())
+            QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Escape);
+    }
+}
