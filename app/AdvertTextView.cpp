@@ -91,15 +91,15 @@ void AdvertTextView::_appendLink(QTextCursor& line, const std::optional<QString>
 std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId)
 {
     static const std::map<std::int32_t, QString> blurps{
-        {0, tr("Keeps your notes where you look for them")},
-        {1, tr("Finds and removes duplicate photos")},
-        {2, tr("Renames a thousand files at once")},
+        {0, tr("Puts your downloads folder in order")},
+        {1, tr("Notes that you find again")},
+        {2, tr("Frames and resizes pictures in one go")},
         {3, tr("Sends large files without the fuss")},
-        {4, tr("Shows what fills your disk")},
-        {20, tr("A calm timer for busy days")},
-        {21, tr("Brings your bookmarks in order")},
+        {4, tr("A calm timer for busy days")},
+        {20, tr("Weaves your pages into one document")},
+        {21, tr("Draws charts from plain tables")},
         {22, tr("Free and easy zip utility")},
-        {40, tr("All our programs at half price")},
+        {40, tr("Ready for Ridgeline: everything at half price")},
     };
     const auto found = blurps.find(productId);
     return found == blurps.end() ? std::nullopt : std::optional(found->second);

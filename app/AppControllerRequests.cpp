@@ -23,6 +23,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QProgressBar>
 
@@ -122,6 +123,10 @@ SavePanel& AppController::savePanel()
 int AppController::runEmailSheet(const std::optional<QString>& proposedName)
 {
     setFilename(proposedName.value_or(QStringLiteral("Untitled")));
+    if (auto* field = _interface.emailWindow->findChild<QLineEdit*>()) {
+        field->setFocus();
+        field->selectAll(); // so that typing replaces the proposal
+    }
     return Sheets::runModal(_interface.emailWindow, _interface.mainWindow);
 }
 

@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
@@ -78,14 +80,47 @@ std::error_code renameWithoutReplacing(const fs::path& from, const fs::path& to)
     return linked ? linked : result(::unlink(from.c_str()));
 }
 
-// A hidden file beside the path that it is to have; removed unless it gets it.
+constexpr std::string_view randomLetters = "XXXXXX";
+
+// What the hidden names for a path begin with.
+std::string hiddenPrefixFor(const fs::path& to)
+{
+    const std::string tail = ".part-";
+    const long limit = ::pathconf(folderOf(to).c_str(), _PC_NAME_MAX);
+    const auto longest = static_cast<std::size_t>(limit > 0 ? limit : 255);
+    return ("." + PathString::lastPathComponent(to.native()))
+               .substr(0, longest - tail.size() - randomLetters.size())
+        + tail;
+}
+
+// Removes what a process that was killed has left on the way to the same name: nobody holds a lock
+// on it.
+void removeAbandoned(const fs::path& to)
+{
+    const std::string prefix = hiddenPrefixFor(to);
+    std::error_code unreadable; // then there is nothing to tidy up
+    for (fs::directory_iterator entry(folderOf(to), unreadable);
+         !unreadable && entry != fs::directory_iterator(); entry.increment(unreadable)) {
+        const std::string name = entry->path().filename().native();
+        if (!name.starts_with(prefix) || name.size() != prefix.size() + randomLetters.size())
+            continue;
+        const FileDescriptor file(
+            ::open(entry->path().c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0)
+            ::unlink(entry->path().c_str());
+    }
+}
+
+// A hidden file beside the path that it is to have, locked; removed unless it gets it.
 class PartFile
 {
 public:
     explicit PartFile(const fs::path& to)
-        : _path(folderOf(to) / _nameFor(to))
+        : _path(folderOf(to) / hiddenPrefixFor(to).append(randomLetters))
         , _descriptor(::mkostemp(_path.data(), O_CLOEXEC)) // exclusive and 0600
     {
+        if (_descriptor)
+            ::flock(_descriptor.number(), LOCK_EX | LOCK_NB);
     }
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
@@ -99,15 +134,6 @@ public:
     [[nodiscard]] const std::string& path() const { return _path; }
 
 private:
-    static std::string _nameFor(const fs::path& to)
-    {
-        const std::string suffix = ".part-XXXXXX";
-        const long limit = ::pathconf(folderOf(to).c_str(), _PC_NAME_MAX);
-        const auto longest = static_cast<std::size_t>(limit > 0 ? limit : 255);
-        return ("." + PathString::lastPathComponent(to.native())).substr(0, longest - suffix.size())
-            + suffix;
-    }
-
     std::string _path;
     FileDescriptor _descriptor;
 };
@@ -117,6 +143,7 @@ std::error_code moveAcrossFileSystems(const fs::path& from, const fs::path& to)
     const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     if (!source)
         return lastError();
+    removeAbandoned(to);
     const PartFile part(to);
     if (part.descriptor() < 0)
         return lastError();

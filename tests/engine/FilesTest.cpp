@@ -140,10 +140,15 @@ TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
     EXPECT_EQ(namesIn(other / "to"), std::vector<std::string>{"taken"});
     EXPECT_EQ(readFile(folder / "from"), content);
 
+    const std::string hidden = "to/." + longName.substr(0, 242) + ".part-";
+    writeFile(other / (hidden + "abcdef"), "of a process that was killed");
+    writeFile(other / (hidden + "five5"), "of somebody else");
     inThread([&] {
         letFail(SYS_copy_file_range, EXDEV); // an older kernel
         EXPECT_FALSE(FileMove::moveItem(folder / "from", other / ("to/" + longName)));
     });
+    EXPECT_FALSE(fs::exists(other / (hidden + "abcdef")));
+    EXPECT_TRUE(fs::remove(other / (hidden + "five5")));
     EXPECT_EQ(namesIn(other / "to"), (std::vector<std::string>{longName, "taken"}));
     EXPECT_EQ(readFile(other / ("to/" + longName)), content);
     const auto after = snapshot(other / "to").at(longName);
