@@ -13,6 +13,8 @@
 void Program::SetUp()
 {
     AlertPanelWindow::presentAlerts();
+    Workspace::setSharedWorkspace(&workspace);
+    MailComposer::setSharedComposer(&composer);
     UserDefaults::setStandardUserDefaults(
         std::make_unique<UserDefaults>(folder.path() / ("settings" + std::to_string(++_worlds))));
 }
@@ -21,6 +23,8 @@ void Program::TearDown()
 {
     _interface.reset();
     _controller.reset();
+    Workspace::setSharedWorkspace(nullptr);
+    MailComposer::setSharedComposer(nullptr);
 }
 
 void Program::start(

@@ -2,7 +2,9 @@
 
 #include "app/AppController.h"
 #include "app/MainInterface.h"
+#include "platform/desktop/MailComposer.h"
 #include "platform/desktop/MainQueueTimers.h"
+#include "platform/desktop/Workspace.h"
 #include "tests/support/TestFolder.h"
 
 #include <QDialog>
@@ -15,6 +17,37 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+// The desktop as the program asks for it: notes everything, does nothing.
+class NotingWorkspace : public Workspace
+{
+public:
+    bool openURL(const QUrl& url) override
+    {
+        opened.push_back(url.toString().toStdString());
+        return true;
+    }
+    void selectFile(const std::filesystem::path& path,
+        const std::optional<std::filesystem::path>& /*inFileViewerRootedAtPath*/) override
+    {
+        revealed.push_back(path);
+    }
+
+    std::vector<std::string> opened;
+    std::vector<std::filesystem::path> revealed;
+};
+
+class NotingComposer : public MailComposer
+{
+public:
+    bool composeMessage(const std::filesystem::path& attachment) override
+    {
+        mailed.push_back(attachment);
+        return true;
+    }
+
+    std::vector<std::filesystem::path> mailed;
+};
 
 // The program with its window in this process, with settings of its own that begin empty.
 class Program : public ::testing::Test
@@ -46,6 +79,8 @@ protected:
     void whenSheetIsUp(const std::function<void(QDialog*)>& action);
 
     support::TestFolder folder;
+    NotingWorkspace workspace;
+    NotingComposer composer;
 
 private:
     int _worlds = 0; // settings made: a test may begin anew

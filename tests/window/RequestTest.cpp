@@ -88,7 +88,7 @@ TEST_F(Request, proposesTheNameOfASingleItem)
 
 TEST_F(Request, makesTheArchiveBesideTheSource)
 {
-    start({{QStringLiteral("RevealWhenComplete"), false}});
+    start();
     support::writeFile(source / "Untitled.v2.zip", "an older file");
     drop({source / "one.txt", source / "two.txt"});
     QDialog* panel = waitForSheet("savePanel");
@@ -107,6 +107,7 @@ TEST_F(Request, makesTheArchiveBesideTheSource)
     EXPECT_EQ(support::inspectZip(source / "New.v2.zip").names(),
         (std::vector<std::string>{"one.txt", "two.txt"}));
     EXPECT_EQ(support::readFile(source / "Untitled.v2.zip"), "an older file");
+    EXPECT_EQ(workspace.revealed, std::vector<fs::path>{source / "New.v2.zip"});
     EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("UsageCount")), 1);
 }
 
@@ -153,6 +154,8 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     waitForSheet("ProgressWindow");
     waitForTheEnd();
     EXPECT_EQ(support::inspectZip(archive).names(), std::vector<std::string>{"two.txt"});
+    EXPECT_EQ(composer.mailed, std::vector<fs::path>{archive});
+    EXPECT_TRUE(workspace.revealed.empty());
     EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("EmailCount")), 1);
 }
 
