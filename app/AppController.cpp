@@ -19,6 +19,7 @@
 
 #include <QCoreApplication>
 #include <QMenuBar>
+#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -114,6 +115,14 @@ void AppController::applicationDidFinishLaunching()
     menu->removeAction(menu->actions().value(1));
     if (defaults.boolForKey(QStringLiteral("CheckAtStartup")))
         checkForUpdatesInBackground();
+}
+
+void AppController::_afterDelay(double seconds, std::function<void()> runBlock)
+{
+    QKUtility::afterDelay(seconds, [self = QPointer(this), block = std::move(runBlock)] {
+        if (self)
+            block();
+    });
 }
 
 bool AppController::windowShouldClose(QObject* sender)

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -199,6 +200,9 @@ Q_SIGNALS:
 
 private:
     struct Prompt;
+
+    // QKUtility::afterDelay() for a block that uses this object: it does not run without it.
+    void _afterDelay(double seconds, std::function<void()> runBlock);
 
     void _startArchiving(const Path& path);
     std::optional<Path> _runArchiver(const Path& path);

@@ -9,7 +9,6 @@
 #include "platform/desktop/PathText.h"
 #include "platform/desktop/UserDefaults.h"
 #include "shared/Library/PopUpButtonExtras.h"
-#include "shared/Library/QKUtility.h"
 #include "shared/Library/QKWindow.h"
 
 #include <QDir>
@@ -124,7 +123,7 @@ void AppController::addDestination(QObject* /*sender*/)
                 _interface.destinationPop->selectItemWithTag(selectedDestination());
                 return;
             }
-            QKUtility::afterDelay(
+            _afterDelay(
                 0, [this, path = PathText::textOf(paths.front())] { addDestinationPath(path); });
         });
 }

@@ -9,7 +9,6 @@
 #include "platform/desktop/Tag.h"
 #include "platform/desktop/UserDefaults.h"
 #include "platform/desktop/Workspace.h"
-#include "shared/Library/QKUtility.h"
 #include "shared/Library/QKWebsite.h"
 #include "shared/Library/QKWindow.h"
 
@@ -80,8 +79,7 @@ void AppController::checkForUpdatesInBackground()
     if (Sheets::attachedSheet(_interface.mainWindow) == nullptr)
         updater().checkForUpdatesInBackground();
     else
-        QKUtility::afterDelay(
-            updateRetryDelay, [this] { checkForUpdatesInBackgroundLastAttempt(); });
+        _afterDelay(updateRetryDelay, [this] { checkForUpdatesInBackgroundLastAttempt(); });
 }
 
 void AppController::checkForUpdatesInBackgroundLastAttempt()

@@ -16,7 +16,6 @@
 #include "platform/desktop/Tag.h"
 #include "platform/desktop/UserDefaults.h"
 #include "platform/desktop/Workspace.h"
-#include "shared/Library/QKUtility.h"
 #include "shared/Library/QKWindow.h"
 
 #include <QClipboard>
@@ -70,7 +69,7 @@ std::string mailScript(const std::string& path)
 bool AppController::applicationOpenFile(const Path& path)
 {
     if (_interface.saveDropView->files().empty())
-        QKUtility::afterDelay(openDelay, [this] { startProcessing(this); });
+        _afterDelay(openDelay, [this] { startProcessing(this); });
     _interface.saveDropView->addFileWithPath(path);
     ++_dockDropCount;
     return true;
@@ -226,7 +225,7 @@ void AppController::composeEmailWithAttachment(const Path& path)
 void AppController::_tell(const QString& title, const QString& message)
 {
     if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
-        QKUtility::afterDelay(tellRetryDelay, [this, title, message] { _tell(title, message); });
+        _afterDelay(tellRetryDelay, [this, title, message] { _tell(title, message); });
         return;
     }
     _interface.mainWindow->runMessageSheetWithTitle(title, message);
@@ -296,12 +295,12 @@ void AppController::archiverCompletedWithStatus(int status)
         _interface.progress->setValue(_interface.progress->maximum());
     });
     _work.sleepFor(pauseAfterCompletion);
-    QKUtility::afterDelay(sheetCloseDelay, [this] {
+    _afterDelay(sheetCloseDelay, [this] {
         _interface.progressWindow->hide();
         _interface.advertTextView->setProductId(randomProductId());
     });
     if (_shouldAutoQuit)
-        QKUtility::afterDelay(autoQuitDelay, [this] { terminate(this); });
+        _afterDelay(autoQuitDelay, [this] { terminate(this); });
 }
 
 Archiver& AppController::archiver()

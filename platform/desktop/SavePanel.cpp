@@ -70,13 +70,16 @@ void SavePanel::beginSheetModalForWindow(QWidget* window, CompletionHandler comp
     Sheets::begin(this, window);
 }
 
-// Qt gives its default suffix only to names without any dot.
+// Qt gives its default suffix only to names without any dot, and takes the name of a folder for a
+// wish to go there: the archive of a folder is usually made beside it, under its name. Only what is
+// written as a path is a place to go to.
 void SavePanel::accept()
 {
     const QString name = _nameField()->text();
     const QString suffix = QLatin1Char('.') + _allowedFileType;
-    const bool isFolder = name.isEmpty() || QFileInfo(directory(), name).isDir();
-    if (!isFolder && !name.endsWith(suffix, Qt::CaseInsensitive))
+    const bool isPath = name.contains(QLatin1Char('/')) || name == QLatin1String("..");
+    const bool isPlace = name.isEmpty() || (isPath && QFileInfo(directory(), name).isDir());
+    if (!isPlace && !name.endsWith(suffix, Qt::CaseInsensitive))
         _nameField()->setText(name + suffix);
     QFileDialog::accept();
 }

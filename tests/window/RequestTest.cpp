@@ -111,6 +111,16 @@ TEST_F(Request, makesTheArchiveBesideTheSource)
     EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("UsageCount")), 1);
 }
 
+TEST_F(Request, makesTheArchiveOfAFolderBesideIt)
+{
+    start();
+    drop({source});
+    QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Return);
+    waitForSheet("ProgressWindow");
+    waitForTheEnd();
+    EXPECT_EQ(support::inspectZip(folder / "source.zip").names().size(), 4u);
+}
+
 TEST_F(Request, putsDocumentsOpenedTogetherIntoOneArchive)
 {
     start({{QStringLiteral("RevealWhenComplete"), false}, {QStringLiteral("AutoQuit"), true}},
