@@ -77,8 +77,8 @@ AppController::AppController()
     : _preferenceController(std::make_unique<PreferenceController>(this))
 {
     // Made and let go at once, which is intended.
-    AdvertTextView();
-    QKWindow();
+    (void)std::make_unique<AdvertTextView>();
+    (void)std::make_unique<QKWindow>();
 
     migrateUpdaterSwitch(QStringLiteral("CheckAtStartup")); // only a choice that was stored counts
     UserDefaultsExtras::registerDefaultsWithResource(
@@ -216,7 +216,7 @@ std::optional<AppController::Path> AppController::tmpdir()
     const auto take = [this](const Path& path) {
         ::mkdir(path.c_str(), 0700); // may be there
         _tmpdirHold = ScratchFolder::hold(path);
-        return bool(_tmpdirHold);
+        return static_cast<bool>(_tmpdirHold);
     };
     if (take(tmpdirString()))
         return _tmpdirString;

@@ -35,9 +35,9 @@ quietly() {
     return $status
 }
 
-# build PRESET TARGET [OPTION…]: configures and builds build/PRESET, and says nothing if all is well.
+# build PRESET TARGETS [OPTION…]: configures and builds build/PRESET, and says nothing if all is well.
 build() {
-    local preset=$1 target=$2
+    local preset=$1 targets=$2
     shift 2
-    (cd "$root" && quietly cmake --preset "$preset" "$@" && quietly cmake --build --preset "$preset" --target "$target")
+    (cd "$root" && quietly cmake --preset "$preset" "$@" && quietly cmake --build --preset "$preset" --target $targets)
 }
