@@ -3,6 +3,7 @@
 #include "shared/Library/BezierPathExtras.h"
 #include "tests/window/Program.h"
 
+#include <QAccessible>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPainterPath>
@@ -142,6 +143,22 @@ TEST_F(DropBox, isPressedByKeyToChooseFiles)
         serveEventsFor(20);
     }
     EXPECT_TRUE(box().files().empty());
+}
+
+TEST_F(DropBox, andItsNeighboursAreKnownToScreenReaders)
+{
+    start();
+    const std::pair<const char*, QAccessible::Role> parts[] = {
+        {"saveDropView", QAccessible::Button},
+        {"destinationPop", QAccessible::ButtonMenu},
+        {"progress", QAccessible::ProgressBar},
+        {"nameField", QAccessible::EditableText},
+    };
+    for (const auto& [name, role] : parts) {
+        QAccessibleInterface* part = QAccessible::queryAccessibleInterface(find<QWidget>(name));
+        EXPECT_EQ(part->role(), role) << name;
+        EXPECT_FALSE(part->text(QAccessible::Name).isEmpty()) << name;
+    }
 }
 
 TEST(RoundRectPath, hasItsSidesHalfAPointInsideAndClampsTheRadius)
