@@ -139,8 +139,9 @@ void AppController::terminate(QObject* /*sender*/)
 {
     if (_work.isRunning())
         _work.end([this] { archiver().abandon(); });
+    // quit() would ask the windows first, and the progress sheet does not close.
     if (applicationShouldTerminate() == TerminateReply::now)
-        QCoreApplication::quit();
+        QCoreApplication::exit(0);
 }
 
 // A process that never mailed an archive makes the folder here and removes it, which is intended.
