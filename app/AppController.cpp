@@ -17,7 +17,6 @@
 #include "shared/Library/QKWindow.h"
 #include "shared/Library/UserDefaultsExtras.h"
 
-#include <QCoreApplication>
 #include <QMenuBar>
 #include <QPointer>
 #include <QTimer>
@@ -139,9 +138,8 @@ void AppController::terminate(QObject* /*sender*/)
 {
     if (_work.isRunning())
         _work.end([this] { archiver().abandon(); });
-    // quit() would ask the windows first, and the progress sheet does not close.
     if (applicationShouldTerminate() == TerminateReply::now)
-        QCoreApplication::exit(0);
+        Q_EMIT terminated();
 }
 
 // A process that never mailed an archive makes the folder here and removes it, which is intended.

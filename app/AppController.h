@@ -42,6 +42,7 @@ class AppController : public QObject, public MenuItemValidation
     Q_OBJECT
     Q_PROPERTY(QString appName READ appName CONSTANT)
     Q_PROPERTY(QString bundleIdentifier READ bundleIdentifier CONSTANT)
+    Q_PROPERTY(int runCount READ runCount CONSTANT)
     Q_PROPERTY(QString filename READ filename WRITE setFilename NOTIFY filenameChanged)
     Q_PROPERTY(bool filenameIsValid READ filenameIsValid NOTIFY filenameChanged)
     Q_PROPERTY(QString previewText READ previewText NOTIFY previewTextChanged)
@@ -193,6 +194,7 @@ public:
     [[nodiscard]] static std::int32_t randomProductId(double secondsSinceReferenceDate);
 
 Q_SIGNALS:
+    void terminated(); // the program may end now
     void filenameChanged();
     void previewTextChanged();
     void selectedDestinationChanged();

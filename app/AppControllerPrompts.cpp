@@ -13,6 +13,7 @@
 #include "shared/Library/QKWindow.h"
 
 #include <QDateTime>
+#include <QStandardPaths>
 
 #include <array>
 #include <cmath>
@@ -30,6 +31,14 @@ constexpr std::array<std::int32_t, 7> advertised{0, 1, 2, 3, 4, 21, 20};
 QDateTime referenceDate()
 {
     return {QDate(2001, 1, 1), QTime(0, 0), Qt::UTC};
+}
+
+// The sibling product keeps its settings where ours are kept.
+bool hasSendora()
+{
+    return !QStandardPaths::locate(
+        QStandardPaths::GenericConfigLocation, QStringLiteral("sendora/sendora.conf"))
+                .isEmpty();
 }
 
 } // namespace
@@ -91,7 +100,7 @@ void AppController::checkForUpdatesInBackgroundLastAttempt()
 void AppController::sellSendora()
 {
     const QString key = QStringLiteral("SellSendora");
-    if (!UserDefaults::standardUserDefaults().boolForKey(key))
+    if (hasSendora() || !UserDefaults::standardUserDefaults().boolForKey(key))
         return;
     const QString message = tr(
         "If you enjoy the way Parcelo makes it easy to zip and email files in one step, you will "

@@ -76,6 +76,9 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
 
     AppController controller;
     MainInterface interface(controller);
+    // quit() would ask the windows first, and the progress sheet does not close.
+    QObject::connect(&controller, &AppController::terminated, &application,
+        [] { QCoreApplication::exit(EXIT_SUCCESS); });
     QSocketNotifier interrupted(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&interrupted, &QSocketNotifier::activated, &controller, [&] {
         if (signals.take())

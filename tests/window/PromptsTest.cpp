@@ -1,10 +1,13 @@
 #include "platform/desktop/Sheets.h"
 #include "platform/desktop/Tag.h"
 #include "platform/desktop/UserDefaults.h"
+#include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
 #include <QLabel>
 #include <QPushButton>
+
+#include <cstdlib>
 
 namespace
 {
@@ -77,6 +80,17 @@ TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnswered)
                 ask(); // shows nothing, or this would wait for ever
         }
     }
+}
+
+TEST_F(Prompts, nobodyIsOfferedWhatTheyHave)
+{
+    start();
+    const auto settings
+        = std::filesystem::path(std::getenv("XDG_CONFIG_HOME")) / "sendora/sendora.conf";
+    support::writeFile(settings, "");
+    controller().sellSendora(); // shows nothing, or this would wait for ever
+    std::filesystem::remove(settings);
+    EXPECT_TRUE(UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SellSendora")));
 }
 
 TEST_F(Prompts, theSecondMessageEverBringsTheOffer)
