@@ -1,0 +1,570 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>About</name>
+    <message>
+        <source>About Parcelo</source>
+        <translation>Über Parcelo</translation>
+    </message>
+    <message>
+        <source>&lt;p align=&quot;center&quot;&gt;Turns files into an archive in one gesture.&lt;/p&gt;</source>
+        <translation>&lt;p align=&quot;center&quot;&gt;Macht aus Dateien ein Archiv, mit einem Handgriff.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&amp;Send Mail</source>
+        <translation>&amp;Mail senden</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>&amp;Website besuchen</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>&amp;Kommentar schreiben</translation>
+    </message>
+</context>
+<context>
+    <name>AccessoryView</name>
+    <message>
+        <source>&amp;Archive type:</source>
+        <translation>&amp;Archivtyp:</translation>
+    </message>
+    <message>
+        <source>Archive type</source>
+        <translation>Archivtyp</translation>
+    </message>
+    <message>
+        <source>Zip</source>
+        <translation>Zip</translation>
+    </message>
+    <message>
+        <source>Zip with extended attributes</source>
+        <translation>Zip mit erweiterten Attributen</translation>
+    </message>
+</context>
+<context>
+    <name>AdvertTextView</name>
+    <message>
+        <source>About the maker&apos;s products</source>
+        <translation>Über die Produkte des Herstellers</translation>
+    </message>
+    <message>
+        <source>Brought to you by </source>
+        <translation>Präsentiert von </translation>
+    </message>
+    <message>
+        <source>Puts your downloads folder in order</source>
+        <translation>Bringt Ordnung in den Download-Ordner</translation>
+    </message>
+    <message>
+        <source>Notes that you find again</source>
+        <translation>Notizen, die man wiederfindet</translation>
+    </message>
+    <message>
+        <source>Frames and resizes pictures in one go</source>
+        <translation>Rahmt und skaliert Bilder in einem Zug</translation>
+    </message>
+    <message>
+        <source>Sends large files without the fuss</source>
+        <translation>Verschickt große Dateien ohne Umstände</translation>
+    </message>
+    <message>
+        <source>A calm timer for busy days</source>
+        <translation>Ein ruhiger Timer für volle Tage</translation>
+    </message>
+    <message>
+        <source>Weaves your pages into one document</source>
+        <translation>Verwebt Ihre Seiten zu einem Dokument</translation>
+    </message>
+    <message>
+        <source>Draws charts from plain tables</source>
+        <translation>Zeichnet Diagramme aus einfachen Tabellen</translation>
+    </message>
+    <message>
+        <source>Free and easy zip utility</source>
+        <translation>Kostenloses und einfaches Zip-Programm</translation>
+    </message>
+    <message>
+        <source>Ready for Ridgeline: everything at half price</source>
+        <translation>Bereit für Ridgeline: alles zum halben Preis</translation>
+    </message>
+</context>
+<context>
+    <name>AppController</name>
+    <message>
+        <source>Same as source</source>
+        <translation>Wie die Quelle</translation>
+    </message>
+    <message>
+        <source>Email</source>
+        <translation>E-Mail</translation>
+    </message>
+    <message>
+        <source>Remove Selected Entry</source>
+        <translation>Ausgewählten Eintrag entfernen</translation>
+    </message>
+    <message>
+        <source>Choose a Folder ...</source>
+        <translation>Ordner auswählen …</translation>
+    </message>
+    <message>
+        <source>If you enjoy the way Parcelo makes it easy to zip and email files in one step, you will love Sendora.
+
+Sendora combines the drag-and-drop simplicity of Parcelo with the ability to send large files.</source>
+        <translation>Wenn Ihnen gefällt, wie einfach Parcelo Dateien in einem Schritt packt und verschickt, werden Sie Sendora lieben.
+
+Sendora verbindet das einfache Ziehen und Ablegen von Parcelo mit dem Versand großer Dateien.</translation>
+    </message>
+    <message>
+        <source>
+
+For a limited time, apply coupon code &apos;KVW5&apos; (write this down!) during checkout to receive a 30%% discount on Sendora.
+
+Hurry! Offer expires Oct 31, 2010.</source>
+        <translation>
+
+Nur für kurze Zeit: Mit dem Gutscheincode „KVW5“ (bitte notieren!) erhalten Sie beim Kauf 30%% Rabatt auf Sendora.
+
+Beeilen Sie sich! Das Angebot endet am 31. Oktober 2010.</translation>
+    </message>
+    <message>
+        <source>Sendora Special Offer</source>
+        <translation>Sendora-Sonderangebot</translation>
+    </message>
+    <message>
+        <source>Sendora</source>
+        <translation>Sendora</translation>
+    </message>
+    <message>
+        <source>Learn More</source>
+        <translation>Mehr erfahren</translation>
+    </message>
+    <message>
+        <source>Maybe Next Time</source>
+        <translation>Vielleicht nächstes Mal</translation>
+    </message>
+    <message>
+        <source>Don&apos;t Ask Again</source>
+        <translation>Nicht mehr fragen</translation>
+    </message>
+    <message>
+        <source>Share on Facebook</source>
+        <translation>Auf Facebook teilen</translation>
+    </message>
+    <message>
+        <source>As an independent developer, our single greatest challenge is getting the word out.  Please consider taking a minute to share %1 on your Facebook and help spread the word.
+
+Thank you!</source>
+        <translation>Als unabhängige Entwickler ist es für uns am schwersten, bekannt zu werden.  Bitte nehmen Sie sich eine Minute Zeit, um %1 auf Facebook zu teilen und weiterzuempfehlen.
+
+Vielen Dank!</translation>
+    </message>
+    <message>
+        <source>Maybe next time</source>
+        <translation>Vielleicht nächstes Mal</translation>
+    </message>
+    <message>
+        <source>Don&apos;t ask again</source>
+        <translation>Nicht mehr fragen</translation>
+    </message>
+    <message>
+        <source>We Need Your Help!</source>
+        <translation>Wir brauchen Ihre Hilfe!</translation>
+    </message>
+    <message>
+        <source>As an indie developer, our biggest challenge is getting the word out.  Please take a minute to rate %1 on the App Store and help spread the word.
+
+Thank you!</source>
+        <translation>Als unabhängige Entwickler ist es für uns am schwersten, bekannt zu werden.  Bitte nehmen Sie sich eine Minute Zeit, um %1 im App Store zu bewerten und weiterzuempfehlen.
+
+Vielen Dank!</translation>
+    </message>
+    <message>
+        <source>Rate %1</source>
+        <translation>%1 bewerten</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>The archive could not be made: %1.</source>
+        <translation>Das Archiv konnte nicht erstellt werden: %1.</translation>
+    </message>
+    <message>
+        <source>The message could not be made</source>
+        <translation>Die Nachricht konnte nicht erstellt werden</translation>
+    </message>
+    <message>
+        <source>No mail program took the archive. You can attach it yourself; it stays until you quit:
+%1</source>
+        <translation>Kein Mailprogramm hat das Archiv angenommen. Sie können es selbst anhängen; es bleibt, bis Sie das Programm beenden:
+%1</translation>
+    </message>
+    <message>
+        <source>Please check the attachment</source>
+        <translation>Bitte prüfen Sie den Anhang</translation>
+    </message>
+    <message>
+        <source>Your mail program was asked to attach the archive, but does not tell whether it did. If it is missing, you find it here until you quit:
+%1</source>
+        <translation>Das Mailprogramm wurde gebeten, das Archiv anzuhängen, meldet aber nicht, ob es das getan hat. Falls es fehlt, finden Sie es bis zum Beenden hier:
+%1</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>Das Archiv ist fertig</translation>
+    </message>
+    <message>
+        <source>No file manager could be asked to show it:
+%1</source>
+        <translation>Kein Dateimanager konnte es zeigen:
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>DropView</name>
+    <message>
+        <source>Drop Files Here</source>
+        <translation>Dateien hier ablegen</translation>
+    </message>
+    <message>
+        <source>Drop files and folders here, or press to choose files</source>
+        <translation>Legen Sie hier Dateien und Ordner ab oder drücken Sie, um Dateien auszuwählen</translation>
+    </message>
+</context>
+<context>
+    <name>EmailWindow</name>
+    <message>
+        <source>Email Archive</source>
+        <translation>Archiv per E-Mail senden</translation>
+    </message>
+    <message>
+        <source>The archive will be attached to a new message.</source>
+        <translation>Das Archiv wird an eine neue Nachricht angehängt.</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>Archive name</source>
+        <translation>Name des Archivs</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
+    </message>
+</context>
+<context>
+    <name>FeedDownload</name>
+    <message>
+        <source>What the server sends is too large to be a list of versions.</source>
+        <translation>Was der Server sendet, ist zu groß für eine Versionsliste.</translation>
+    </message>
+    <message>
+        <source>The server does not answer in time.</source>
+        <translation>Der Server antwortet nicht rechtzeitig.</translation>
+    </message>
+    <message>
+        <source>The server answers with error %1.</source>
+        <translation>Der Server antwortet mit Fehler %1.</translation>
+    </message>
+</context>
+<context>
+    <name>Localizable</name>
+    <message>
+        <source>Completed</source>
+        <translation>Fertig</translation>
+    </message>
+    <message>
+        <source>Cancelled</source>
+        <translation>Abgebrochen</translation>
+    </message>
+    <message>
+        <source>TYPE_MAC</source>
+        <translation>Bewahrt auch Resource-Forks und erweiterte Attribute, in einem eigenen Ordner.</translation>
+    </message>
+    <message>
+        <source>TYPE_PC</source>
+        <translation>Lässt sich auf jedem Computer öffnen. Rechte, Zeiten und Links bleiben erhalten.</translation>
+    </message>
+    <message>
+        <source>Okay</source>
+        <translation>Okay</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>&amp;Destination:</source>
+        <translation>&amp;Ziel:</translation>
+    </message>
+    <message>
+        <source>Destination</source>
+        <translation>Ziel</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>&amp;Fenster</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files…</source>
+        <translation>Dateien aus&amp;wählen…</translation>
+    </message>
+    <message>
+        <source>Choose a &amp;Folder…</source>
+        <translation>&amp;Ordner auswählen…</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Paste Files</source>
+        <translation>Dateien &amp;einfügen</translation>
+    </message>
+    <message>
+        <source>P&amp;references…</source>
+        <translation>Ei&amp;nstellungen…</translation>
+    </message>
+    <message>
+        <source>&amp;Minimize</source>
+        <translation>&amp;Minimieren</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom</source>
+        <translation>&amp;Zoomen</translation>
+    </message>
+    <message>
+        <source>Parcelo &amp;Help</source>
+        <translation>Parcelo-&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>&amp;Website besuchen</translation>
+    </message>
+    <message>
+        <source>Visit F&amp;orum</source>
+        <translation>&amp;Forum besuchen</translation>
+    </message>
+    <message>
+        <source>&amp;Share on Facebook</source>
+        <translation>Auf Facebook &amp;teilen</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>&amp;Kommentar schreiben</translation>
+    </message>
+    <message>
+        <source>Visit Sho&amp;p</source>
+        <translation>&amp;Shop besuchen</translation>
+    </message>
+    <message>
+        <source>Check for &amp;Updates…</source>
+        <translation>Nach &amp;Updates suchen…</translation>
+    </message>
+    <message>
+        <source>&amp;About Parcelo</source>
+        <translation>Ü&amp;ber Parcelo</translation>
+    </message>
+</context>
+<context>
+    <name>OpenPanel</name>
+    <message>
+        <source>Choose Files to Archive</source>
+        <translation>Zu archivierende Dateien auswählen</translation>
+    </message>
+    <message>
+        <source>Choose a Folder</source>
+        <translation>Ordner auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>Preference</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archive</translation>
+    </message>
+    <message>
+        <source>Com&amp;pression:</source>
+        <translation>Kom&amp;pression:</translation>
+    </message>
+    <message>
+        <source>faster</source>
+        <translation>schneller</translation>
+    </message>
+    <message>
+        <source>Compression level</source>
+        <translation>Kompressionsstufe</translation>
+    </message>
+    <message>
+        <source>smaller</source>
+        <translation>kleiner</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the extension in the proposed name</source>
+        <translation>&amp;Dateiendung im vorgeschlagenen Namen behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Show the finished archive in the file manager</source>
+        <translation>Fertiges Archiv im Datei&amp;manager zeigen</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programm</translation>
+    </message>
+    <message>
+        <source>&amp;Quit after archiving files opened with the icon</source>
+        <translation>Nach dem Archivieren per &amp;Symbol geöffneter Dateien beenden</translation>
+    </message>
+    <message>
+        <source>Keep &amp;running when the window is closed</source>
+        <translation>Beim Schließen des Fensters weiter&amp;laufen</translation>
+    </message>
+    <message>
+        <source>Check for &amp;updates at start</source>
+        <translation>Beim Start nach &amp;Updates suchen</translation>
+    </message>
+    <message>
+        <source>&amp;Hide the line about our other products</source>
+        <translation>&amp;Zeile über unsere anderen Produkte ausblenden</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressWindow</name>
+    <message>
+        <source>Making Archive</source>
+        <translation>Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>QKWindow</name>
+    <message>
+        <source>Hide Toolbar</source>
+        <translation>Symbolleiste ausblenden</translation>
+    </message>
+    <message>
+        <source>Show Toolbar</source>
+        <translation>Symbolleiste einblenden</translation>
+    </message>
+</context>
+<context>
+    <name>SUUpdater</name>
+    <message>
+        <source>No address to look for new versions at is set.</source>
+        <translation>Es ist keine Adresse eingestellt, unter der nach neuen Versionen gesucht wird.</translation>
+    </message>
+    <message>
+        <source>The list of versions cannot be read.</source>
+        <translation>Die Versionsliste kann nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>%1 is up to date.</source>
+        <translation>%1 ist auf dem neuesten Stand.</translation>
+    </message>
+    <message>
+        <source>You have version %1, and there is none that is newer.</source>
+        <translation>Sie haben Version %1, und es gibt keine neuere.</translation>
+    </message>
+    <message>
+        <source>It was not possible to look for new versions.</source>
+        <translation>Die Suche nach neuen Versionen war nicht möglich.</translation>
+    </message>
+</context>
+<context>
+    <name>SavePanel</name>
+    <message>
+        <source>Save Archive</source>
+        <translation>Archiv sichern</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>Sichern in:</translation>
+    </message>
+    <message>
+        <source>Archives (*.%1)</source>
+        <translation>Archive (*.%1)</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateSheet</name>
+    <message>
+        <source>Software Update</source>
+        <translation>Softwareaktualisierung</translation>
+    </message>
+    <message>
+        <source>An important update of %1 is available.</source>
+        <translation>Ein wichtiges Update für %1 ist verfügbar.</translation>
+    </message>
+    <message>
+        <source>A new version of %1 is available.</source>
+        <translation>Eine neue Version von %1 ist verfügbar.</translation>
+    </message>
+    <message>
+        <source>%1 %2 can be downloaded; you have %3.</source>
+        <translation>%1 %2 kann geladen werden; Sie haben %3.</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>Was ist neu</translation>
+    </message>
+    <message>
+        <source>&amp;Not Now</source>
+        <translation>&amp;Nicht jetzt</translation>
+    </message>
+    <message>
+        <source>&amp;Open Download Page</source>
+        <translation>&amp;Download-Seite öffnen</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,570 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es">
+<context>
+    <name>About</name>
+    <message>
+        <source>About Parcelo</source>
+        <translation>Acerca de Parcelo</translation>
+    </message>
+    <message>
+        <source>&lt;p align=&quot;center&quot;&gt;Turns files into an archive in one gesture.&lt;/p&gt;</source>
+        <translation>&lt;p align=&quot;center&quot;&gt;Convierte archivos en un paquete con un solo gesto.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&amp;Send Mail</source>
+        <translation>&amp;Enviar correo</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>Visitar el sitio &amp;web</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>Escribir un &amp;comentario</translation>
+    </message>
+</context>
+<context>
+    <name>AccessoryView</name>
+    <message>
+        <source>&amp;Archive type:</source>
+        <translation>&amp;Tipo de archivo:</translation>
+    </message>
+    <message>
+        <source>Archive type</source>
+        <translation>Tipo de archivo</translation>
+    </message>
+    <message>
+        <source>Zip</source>
+        <translation>Zip</translation>
+    </message>
+    <message>
+        <source>Zip with extended attributes</source>
+        <translation>Zip con atributos extendidos</translation>
+    </message>
+</context>
+<context>
+    <name>AdvertTextView</name>
+    <message>
+        <source>About the maker&apos;s products</source>
+        <translation>Sobre los productos del fabricante</translation>
+    </message>
+    <message>
+        <source>Brought to you by </source>
+        <translation>Presentado por </translation>
+    </message>
+    <message>
+        <source>Puts your downloads folder in order</source>
+        <translation>Pone en orden su carpeta de descargas</translation>
+    </message>
+    <message>
+        <source>Notes that you find again</source>
+        <translation>Notas que se vuelven a encontrar</translation>
+    </message>
+    <message>
+        <source>Frames and resizes pictures in one go</source>
+        <translation>Enmarca y redimensiona imágenes de una vez</translation>
+    </message>
+    <message>
+        <source>Sends large files without the fuss</source>
+        <translation>Envía archivos grandes sin complicaciones</translation>
+    </message>
+    <message>
+        <source>A calm timer for busy days</source>
+        <translation>Un temporizador tranquilo para días ajetreados</translation>
+    </message>
+    <message>
+        <source>Weaves your pages into one document</source>
+        <translation>Reúne sus páginas en un solo documento</translation>
+    </message>
+    <message>
+        <source>Draws charts from plain tables</source>
+        <translation>Dibuja gráficos a partir de tablas sencillas</translation>
+    </message>
+    <message>
+        <source>Free and easy zip utility</source>
+        <translation>Utilidad zip gratuita y sencilla</translation>
+    </message>
+    <message>
+        <source>Ready for Ridgeline: everything at half price</source>
+        <translation>Listos para Ridgeline: todo a mitad de precio</translation>
+    </message>
+</context>
+<context>
+    <name>AppController</name>
+    <message>
+        <source>Same as source</source>
+        <translation>Igual que el origen</translation>
+    </message>
+    <message>
+        <source>Email</source>
+        <translation>Correo electrónico</translation>
+    </message>
+    <message>
+        <source>Remove Selected Entry</source>
+        <translation>Eliminar la entrada seleccionada</translation>
+    </message>
+    <message>
+        <source>Choose a Folder ...</source>
+        <translation>Elegir una carpeta…</translation>
+    </message>
+    <message>
+        <source>If you enjoy the way Parcelo makes it easy to zip and email files in one step, you will love Sendora.
+
+Sendora combines the drag-and-drop simplicity of Parcelo with the ability to send large files.</source>
+        <translation>Si le gusta lo fácil que resulta comprimir y enviar archivos en un solo paso con Parcelo, le encantará Sendora.
+
+Sendora combina la sencillez de arrastrar y soltar de Parcelo con el envío de archivos grandes.</translation>
+    </message>
+    <message>
+        <source>
+
+For a limited time, apply coupon code &apos;KVW5&apos; (write this down!) during checkout to receive a 30%% discount on Sendora.
+
+Hurry! Offer expires Oct 31, 2010.</source>
+        <translation>
+
+Por tiempo limitado, use el código «KVW5» (¡apúntelo!) al comprar y obtenga un descuento del 30%% en Sendora.
+
+¡Dese prisa! La oferta termina el 31 de octubre de 2010.</translation>
+    </message>
+    <message>
+        <source>Sendora Special Offer</source>
+        <translation>Oferta especial de Sendora</translation>
+    </message>
+    <message>
+        <source>Sendora</source>
+        <translation>Sendora</translation>
+    </message>
+    <message>
+        <source>Learn More</source>
+        <translation>Más información</translation>
+    </message>
+    <message>
+        <source>Maybe Next Time</source>
+        <translation>Quizás la próxima vez</translation>
+    </message>
+    <message>
+        <source>Don&apos;t Ask Again</source>
+        <translation>No volver a preguntar</translation>
+    </message>
+    <message>
+        <source>Share on Facebook</source>
+        <translation>Compartir en Facebook</translation>
+    </message>
+    <message>
+        <source>As an independent developer, our single greatest challenge is getting the word out.  Please consider taking a minute to share %1 on your Facebook and help spread the word.
+
+Thank you!</source>
+        <translation>Como desarrolladores independientes, nuestro mayor reto es darnos a conocer.  Dedique un minuto a compartir %1 en Facebook y ayúdenos a correr la voz.
+
+¡Gracias!</translation>
+    </message>
+    <message>
+        <source>Maybe next time</source>
+        <translation>Quizás la próxima vez</translation>
+    </message>
+    <message>
+        <source>Don&apos;t ask again</source>
+        <translation>No volver a preguntar</translation>
+    </message>
+    <message>
+        <source>We Need Your Help!</source>
+        <translation>¡Necesitamos su ayuda!</translation>
+    </message>
+    <message>
+        <source>As an indie developer, our biggest challenge is getting the word out.  Please take a minute to rate %1 on the App Store and help spread the word.
+
+Thank you!</source>
+        <translation>Como desarrolladores independientes, nuestro mayor reto es darnos a conocer.  Dedique un minuto a valorar %1 en la App Store y ayúdenos a correr la voz.
+
+¡Gracias!</translation>
+    </message>
+    <message>
+        <source>Rate %1</source>
+        <translation>Valorar %1</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Error</translation>
+    </message>
+    <message>
+        <source>The archive could not be made: %1.</source>
+        <translation>No se pudo crear el archivo comprimido: %1.</translation>
+    </message>
+    <message>
+        <source>The message could not be made</source>
+        <translation>No se pudo crear el mensaje</translation>
+    </message>
+    <message>
+        <source>No mail program took the archive. You can attach it yourself; it stays until you quit:
+%1</source>
+        <translation>Ningún programa de correo aceptó el archivo. Puede adjuntarlo usted mismo; estará disponible hasta que salga del programa:
+%1</translation>
+    </message>
+    <message>
+        <source>Please check the attachment</source>
+        <translation>Compruebe el archivo adjunto</translation>
+    </message>
+    <message>
+        <source>Your mail program was asked to attach the archive, but does not tell whether it did. If it is missing, you find it here until you quit:
+%1</source>
+        <translation>Se pidió al programa de correo que adjuntara el archivo, pero no indica si lo hizo. Si falta, lo encontrará aquí hasta que salga del programa:
+%1</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>El archivo está listo</translation>
+    </message>
+    <message>
+        <source>No file manager could be asked to show it:
+%1</source>
+        <translation>Ningún gestor de archivos pudo mostrarlo:
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>DropView</name>
+    <message>
+        <source>Drop Files Here</source>
+        <translation>Suelte los archivos aquí</translation>
+    </message>
+    <message>
+        <source>Drop files and folders here, or press to choose files</source>
+        <translation>Suelte aquí archivos y carpetas, o pulse para elegir archivos</translation>
+    </message>
+</context>
+<context>
+    <name>EmailWindow</name>
+    <message>
+        <source>Email Archive</source>
+        <translation>Enviar archivo por correo</translation>
+    </message>
+    <message>
+        <source>The archive will be attached to a new message.</source>
+        <translation>El archivo se adjuntará a un mensaje nuevo.</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Nombre:</translation>
+    </message>
+    <message>
+        <source>Archive name</source>
+        <translation>Nombre del archivo</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;Aceptar</translation>
+    </message>
+</context>
+<context>
+    <name>FeedDownload</name>
+    <message>
+        <source>What the server sends is too large to be a list of versions.</source>
+        <translation>Lo que envía el servidor es demasiado grande para ser una lista de versiones.</translation>
+    </message>
+    <message>
+        <source>The server does not answer in time.</source>
+        <translation>El servidor no responde a tiempo.</translation>
+    </message>
+    <message>
+        <source>The server answers with error %1.</source>
+        <translation>El servidor responde con el error %1.</translation>
+    </message>
+</context>
+<context>
+    <name>Localizable</name>
+    <message>
+        <source>Completed</source>
+        <translation>Completado</translation>
+    </message>
+    <message>
+        <source>Cancelled</source>
+        <translation>Cancelado</translation>
+    </message>
+    <message>
+        <source>TYPE_MAC</source>
+        <translation>Conserva además los recursos y los atributos extendidos, en una carpeta aparte.</translation>
+    </message>
+    <message>
+        <source>TYPE_PC</source>
+        <translation>Se abre en cualquier equipo. Se conservan permisos, fechas y enlaces.</translation>
+    </message>
+    <message>
+        <source>Okay</source>
+        <translation>De acuerdo</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>&amp;Destination:</source>
+        <translation>&amp;Destino:</translation>
+    </message>
+    <message>
+        <source>Destination</source>
+        <translation>Destino</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Archivo</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Editar</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>&amp;Ventana</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>A&amp;yuda</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files…</source>
+        <translation>&amp;Elegir archivos…</translation>
+    </message>
+    <message>
+        <source>Choose a &amp;Folder…</source>
+        <translation>Elegir una &amp;carpeta…</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>Ce&amp;rrar</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Salir</translation>
+    </message>
+    <message>
+        <source>&amp;Paste Files</source>
+        <translation>&amp;Pegar archivos</translation>
+    </message>
+    <message>
+        <source>P&amp;references…</source>
+        <translation>Pre&amp;ferencias…</translation>
+    </message>
+    <message>
+        <source>&amp;Minimize</source>
+        <translation>&amp;Minimizar</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom</source>
+        <translation>&amp;Zoom</translation>
+    </message>
+    <message>
+        <source>Parcelo &amp;Help</source>
+        <translation>&amp;Ayuda de Parcelo</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>Visitar el sitio &amp;web</translation>
+    </message>
+    <message>
+        <source>Visit F&amp;orum</source>
+        <translation>Visitar el &amp;foro</translation>
+    </message>
+    <message>
+        <source>&amp;Share on Facebook</source>
+        <translation>Comparti&amp;r en Facebook</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>Escribir un &amp;comentario</translation>
+    </message>
+    <message>
+        <source>Visit Sho&amp;p</source>
+        <translation>Visitar la &amp;tienda</translation>
+    </message>
+    <message>
+        <source>Check for &amp;Updates…</source>
+        <translation>&amp;Buscar actualizaciones…</translation>
+    </message>
+    <message>
+        <source>&amp;About Parcelo</source>
+        <translation>Acerca &amp;de Parcelo</translation>
+    </message>
+</context>
+<context>
+    <name>OpenPanel</name>
+    <message>
+        <source>Choose Files to Archive</source>
+        <translation>Elegir los archivos que se van a comprimir</translation>
+    </message>
+    <message>
+        <source>Choose a Folder</source>
+        <translation>Elegir una carpeta</translation>
+    </message>
+</context>
+<context>
+    <name>Preference</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Preferencias</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archivos</translation>
+    </message>
+    <message>
+        <source>Com&amp;pression:</source>
+        <translation>Com&amp;presión:</translation>
+    </message>
+    <message>
+        <source>faster</source>
+        <translation>más rápido</translation>
+    </message>
+    <message>
+        <source>Compression level</source>
+        <translation>Nivel de compresión</translation>
+    </message>
+    <message>
+        <source>smaller</source>
+        <translation>más pequeño</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the extension in the proposed name</source>
+        <translation>&amp;Conservar la extensión en el nombre propuesto</translation>
+    </message>
+    <message>
+        <source>&amp;Show the finished archive in the file manager</source>
+        <translation>&amp;Mostrar el archivo terminado en el gestor de archivos</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programa</translation>
+    </message>
+    <message>
+        <source>&amp;Quit after archiving files opened with the icon</source>
+        <translation>&amp;Salir tras comprimir archivos abiertos con el icono</translation>
+    </message>
+    <message>
+        <source>Keep &amp;running when the window is closed</source>
+        <translation>Se&amp;guir en marcha al cerrar la ventana</translation>
+    </message>
+    <message>
+        <source>Check for &amp;updates at start</source>
+        <translation>&amp;Buscar actualizaciones al iniciar</translation>
+    </message>
+    <message>
+        <source>&amp;Hide the line about our other products</source>
+        <translation>&amp;Ocultar la línea sobre nuestros otros productos</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;Aceptar</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressWindow</name>
+    <message>
+        <source>Making Archive</source>
+        <translation>Creando el archivo</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Estado</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progreso</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
+    </message>
+</context>
+<context>
+    <name>QKWindow</name>
+    <message>
+        <source>Hide Toolbar</source>
+        <translation>Ocultar la barra de herramientas</translation>
+    </message>
+    <message>
+        <source>Show Toolbar</source>
+        <translation>Mostrar la barra de herramientas</translation>
+    </message>
+</context>
+<context>
+    <name>SUUpdater</name>
+    <message>
+        <source>No address to look for new versions at is set.</source>
+        <translation>No hay ninguna dirección configurada para buscar versiones nuevas.</translation>
+    </message>
+    <message>
+        <source>The list of versions cannot be read.</source>
+        <translation>No se puede leer la lista de versiones.</translation>
+    </message>
+    <message>
+        <source>%1 is up to date.</source>
+        <translation>%1 está actualizado.</translation>
+    </message>
+    <message>
+        <source>You have version %1, and there is none that is newer.</source>
+        <translation>Tiene la versión %1 y no hay ninguna más reciente.</translation>
+    </message>
+    <message>
+        <source>It was not possible to look for new versions.</source>
+        <translation>No fue posible buscar versiones nuevas.</translation>
+    </message>
+</context>
+<context>
+    <name>SavePanel</name>
+    <message>
+        <source>Save Archive</source>
+        <translation>Guardar el archivo</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>Guardar en:</translation>
+    </message>
+    <message>
+        <source>Archives (*.%1)</source>
+        <translation>Archivos comprimidos (*.%1)</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateSheet</name>
+    <message>
+        <source>Software Update</source>
+        <translation>Actualización de software</translation>
+    </message>
+    <message>
+        <source>An important update of %1 is available.</source>
+        <translation>Hay una actualización importante de %1 disponible.</translation>
+    </message>
+    <message>
+        <source>A new version of %1 is available.</source>
+        <translation>Hay una nueva versión de %1 disponible.</translation>
+    </message>
+    <message>
+        <source>%1 %2 can be downloaded; you have %3.</source>
+        <translation>Se puede descargar %1 %2; usted tiene %3.</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>Novedades</translation>
+    </message>
+    <message>
+        <source>&amp;Not Now</source>
+        <translation>Ahora &amp;no</translation>
+    </message>
+    <message>
+        <source>&amp;Open Download Page</source>
+        <translation>&amp;Abrir la página de descarga</translation>
+    </message>
+</context>
+</TS>

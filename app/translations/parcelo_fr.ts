@@ -1,0 +1,570 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr">
+<context>
+    <name>About</name>
+    <message>
+        <source>About Parcelo</source>
+        <translation>À propos de Parcelo</translation>
+    </message>
+    <message>
+        <source>&lt;p align=&quot;center&quot;&gt;Turns files into an archive in one gesture.&lt;/p&gt;</source>
+        <translation>&lt;p align=&quot;center&quot;&gt;Transforme des fichiers en archive d’un seul geste.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&amp;Send Mail</source>
+        <translation>&amp;Envoyer un e-mail</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>Visiter le site &amp;web</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>Écrire un &amp;commentaire</translation>
+    </message>
+</context>
+<context>
+    <name>AccessoryView</name>
+    <message>
+        <source>&amp;Archive type:</source>
+        <translation>&amp;Type d’archive :</translation>
+    </message>
+    <message>
+        <source>Archive type</source>
+        <translation>Type d’archive</translation>
+    </message>
+    <message>
+        <source>Zip</source>
+        <translation>Zip</translation>
+    </message>
+    <message>
+        <source>Zip with extended attributes</source>
+        <translation>Zip avec attributs étendus</translation>
+    </message>
+</context>
+<context>
+    <name>AdvertTextView</name>
+    <message>
+        <source>About the maker&apos;s products</source>
+        <translation>À propos des produits de l’éditeur</translation>
+    </message>
+    <message>
+        <source>Brought to you by </source>
+        <translation>Proposé par </translation>
+    </message>
+    <message>
+        <source>Puts your downloads folder in order</source>
+        <translation>Range votre dossier de téléchargements</translation>
+    </message>
+    <message>
+        <source>Notes that you find again</source>
+        <translation>Des notes que l’on retrouve</translation>
+    </message>
+    <message>
+        <source>Frames and resizes pictures in one go</source>
+        <translation>Encadre et redimensionne vos images d’un coup</translation>
+    </message>
+    <message>
+        <source>Sends large files without the fuss</source>
+        <translation>Envoie de gros fichiers sans tracas</translation>
+    </message>
+    <message>
+        <source>A calm timer for busy days</source>
+        <translation>Un minuteur serein pour les journées chargées</translation>
+    </message>
+    <message>
+        <source>Weaves your pages into one document</source>
+        <translation>Réunit vos pages en un seul document</translation>
+    </message>
+    <message>
+        <source>Draws charts from plain tables</source>
+        <translation>Trace des graphiques à partir de simples tableaux</translation>
+    </message>
+    <message>
+        <source>Free and easy zip utility</source>
+        <translation>Utilitaire zip simple et gratuit</translation>
+    </message>
+    <message>
+        <source>Ready for Ridgeline: everything at half price</source>
+        <translation>Prêt pour Ridgeline : tout à moitié prix</translation>
+    </message>
+</context>
+<context>
+    <name>AppController</name>
+    <message>
+        <source>Same as source</source>
+        <translation>Même dossier que la source</translation>
+    </message>
+    <message>
+        <source>Email</source>
+        <translation>E-mail</translation>
+    </message>
+    <message>
+        <source>Remove Selected Entry</source>
+        <translation>Supprimer l’entrée sélectionnée</translation>
+    </message>
+    <message>
+        <source>Choose a Folder ...</source>
+        <translation>Choisir un dossier…</translation>
+    </message>
+    <message>
+        <source>If you enjoy the way Parcelo makes it easy to zip and email files in one step, you will love Sendora.
+
+Sendora combines the drag-and-drop simplicity of Parcelo with the ability to send large files.</source>
+        <translation>Si vous appréciez la simplicité avec laquelle Parcelo compresse et envoie des fichiers en une seule étape, vous allez adorer Sendora.
+
+Sendora associe la simplicité du glisser-déposer de Parcelo à l’envoi de gros fichiers.</translation>
+    </message>
+    <message>
+        <source>
+
+For a limited time, apply coupon code &apos;KVW5&apos; (write this down!) during checkout to receive a 30%% discount on Sendora.
+
+Hurry! Offer expires Oct 31, 2010.</source>
+        <translation>
+
+Pour une durée limitée, saisissez le code « KVW5 » (notez-le !) lors de la commande pour bénéficier de 30%% de remise sur Sendora.
+
+Dépêchez-vous ! L’offre expire le 31 octobre 2010.</translation>
+    </message>
+    <message>
+        <source>Sendora Special Offer</source>
+        <translation>Offre spéciale Sendora</translation>
+    </message>
+    <message>
+        <source>Sendora</source>
+        <translation>Sendora</translation>
+    </message>
+    <message>
+        <source>Learn More</source>
+        <translation>En savoir plus</translation>
+    </message>
+    <message>
+        <source>Maybe Next Time</source>
+        <translation>Une prochaine fois</translation>
+    </message>
+    <message>
+        <source>Don&apos;t Ask Again</source>
+        <translation>Ne plus demander</translation>
+    </message>
+    <message>
+        <source>Share on Facebook</source>
+        <translation>Partager sur Facebook</translation>
+    </message>
+    <message>
+        <source>As an independent developer, our single greatest challenge is getting the word out.  Please consider taking a minute to share %1 on your Facebook and help spread the word.
+
+Thank you!</source>
+        <translation>En tant que développeurs indépendants, notre plus grand défi est de nous faire connaître.  Prenez une minute pour partager %1 sur Facebook et faire passer le mot.
+
+Merci !</translation>
+    </message>
+    <message>
+        <source>Maybe next time</source>
+        <translation>Une prochaine fois</translation>
+    </message>
+    <message>
+        <source>Don&apos;t ask again</source>
+        <translation>Ne plus demander</translation>
+    </message>
+    <message>
+        <source>We Need Your Help!</source>
+        <translation>Nous avons besoin de votre aide !</translation>
+    </message>
+    <message>
+        <source>As an indie developer, our biggest challenge is getting the word out.  Please take a minute to rate %1 on the App Store and help spread the word.
+
+Thank you!</source>
+        <translation>En tant que développeurs indépendants, notre plus grand défi est de nous faire connaître.  Prenez une minute pour noter %1 sur l’App Store et faire passer le mot.
+
+Merci !</translation>
+    </message>
+    <message>
+        <source>Rate %1</source>
+        <translation>Noter %1</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Erreur</translation>
+    </message>
+    <message>
+        <source>The archive could not be made: %1.</source>
+        <translation>L’archive n’a pas pu être créée : %1.</translation>
+    </message>
+    <message>
+        <source>The message could not be made</source>
+        <translation>Le message n’a pas pu être créé</translation>
+    </message>
+    <message>
+        <source>No mail program took the archive. You can attach it yourself; it stays until you quit:
+%1</source>
+        <translation>Aucun logiciel de messagerie n’a accepté l’archive. Vous pouvez la joindre vous-même ; elle reste disponible jusqu’à la fermeture du programme :
+%1</translation>
+    </message>
+    <message>
+        <source>Please check the attachment</source>
+        <translation>Veuillez vérifier la pièce jointe</translation>
+    </message>
+    <message>
+        <source>Your mail program was asked to attach the archive, but does not tell whether it did. If it is missing, you find it here until you quit:
+%1</source>
+        <translation>Votre logiciel de messagerie a été prié de joindre l’archive, mais n’indique pas s’il l’a fait. Si elle manque, vous la trouverez ici jusqu’à la fermeture du programme :
+%1</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>L’archive est prête</translation>
+    </message>
+    <message>
+        <source>No file manager could be asked to show it:
+%1</source>
+        <translation>Aucun gestionnaire de fichiers n’a pu la montrer :
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>DropView</name>
+    <message>
+        <source>Drop Files Here</source>
+        <translation>Déposez les fichiers ici</translation>
+    </message>
+    <message>
+        <source>Drop files and folders here, or press to choose files</source>
+        <translation>Déposez ici des fichiers et des dossiers, ou appuyez pour choisir des fichiers</translation>
+    </message>
+</context>
+<context>
+    <name>EmailWindow</name>
+    <message>
+        <source>Email Archive</source>
+        <translation>Envoyer l’archive par e-mail</translation>
+    </message>
+    <message>
+        <source>The archive will be attached to a new message.</source>
+        <translation>L’archive sera jointe à un nouveau message.</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Nom :</translation>
+    </message>
+    <message>
+        <source>Archive name</source>
+        <translation>Nom de l’archive</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
+    </message>
+</context>
+<context>
+    <name>FeedDownload</name>
+    <message>
+        <source>What the server sends is too large to be a list of versions.</source>
+        <translation>Ce que le serveur envoie est trop volumineux pour une liste de versions.</translation>
+    </message>
+    <message>
+        <source>The server does not answer in time.</source>
+        <translation>Le serveur ne répond pas à temps.</translation>
+    </message>
+    <message>
+        <source>The server answers with error %1.</source>
+        <translation>Le serveur répond par l’erreur %1.</translation>
+    </message>
+</context>
+<context>
+    <name>Localizable</name>
+    <message>
+        <source>Completed</source>
+        <translation>Terminé</translation>
+    </message>
+    <message>
+        <source>Cancelled</source>
+        <translation>Annulé</translation>
+    </message>
+    <message>
+        <source>TYPE_MAC</source>
+        <translation>Conserve aussi les ressources et les attributs étendus, dans un dossier à part.</translation>
+    </message>
+    <message>
+        <source>TYPE_PC</source>
+        <translation>S’ouvre sur tous les ordinateurs. Droits, dates et liens sont conservés.</translation>
+    </message>
+    <message>
+        <source>Okay</source>
+        <translation>D’accord</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>&amp;Destination:</source>
+        <translation>&amp;Destination :</translation>
+    </message>
+    <message>
+        <source>Destination</source>
+        <translation>Destination</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Édition</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>Fe&amp;nêtre</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Aide</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files…</source>
+        <translation>&amp;Choisir des fichiers…</translation>
+    </message>
+    <message>
+        <source>Choose a &amp;Folder…</source>
+        <translation>Choisir un &amp;dossier…</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+    <message>
+        <source>&amp;Paste Files</source>
+        <translation>&amp;Coller les fichiers</translation>
+    </message>
+    <message>
+        <source>P&amp;references…</source>
+        <translation>&amp;Préférences…</translation>
+    </message>
+    <message>
+        <source>&amp;Minimize</source>
+        <translation>&amp;Réduire</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom</source>
+        <translation>&amp;Zoom</translation>
+    </message>
+    <message>
+        <source>Parcelo &amp;Help</source>
+        <translation>&amp;Aide de Parcelo</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>Visiter le site &amp;web</translation>
+    </message>
+    <message>
+        <source>Visit F&amp;orum</source>
+        <translation>Visiter le &amp;forum</translation>
+    </message>
+    <message>
+        <source>&amp;Share on Facebook</source>
+        <translation>Pa&amp;rtager sur Facebook</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>Écrire un &amp;commentaire</translation>
+    </message>
+    <message>
+        <source>Visit Sho&amp;p</source>
+        <translation>Visiter la &amp;boutique</translation>
+    </message>
+    <message>
+        <source>Check for &amp;Updates…</source>
+        <translation>Rechercher des &amp;mises à jour…</translation>
+    </message>
+    <message>
+        <source>&amp;About Parcelo</source>
+        <translation>À &amp;propos de Parcelo</translation>
+    </message>
+</context>
+<context>
+    <name>OpenPanel</name>
+    <message>
+        <source>Choose Files to Archive</source>
+        <translation>Choisir les fichiers à archiver</translation>
+    </message>
+    <message>
+        <source>Choose a Folder</source>
+        <translation>Choisir un dossier</translation>
+    </message>
+</context>
+<context>
+    <name>Preference</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Préférences</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>Archives</translation>
+    </message>
+    <message>
+        <source>Com&amp;pression:</source>
+        <translation>Com&amp;pression :</translation>
+    </message>
+    <message>
+        <source>faster</source>
+        <translation>plus rapide</translation>
+    </message>
+    <message>
+        <source>Compression level</source>
+        <translation>Niveau de compression</translation>
+    </message>
+    <message>
+        <source>smaller</source>
+        <translation>plus petit</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the extension in the proposed name</source>
+        <translation>&amp;Garder l’extension dans le nom proposé</translation>
+    </message>
+    <message>
+        <source>&amp;Show the finished archive in the file manager</source>
+        <translation>&amp;Montrer l’archive terminée dans le gestionnaire de fichiers</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programme</translation>
+    </message>
+    <message>
+        <source>&amp;Quit after archiving files opened with the icon</source>
+        <translation>&amp;Quitter après avoir archivé des fichiers ouverts avec l’icône</translation>
+    </message>
+    <message>
+        <source>Keep &amp;running when the window is closed</source>
+        <translation>&amp;Rester actif quand la fenêtre est fermée</translation>
+    </message>
+    <message>
+        <source>Check for &amp;updates at start</source>
+        <translation>&amp;Vérifier les mises à jour au démarrage</translation>
+    </message>
+    <message>
+        <source>&amp;Hide the line about our other products</source>
+        <translation>Masquer la &amp;ligne sur nos autres produits</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressWindow</name>
+    <message>
+        <source>Making Archive</source>
+        <translation>Création de l’archive</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>État</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progression</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>QKWindow</name>
+    <message>
+        <source>Hide Toolbar</source>
+        <translation>Masquer la barre d’outils</translation>
+    </message>
+    <message>
+        <source>Show Toolbar</source>
+        <translation>Afficher la barre d’outils</translation>
+    </message>
+</context>
+<context>
+    <name>SUUpdater</name>
+    <message>
+        <source>No address to look for new versions at is set.</source>
+        <translation>Aucune adresse n’est définie pour rechercher de nouvelles versions.</translation>
+    </message>
+    <message>
+        <source>The list of versions cannot be read.</source>
+        <translation>La liste des versions est illisible.</translation>
+    </message>
+    <message>
+        <source>%1 is up to date.</source>
+        <translation>%1 est à jour.</translation>
+    </message>
+    <message>
+        <source>You have version %1, and there is none that is newer.</source>
+        <translation>Vous avez la version %1, et il n’y en a pas de plus récente.</translation>
+    </message>
+    <message>
+        <source>It was not possible to look for new versions.</source>
+        <translation>La recherche de nouvelles versions n’a pas abouti.</translation>
+    </message>
+</context>
+<context>
+    <name>SavePanel</name>
+    <message>
+        <source>Save Archive</source>
+        <translation>Enregistrer l’archive</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>Enregistrer dans :</translation>
+    </message>
+    <message>
+        <source>Archives (*.%1)</source>
+        <translation>Archives (*.%1)</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateSheet</name>
+    <message>
+        <source>Software Update</source>
+        <translation>Mise à jour logicielle</translation>
+    </message>
+    <message>
+        <source>An important update of %1 is available.</source>
+        <translation>Une mise à jour importante de %1 est disponible.</translation>
+    </message>
+    <message>
+        <source>A new version of %1 is available.</source>
+        <translation>Une nouvelle version de %1 est disponible.</translation>
+    </message>
+    <message>
+        <source>%1 %2 can be downloaded; you have %3.</source>
+        <translation>%1 %2 peut être téléchargé ; vous avez la version %3.</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>Nouveautés</translation>
+    </message>
+    <message>
+        <source>&amp;Not Now</source>
+        <translation>&amp;Pas maintenant</translation>
+    </message>
+    <message>
+        <source>&amp;Open Download Page</source>
+        <translation>&amp;Ouvrir la page de téléchargement</translation>
+    </message>
+</context>
+</TS>

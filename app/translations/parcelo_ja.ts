@@ -1,0 +1,570 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja">
+<context>
+    <name>About</name>
+    <message>
+        <source>About Parcelo</source>
+        <translation>Parceloについて</translation>
+    </message>
+    <message>
+        <source>&lt;p align=&quot;center&quot;&gt;Turns files into an archive in one gesture.&lt;/p&gt;</source>
+        <translation>&lt;p align=&quot;center&quot;&gt;ファイルをワンアクションでアーカイブにします。&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&amp;Send Mail</source>
+        <translation>メールを送る(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>ウェブサイトを開く(&amp;W)</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>コメントを書く(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>AccessoryView</name>
+    <message>
+        <source>&amp;Archive type:</source>
+        <translation>アーカイブの種類(&amp;A):</translation>
+    </message>
+    <message>
+        <source>Archive type</source>
+        <translation>アーカイブの種類</translation>
+    </message>
+    <message>
+        <source>Zip</source>
+        <translation>Zip</translation>
+    </message>
+    <message>
+        <source>Zip with extended attributes</source>
+        <translation>拡張属性付きZip</translation>
+    </message>
+</context>
+<context>
+    <name>AdvertTextView</name>
+    <message>
+        <source>About the maker&apos;s products</source>
+        <translation>開発元の製品について</translation>
+    </message>
+    <message>
+        <source>Brought to you by </source>
+        <translation>提供：</translation>
+    </message>
+    <message>
+        <source>Puts your downloads folder in order</source>
+        <translation>ダウンロードフォルダを整理</translation>
+    </message>
+    <message>
+        <source>Notes that you find again</source>
+        <translation>あとで見つかるメモ</translation>
+    </message>
+    <message>
+        <source>Frames and resizes pictures in one go</source>
+        <translation>画像の枠付けとサイズ変更を一度に</translation>
+    </message>
+    <message>
+        <source>Sends large files without the fuss</source>
+        <translation>大きなファイルを手軽に送信</translation>
+    </message>
+    <message>
+        <source>A calm timer for busy days</source>
+        <translation>忙しい日のための静かなタイマー</translation>
+    </message>
+    <message>
+        <source>Weaves your pages into one document</source>
+        <translation>ばらばらのページをひとつの文書に</translation>
+    </message>
+    <message>
+        <source>Draws charts from plain tables</source>
+        <translation>表からグラフを作成</translation>
+    </message>
+    <message>
+        <source>Free and easy zip utility</source>
+        <translation>無料でかんたんなZipユーティリティ</translation>
+    </message>
+    <message>
+        <source>Ready for Ridgeline: everything at half price</source>
+        <translation>Ridgeline対応：全品半額</translation>
+    </message>
+</context>
+<context>
+    <name>AppController</name>
+    <message>
+        <source>Same as source</source>
+        <translation>元の場所と同じ</translation>
+    </message>
+    <message>
+        <source>Email</source>
+        <translation>メール</translation>
+    </message>
+    <message>
+        <source>Remove Selected Entry</source>
+        <translation>選択した項目を削除</translation>
+    </message>
+    <message>
+        <source>Choose a Folder ...</source>
+        <translation>フォルダを選択…</translation>
+    </message>
+    <message>
+        <source>If you enjoy the way Parcelo makes it easy to zip and email files in one step, you will love Sendora.
+
+Sendora combines the drag-and-drop simplicity of Parcelo with the ability to send large files.</source>
+        <translation>ファイルの圧縮とメール送信を一度に済ませるParceloを気に入っていただけたなら、Sendoraもきっとお気に召すはずです。
+
+Sendoraは、Parceloのドラッグ＆ドロップの手軽さで大きなファイルを送信できます。</translation>
+    </message>
+    <message>
+        <source>
+
+For a limited time, apply coupon code &apos;KVW5&apos; (write this down!) during checkout to receive a 30%% discount on Sendora.
+
+Hurry! Offer expires Oct 31, 2010.</source>
+        <translation>
+
+期間限定：ご購入時にクーポンコード「KVW5」（メモしてください）を入力すると、Sendoraが30%%割引になります。
+
+お急ぎください。2010年10月31日までです。</translation>
+    </message>
+    <message>
+        <source>Sendora Special Offer</source>
+        <translation>Sendora特別キャンペーン</translation>
+    </message>
+    <message>
+        <source>Sendora</source>
+        <translation>Sendora</translation>
+    </message>
+    <message>
+        <source>Learn More</source>
+        <translation>詳しく見る</translation>
+    </message>
+    <message>
+        <source>Maybe Next Time</source>
+        <translation>また今度</translation>
+    </message>
+    <message>
+        <source>Don&apos;t Ask Again</source>
+        <translation>今後表示しない</translation>
+    </message>
+    <message>
+        <source>Share on Facebook</source>
+        <translation>Facebookで共有</translation>
+    </message>
+    <message>
+        <source>As an independent developer, our single greatest challenge is getting the word out.  Please consider taking a minute to share %1 on your Facebook and help spread the word.
+
+Thank you!</source>
+        <translation>独立系の開発者にとって最大の課題は、製品を知っていただくことです。  Facebookで%1を紹介し、広めるのにご協力ください。
+
+ありがとうございます。</translation>
+    </message>
+    <message>
+        <source>Maybe next time</source>
+        <translation>また今度</translation>
+    </message>
+    <message>
+        <source>Don&apos;t ask again</source>
+        <translation>今後表示しない</translation>
+    </message>
+    <message>
+        <source>We Need Your Help!</source>
+        <translation>ご協力のお願い</translation>
+    </message>
+    <message>
+        <source>As an indie developer, our biggest challenge is getting the word out.  Please take a minute to rate %1 on the App Store and help spread the word.
+
+Thank you!</source>
+        <translation>独立系の開発者にとって最大の課題は、製品を知っていただくことです。  App Storeで%1を評価し、広めるのにご協力ください。
+
+ありがとうございます。</translation>
+    </message>
+    <message>
+        <source>Rate %1</source>
+        <translation>%1を評価</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>The archive could not be made: %1.</source>
+        <translation>アーカイブを作成できませんでした：%1。</translation>
+    </message>
+    <message>
+        <source>The message could not be made</source>
+        <translation>メッセージを作成できませんでした</translation>
+    </message>
+    <message>
+        <source>No mail program took the archive. You can attach it yourself; it stays until you quit:
+%1</source>
+        <translation>アーカイブを添付できるメールソフトがありませんでした。ご自分で添付できます。終了するまで次の場所にあります：
+%1</translation>
+    </message>
+    <message>
+        <source>Please check the attachment</source>
+        <translation>添付ファイルをご確認ください</translation>
+    </message>
+    <message>
+        <source>Your mail program was asked to attach the archive, but does not tell whether it did. If it is missing, you find it here until you quit:
+%1</source>
+        <translation>メールソフトにアーカイブの添付を依頼しましたが、添付されたかどうかは通知されません。ない場合は、終了するまで次の場所にあります：
+%1</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>アーカイブを作成しました</translation>
+    </message>
+    <message>
+        <source>No file manager could be asked to show it:
+%1</source>
+        <translation>ファイルマネージャで表示できませんでした：
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>DropView</name>
+    <message>
+        <source>Drop Files Here</source>
+        <translation>ここにファイルをドロップ</translation>
+    </message>
+    <message>
+        <source>Drop files and folders here, or press to choose files</source>
+        <translation>ファイルやフォルダをここにドロップするか、押してファイルを選択します</translation>
+    </message>
+</context>
+<context>
+    <name>EmailWindow</name>
+    <message>
+        <source>Email Archive</source>
+        <translation>アーカイブをメールで送信</translation>
+    </message>
+    <message>
+        <source>The archive will be attached to a new message.</source>
+        <translation>アーカイブは新しいメッセージに添付されます。</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>名前(&amp;N):</translation>
+    </message>
+    <message>
+        <source>Archive name</source>
+        <translation>アーカイブの名前</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
+    </message>
+</context>
+<context>
+    <name>FeedDownload</name>
+    <message>
+        <source>What the server sends is too large to be a list of versions.</source>
+        <translation>サーバからの応答がバージョン一覧としては大きすぎます。</translation>
+    </message>
+    <message>
+        <source>The server does not answer in time.</source>
+        <translation>サーバが時間内に応答しません。</translation>
+    </message>
+    <message>
+        <source>The server answers with error %1.</source>
+        <translation>サーバがエラー%1を返しました。</translation>
+    </message>
+</context>
+<context>
+    <name>Localizable</name>
+    <message>
+        <source>Completed</source>
+        <translation>完了</translation>
+    </message>
+    <message>
+        <source>Cancelled</source>
+        <translation>キャンセルしました</translation>
+    </message>
+    <message>
+        <source>TYPE_MAC</source>
+        <translation>リソースフォークと拡張属性も専用のフォルダに保存します。</translation>
+    </message>
+    <message>
+        <source>TYPE_PC</source>
+        <translation>どのコンピュータでも開けます。アクセス権、日時、リンクを保持します。</translation>
+    </message>
+    <message>
+        <source>Okay</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>&amp;Destination:</source>
+        <translation>保存先(&amp;D):</translation>
+    </message>
+    <message>
+        <source>Destination</source>
+        <translation>保存先</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>ファイル(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>編集(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>ウインドウ(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>ヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files…</source>
+        <translation>ファイルを選択(&amp;C)…</translation>
+    </message>
+    <message>
+        <source>Choose a &amp;Folder…</source>
+        <translation>フォルダを選択(&amp;F)…</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>閉じる(&amp;L)</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>終了(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>&amp;Paste Files</source>
+        <translation>ファイルをペースト(&amp;P)</translation>
+    </message>
+    <message>
+        <source>P&amp;references…</source>
+        <translation>環境設定(&amp;R)…</translation>
+    </message>
+    <message>
+        <source>&amp;Minimize</source>
+        <translation>最小化(&amp;M)</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom</source>
+        <translation>ズーム(&amp;Z)</translation>
+    </message>
+    <message>
+        <source>Parcelo &amp;Help</source>
+        <translation>Parceloヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>Visit &amp;Website</source>
+        <translation>ウェブサイトを開く(&amp;W)</translation>
+    </message>
+    <message>
+        <source>Visit F&amp;orum</source>
+        <translation>フォーラムを開く(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;Share on Facebook</source>
+        <translation>Facebookで共有(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Write a &amp;Comment</source>
+        <translation>コメントを書く(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Visit Sho&amp;p</source>
+        <translation>ショップを開く(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Check for &amp;Updates…</source>
+        <translation>アップデートを確認(&amp;U)…</translation>
+    </message>
+    <message>
+        <source>&amp;About Parcelo</source>
+        <translation>Parceloについて(&amp;A)</translation>
+    </message>
+</context>
+<context>
+    <name>OpenPanel</name>
+    <message>
+        <source>Choose Files to Archive</source>
+        <translation>アーカイブするファイルを選択</translation>
+    </message>
+    <message>
+        <source>Choose a Folder</source>
+        <translation>フォルダを選択</translation>
+    </message>
+</context>
+<context>
+    <name>Preference</name>
+    <message>
+        <source>Preferences</source>
+        <translation>環境設定</translation>
+    </message>
+    <message>
+        <source>Archives</source>
+        <translation>アーカイブ</translation>
+    </message>
+    <message>
+        <source>Com&amp;pression:</source>
+        <translation>圧縮(&amp;P):</translation>
+    </message>
+    <message>
+        <source>faster</source>
+        <translation>速い</translation>
+    </message>
+    <message>
+        <source>Compression level</source>
+        <translation>圧縮レベル</translation>
+    </message>
+    <message>
+        <source>smaller</source>
+        <translation>小さい</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the extension in the proposed name</source>
+        <translation>名前の候補に拡張子を残す(&amp;K)</translation>
+    </message>
+    <message>
+        <source>&amp;Show the finished archive in the file manager</source>
+        <translation>完成したアーカイブをファイルマネージャで表示(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>プログラム</translation>
+    </message>
+    <message>
+        <source>&amp;Quit after archiving files opened with the icon</source>
+        <translation>アイコンで開いたファイルのアーカイブ後に終了(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>Keep &amp;running when the window is closed</source>
+        <translation>ウインドウを閉じても終了しない(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Check for &amp;updates at start</source>
+        <translation>起動時にアップデートを確認(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Hide the line about our other products</source>
+        <translation>他の製品の案内を隠す(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressWindow</name>
+    <message>
+        <source>Making Archive</source>
+        <translation>アーカイブを作成中</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>状況</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>進捗</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>QKWindow</name>
+    <message>
+        <source>Hide Toolbar</source>
+        <translation>ツールバーを隠す</translation>
+    </message>
+    <message>
+        <source>Show Toolbar</source>
+        <translation>ツールバーを表示</translation>
+    </message>
+</context>
+<context>
+    <name>SUUpdater</name>
+    <message>
+        <source>No address to look for new versions at is set.</source>
+        <translation>新しいバージョンを確認するアドレスが設定されていません。</translation>
+    </message>
+    <message>
+        <source>The list of versions cannot be read.</source>
+        <translation>バージョン一覧を読み取れません。</translation>
+    </message>
+    <message>
+        <source>%1 is up to date.</source>
+        <translation>%1は最新です。</translation>
+    </message>
+    <message>
+        <source>You have version %1, and there is none that is newer.</source>
+        <translation>お使いのバージョンは%1で、これより新しいものはありません。</translation>
+    </message>
+    <message>
+        <source>It was not possible to look for new versions.</source>
+        <translation>新しいバージョンを確認できませんでした。</translation>
+    </message>
+</context>
+<context>
+    <name>SavePanel</name>
+    <message>
+        <source>Save Archive</source>
+        <translation>アーカイブを保存</translation>
+    </message>
+    <message>
+        <source>Save in:</source>
+        <translation>保存場所:</translation>
+    </message>
+    <message>
+        <source>Archives (*.%1)</source>
+        <translation>アーカイブ (*.%1)</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateSheet</name>
+    <message>
+        <source>Software Update</source>
+        <translation>ソフトウェアアップデート</translation>
+    </message>
+    <message>
+        <source>An important update of %1 is available.</source>
+        <translation>%1の重要なアップデートがあります。</translation>
+    </message>
+    <message>
+        <source>A new version of %1 is available.</source>
+        <translation>%1の新しいバージョンがあります。</translation>
+    </message>
+    <message>
+        <source>%1 %2 can be downloaded; you have %3.</source>
+        <translation>%1 %2をダウンロードできます。お使いのバージョンは%3です。</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>新機能</translation>
+    </message>
+    <message>
+        <source>&amp;Not Now</source>
+        <translation>今はしない(&amp;N)</translation>
+    </message>
+    <message>
+        <source>&amp;Open Download Page</source>
+        <translation>ダウンロードページを開く(&amp;O)</translation>
+    </message>
+</context>
+</TS>
