@@ -52,8 +52,8 @@ void AboutController::showWindow(QObject* /*sender*/)
     _window->show();
     _window->raise();
     _window->activateWindow();
-    if (QWidget* focused = _window->focusWidget())
-        focused->clearFocus();
+    _window->setFocusPolicy(Qt::ClickFocus); // takes the focus from its buttons
+    _window->setFocus();
 }
 
 QString AboutController::appNameAndVersion()

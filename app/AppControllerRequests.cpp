@@ -138,7 +138,15 @@ void AppController::dismissSheet(QObject* sender)
 // request that has not read them yet.
 void AppController::_startArchiving(const Path& path)
 {
-    archiver(); // made here, where its folder is made too
+    try {
+        archiver(); // made here, where its folder is made too
+    } catch (const std::exception&) {
+        _fail(tr("there is no working folder at %1")
+                  .arg(PathText::textOf(tmpdirString()))
+                  .toStdString());
+        _interface.saveDropView->clearFiles();
+        return;
+    }
     tmpFolder();
     _interface.saveDropView->setAcceptDrops(false);
     _work.detachNewThread([this, path] { archiveToPath(path); });
@@ -299,8 +307,12 @@ void AppController::archiverCompletedWithStatus(int status)
         _interface.progressWindow->hide();
         _interface.advertTextView->setProductId(randomProductId());
     });
+    // Quitting would take the attachment from a mail program that has hardly started.
     if (_shouldAutoQuit)
-        _afterDelay(autoQuitDelay, [this] { terminate(this); });
+        _afterDelay(autoQuitDelay, [this] {
+            if (selectedDestination() != DestinationTagEmail)
+                terminate(this);
+        });
 }
 
 Archiver& AppController::archiver()

@@ -13,6 +13,15 @@ public:
 
     void reject() override { Q_EMIT cancelled(); }
 
+protected:
+    // It comes up by itself: keys meant for what was there before must not press Cancel.
+    void showEvent(QShowEvent* event) override
+    {
+        QDialog::showEvent(event);
+        setFocusPolicy(Qt::ClickFocus);
+        setFocus();
+    }
+
 Q_SIGNALS:
     void cancelled();
 };

@@ -28,8 +28,8 @@ std::string proposedName(const std::vector<std::filesystem::path>& items, bool k
     if (items.size() != 1)
         return untitled;
     const std::string own = PathString::lastPathComponent(items.front().native());
-    if (own == "/")
+    const std::string name = keepsExtension ? own : PathString::stringByDeletingPathExtension(own);
+    if (own == "/" || name == "." || name == "..") // of "...txt", say
         return untitled;
-    return shortened(keepsExtension ? own : PathString::stringByDeletingPathExtension(own),
-        longestFileName - archiveExtension.size());
+    return shortened(name, longestFileName - archiveExtension.size());
 }

@@ -226,6 +226,10 @@ Vielen Dank!</translation>
         <translation>Kein Dateimanager konnte es zeigen:
 %1</translation>
     </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>es gibt keinen Arbeitsordner unter %1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>
@@ -475,10 +479,6 @@ Vielen Dank!</translation>
         <translation>Archiv wird erstellt</translation>
     </message>
     <message>
-        <source>Status</source>
-        <translation>Status</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>Fortschritt</translation>
     </message>
@@ -534,6 +534,16 @@ Vielen Dank!</translation>
     <message>
         <source>Archives (*.%1)</source>
         <translation>Archive (*.%1)</translation>
+    </message>
+    <message>
+        <source>An archive cannot be made at %1.</source>
+        <translation>Unter %1 kann kein Archiv erstellt werden.</translation>
+    </message>
+    <message>
+        <source>%1 already exists.
+Do you want to replace it?</source>
+        <translation>%1 existiert bereits.
+Möchten Sie es ersetzen?</translation>
     </message>
 </context>
 <context>

@@ -226,6 +226,10 @@ Thank you!</source>
         <translation>Ningún gestor de archivos pudo mostrarlo:
 %1</translation>
     </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>no hay carpeta de trabajo en %1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>
@@ -475,10 +479,6 @@ Thank you!</source>
         <translation>Creando el archivo</translation>
     </message>
     <message>
-        <source>Status</source>
-        <translation>Estado</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>Progreso</translation>
     </message>
@@ -534,6 +534,16 @@ Thank you!</source>
     <message>
         <source>Archives (*.%1)</source>
         <translation>Archivos comprimidos (*.%1)</translation>
+    </message>
+    <message>
+        <source>An archive cannot be made at %1.</source>
+        <translation>No se puede crear un archivo en %1.</translation>
+    </message>
+    <message>
+        <source>%1 already exists.
+Do you want to replace it?</source>
+        <translation>%1 ya existe.
+¿Desea reemplazarlo?</translation>
     </message>
 </context>
 <context>

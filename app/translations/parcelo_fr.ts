@@ -226,6 +226,10 @@ Merci !</translation>
         <translation>Aucun gestionnaire de fichiers n’a pu la montrer :
 %1</translation>
     </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>il n’y a pas de dossier de travail à l’emplacement %1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>
@@ -475,10 +479,6 @@ Merci !</translation>
         <translation>Création de l’archive</translation>
     </message>
     <message>
-        <source>Status</source>
-        <translation>État</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>Progression</translation>
     </message>
@@ -534,6 +534,16 @@ Merci !</translation>
     <message>
         <source>Archives (*.%1)</source>
         <translation>Archives (*.%1)</translation>
+    </message>
+    <message>
+        <source>An archive cannot be made at %1.</source>
+        <translation>Impossible de créer une archive à l’emplacement %1.</translation>
+    </message>
+    <message>
+        <source>%1 already exists.
+Do you want to replace it?</source>
+        <translation>%1 existe déjà.
+Voulez-vous le remplacer ?</translation>
     </message>
 </context>
 <context>

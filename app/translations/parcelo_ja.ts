@@ -226,6 +226,10 @@ Thank you!</source>
         <translation>ファイルマネージャで表示できませんでした：
 %1</translation>
     </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>作業フォルダ%1がありません</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>
@@ -475,10 +479,6 @@ Thank you!</source>
         <translation>アーカイブを作成中</translation>
     </message>
     <message>
-        <source>Status</source>
-        <translation>状況</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>進捗</translation>
     </message>
@@ -534,6 +534,16 @@ Thank you!</source>
     <message>
         <source>Archives (*.%1)</source>
         <translation>アーカイブ (*.%1)</translation>
+    </message>
+    <message>
+        <source>An archive cannot be made at %1.</source>
+        <translation>%1にアーカイブを作成できません。</translation>
+    </message>
+    <message>
+        <source>%1 already exists.
+Do you want to replace it?</source>
+        <translation>%1はすでに存在します。
+置き換えますか？</translation>
     </message>
 </context>
 <context>

@@ -3,9 +3,11 @@
 #include "platform/desktop/PathText.h"
 #include "platform/desktop/Sheets.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QMessageBox>
 
 #include <utility>
 
@@ -23,7 +25,7 @@ SavePanel::SavePanel(QWidget* parent)
             typeChoice->hide();
     connect(this, &QDialog::finished, this, [this](int result) {
         if (const auto handler = std::exchange(_completionHandler, {}))
-            handler(result == QDialog::Accepted ? answerOK : answerCancel, _chosenPath());
+            handler(result == QDialog::Accepted ? answerOK : answerCancel, _path);
     });
 }
 
@@ -59,9 +61,10 @@ void SavePanel::setNameFieldStringValue(const QString& name)
 
 void SavePanel::setDirectoryURL(const std::filesystem::path& folder)
 {
-    const QString text = PathText::textOf(folder);
-    if (QDir(text).exists())
-        setDirectory(text);
+    std::filesystem::path nearest = folder;
+    while (nearest.has_relative_path() && !QDir(PathText::textOf(nearest)).exists())
+        nearest = nearest.parent_path();
+    setDirectory(PathText::textOf(nearest));
 }
 
 void SavePanel::beginSheetModalForWindow(QWidget* window, CompletionHandler completionHandler)
@@ -70,22 +73,36 @@ void SavePanel::beginSheetModalForWindow(QWidget* window, CompletionHandler comp
     Sheets::begin(this, window);
 }
 
-// Qt gives its default suffix only to names without any dot, and takes the name of a folder for a
-// wish to go there: the archive of a folder is usually made beside it, under its name. Only what is
-// written as a path is a place to go to.
+// Only what is written as a path to a folder is a place to go to: the archive of a folder is
+// usually made beside it, under its name. Everything else is a name as it stands. Qt would take
+// quotes in it for a list of files, and gives its suffix only to names without any dot.
 void SavePanel::accept()
 {
-    const QString name = _nameField()->text();
-    const QString suffix = QLatin1Char('.') + _allowedFileType;
+    QString name = _nameField()->text();
     const bool isPath = name.contains(QLatin1Char('/')) || name == QLatin1String("..");
-    const bool isPlace = name.isEmpty() || (isPath && QFileInfo(directory(), name).isDir());
-    if (!isPlace && !name.endsWith(suffix, Qt::CaseInsensitive))
-        _nameField()->setText(name + suffix);
-    QFileDialog::accept();
-}
-
-std::filesystem::path SavePanel::_chosenPath() const
-{
-    const QStringList files = selectedFiles();
-    return files.isEmpty() ? std::filesystem::path() : PathText::pathOf(files.first());
+    if (name.isEmpty() || (isPath && QFileInfo(directory(), name).isDir())) {
+        QFileDialog::accept();
+        return;
+    }
+    const QString suffix = QLatin1Char('.') + _allowedFileType;
+    if (name.endsWith(suffix, Qt::CaseInsensitive))
+        name.chop(suffix.size());
+    const QString base = QFileInfo(name).fileName();
+    const QFileInfo file(directory(), name + suffix);
+    if (base.isEmpty() || base == QLatin1String(".") || base == QLatin1String("..")) {
+        QApplication::beep();
+        return;
+    }
+    if (!QFileInfo(file.absolutePath()).isDir() || file.isDir()) {
+        QMessageBox::warning(this, windowTitle(),
+            tr("An archive cannot be made at %1.").arg(file.absoluteFilePath()));
+        return;
+    }
+    if ((file.exists() || file.isSymLink())
+        && QMessageBox::question(this, windowTitle(),
+               tr("%1 already exists.\nDo you want to replace it?").arg(file.fileName()))
+            != QMessageBox::Yes)
+        return;
+    _path = PathText::pathOf(file.absoluteFilePath());
+    QDialog::accept();
 }

@@ -23,7 +23,7 @@ public:
     void setAccessoryView(QWidget* view); // becomes the panel's child
     void setNameFieldStringValue(const QString& name);
 
-    // The folder to begin with. One that is not there leaves the panel where it was.
+    // The folder to begin with, or the nearest above it that is there and that Qt can name.
     void setDirectoryURL(const std::filesystem::path& folder);
 
     // Shows the panel as a sheet and returns at once; the handler is called once, when the panel
@@ -34,8 +34,8 @@ public:
 
 private:
     [[nodiscard]] class QLineEdit* _nameField() const;
-    [[nodiscard]] std::filesystem::path _chosenPath() const;
 
     QString _allowedFileType;
+    std::filesystem::path _path; // chosen
     CompletionHandler _completionHandler;
 };

@@ -10,7 +10,7 @@ namespace
 void attach(QDialog* sheet, QWidget* onWindow)
 {
     const Qt::WindowFlags flags = Qt::Sheet | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
-    if (sheet->parentWidget() != onWindow || sheet->windowFlags() != flags)
+    if (sheet->parentWidget() != onWindow || sheet->windowType() != Qt::Sheet)
         sheet->setParent(onWindow, flags);
     sheet->setWindowModality(Qt::WindowModal);
     if (sheet->windowTitle().isEmpty())

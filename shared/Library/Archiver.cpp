@@ -40,6 +40,10 @@ std::optional<Archiver::Path> Archiver::archiveFiles(const ArchiveFiles& job)
 {
     if (job.name.value_or("").empty() || job.toFolder.value_or("").empty())
         return std::nullopt;
+    // Staged under such a name, items would be put beside the working folder's contents or above
+    // them, and all of that removed after the job.
+    if (job.type != ArchiveTypePlainZip && (job.name == "." || job.name == ".."))
+        return std::nullopt;
     _cancelFlag = false;
 
     std::optional<Path> result;

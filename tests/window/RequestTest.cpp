@@ -1,4 +1,5 @@
 #include "app/DropView.h"
+#include "platform/desktop/SavePanel.h"
 #include "platform/desktop/Sheets.h"
 #include "platform/desktop/UserDefaults.h"
 #include "tests/support/Files.h"
@@ -70,6 +71,7 @@ TEST_F(Request, proposesTheNameOfASingleItem)
         {{"/a/Report.pdf"}, true, "Report.pdf"},
         {{"/a/.bashrc"}, false, ".bashrc"},
         {{"/a/b", "/a/c", "/a/d"}, false, "Untitled"},
+        {{"/a/...txt"}, false, "Untitled"},
         {{}, false, "Untitled"},
     };
     for (const Case& each : cases) {
@@ -109,6 +111,48 @@ TEST_F(Request, makesTheArchiveBesideTheSource)
     EXPECT_EQ(support::readFile(source / "Untitled.v2.zip"), "an older file");
     EXPECT_EQ(workspace.revealed, std::vector<fs::path>{source / "New.v2.zip"});
     EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("UsageCount")), 1);
+}
+
+TEST_F(Request, takesANameAsItStandsAndAsksBeforeItReplaces)
+{
+    start();
+    for (const char* older : {"b.zip", "a \"b\" c.zip", "Report.zip"})
+        support::writeFile(source / older, "an older file");
+    struct Case {
+        const char* typed;
+        const char* archive; // none: the panel stays
+        bool asks;
+    };
+    const Case cases[] = {
+        {"a \"b\" c", "a \"b\" c.zip", true},
+        {"Report.ZIP", "Report.zip", true},
+        {"New.tar", "New.tar.zip", false},
+        {"...zip", nullptr, false},
+        {".zip", nullptr, false},
+    };
+    for (const Case& each : cases) {
+        drop({source / "one.txt"});
+        auto* panel = qobject_cast<SavePanel*>(waitForSheet("savePanel"));
+        panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+            ->setText(QLatin1String(each.typed));
+        bool hasAsked = false;
+        QTimer::singleShot(50, panel, [&] {
+            if (auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                hasAsked = true;
+                question->button(QMessageBox::Yes)->click();
+            }
+        });
+        std::filesystem::path chosen;
+        panel->beginSheetModalForWindow(
+            &window(), [&](int, const std::filesystem::path& path) { chosen = path; });
+        QTest::keyClick(panel, Qt::Key_Return);
+        serveEventsFor(80);
+        EXPECT_EQ(hasAsked, each.asks) << each.typed;
+        EXPECT_EQ(panel->isVisible(), each.archive == nullptr) << each.typed;
+        EXPECT_EQ(chosen, each.archive == nullptr ? fs::path() : source / each.archive);
+        panel->reject();
+        box().clearFiles();
+    }
 }
 
 TEST_F(Request, makesTheArchiveOfAFolderBesideIt)
