@@ -232,6 +232,19 @@ TEST_F(ArchiverTest, cancelBeforeTheSecondItemLeavesNoArchiveAndNoOlderOne)
     EXPECT_EQ(alerts.size(), 1U);
 }
 
+TEST_F(ArchiverTest, stagesNothingUnderANameThatLeadsOutOfTheWorkingFolder)
+{
+    writeFile(folder / "work/kept", "kept");
+    for (const char* name : {".", ".."})
+        for (const int type : {ArchiveTypeTarGz, ArchiveTypeMacZip}) {
+            auto request = job(type);
+            request.name = name;
+            EXPECT_EQ(archiver->archiveFiles(request), std::nullopt);
+        }
+    EXPECT_EQ(readFile(folder / "work/kept"), "kept");
+    EXPECT_EQ(runs().size(), 0U);
+}
+
 TEST_F(ArchiverTest, anAbandonedJobLeavesTheOlderArchiveAlone)
 {
     plan(R"(printf x >>"$4"; : >"$TMPDIR/started"; exec sleep 30)");
