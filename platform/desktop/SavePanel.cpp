@@ -104,5 +104,5 @@ void SavePanel::accept()
             != QMessageBox::Yes)
         return;
     _path = PathText::pathOf(file.absoluteFilePath());
-    QDialog::accept();
+    done(QDialog::Accepted);
 }
