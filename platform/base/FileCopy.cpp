@@ -20,6 +20,7 @@ namespace
 using FileStatus = struct stat; // a name of its own, beside the function
 
 constexpr std::size_t bufferSize = 262144; // large enough that the calls cost nothing
+constexpr std::size_t kernelCopySize = 16777216; // small enough to stop soon on a slow disk
 
 std::error_code lastError()
 {
@@ -56,7 +57,7 @@ void copyExtendedAttributes(int from, int to)
     }
 }
 
-std::error_code copyFile(const fs::path& from, const fs::path& to)
+std::error_code copyFile(const fs::path& from, const fs::path& to, const std::stop_token& stop)
 {
     const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     if (!source)
@@ -65,7 +66,7 @@ std::error_code copyFile(const fs::path& from, const fs::path& to)
         ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!target)
         return lastError();
-    if (const auto failure = FileCopy::copyContents(source.number(), target.number()))
+    if (const auto failure = FileCopy::copyContents(source.number(), target.number(), stop))
         return failure;
     return FileCopy::copyAttributes(source.number(), target.number());
 }
@@ -83,11 +84,12 @@ std::error_code copyLink(const fs::path& from, const fs::path& to)
 }
 
 // A folder is made without its contents or attributes: those come when it is filled.
-std::error_code copyOne(const fs::path& from, const fs::path& to, fs::file_type type)
+std::error_code copyOne(
+    const fs::path& from, const fs::path& to, fs::file_type type, const std::stop_token& stop)
 {
     switch (type) {
     case fs::file_type::regular:
-        return copyFile(from, to);
+        return copyFile(from, to, stop);
     case fs::file_type::symlink:
         return copyLink(from, to);
     case fs::file_type::directory:
@@ -118,14 +120,15 @@ std::error_code copyFolderAttributes(const fs::path& from, const fs::path& to)
 
 } // namespace
 
-std::error_code FileCopy::copyContents(int from, int to)
+std::error_code FileCopy::copyContents(int from, int to, const std::stop_token& stop)
 {
     // The fast way, until the end or until it fails; why it fails need not be known, since the
     // ordinary way goes on from there and meets every lasting error again.
-    while (::copy_file_range(from, nullptr, to, nullptr, 1U << 30U, 0) > 0) { }
+    while (!stop.stop_requested()
+        && ::copy_file_range(from, nullptr, to, nullptr, kernelCopySize, 0) > 0) { }
 
     std::string buffer(bufferSize, '\0');
-    while (true) {
+    while (!stop.stop_requested()) {
         const ssize_t count
             = retryOnInterrupt([&] { return ::read(from, buffer.data(), buffer.size()); });
         if (count <= 0)
@@ -133,6 +136,7 @@ std::error_code FileCopy::copyContents(int from, int to)
         if (const auto failure = writeAll(to, {buffer.data(), static_cast<std::size_t>(count)}))
             return failure;
     }
+    return std::make_error_code(std::errc::operation_canceled);
 }
 
 std::error_code FileCopy::copyAttributes(int from, int to)
@@ -159,7 +163,7 @@ std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to, con
     };
     std::error_code missing; // is told by copyOne
     const auto type = fs::symlink_status(from, missing).type();
-    if (!note(from, copyOne(from, to, type)) || type != fs::file_type::directory)
+    if (!note(from, copyOne(from, to, type, options.stop)) || type != fs::file_type::directory)
         return failure;
 
     const Identity leftOut[] = {identityOf(to), identityOf(options.leavingOut)};
@@ -167,21 +171,24 @@ std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to, con
     std::error_code unreadable;
     constexpr auto iteration = fs::directory_options::skip_permission_denied; // noted further down
     fs::recursive_directory_iterator entry(from, iteration, unreadable);
-    while (!unreadable && entry != fs::recursive_directory_iterator()) {
+    while (!unreadable && !options.stop.stop_requested()
+        && entry != fs::recursive_directory_iterator()) {
         const fs::path target = to / entry->path().lexically_relative(from);
         const auto kind = entry->symlink_status(unreadable).type();
         const bool isFolder = kind == fs::file_type::directory;
         const bool isLeftOut
             = isFolder && std::ranges::count(leftOut, identityOf(entry->path())) > 0;
         const bool isCopied
-            = !isLeftOut && note(entry->path(), copyOne(entry->path(), target, kind));
+            = !isLeftOut && note(entry->path(), copyOne(entry->path(), target, kind, options.stop));
         if (isFolder && isCopied)
             folders.emplace_back(entry->path(), target);
         else
             entry.disable_recursion_pending();
         entry.increment(unreadable);
     }
-    note(from, unreadable);
+    note(from,
+        options.stop.stop_requested() ? std::make_error_code(std::errc::operation_canceled)
+                                      : unreadable);
 
     // From the inside out, for filling a folder changes its times.
     for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)

@@ -138,7 +138,8 @@ private:
     FileDescriptor _descriptor;
 };
 
-std::error_code moveAcrossFileSystems(const fs::path& from, const fs::path& to)
+std::error_code moveAcrossFileSystems(
+    const fs::path& from, const fs::path& to, const std::stop_token& stop)
 {
     const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     if (!source)
@@ -147,7 +148,7 @@ std::error_code moveAcrossFileSystems(const fs::path& from, const fs::path& to)
     const PartFile part(to);
     if (part.descriptor() < 0)
         return lastError();
-    if (const auto failure = FileCopy::copyContents(source.number(), part.descriptor()))
+    if (const auto failure = FileCopy::copyContents(source.number(), part.descriptor(), stop))
         return failure;
     if (const auto failure = FileCopy::copyAttributes(source.number(), part.descriptor()))
         return failure;
@@ -167,13 +168,14 @@ bool isFile(const fs::path& path)
 
 } // namespace
 
-std::error_code FileMove::moveItem(const fs::path& from, const fs::path& to)
+std::error_code FileMove::moveItem(
+    const fs::path& from, const fs::path& to, const std::stop_token& stop)
 {
     if (const auto failure = flushFile(from))
         return failure;
     auto failure = renameWithoutReplacing(from, to);
     if (failure == std::errc::cross_device_link && isFile(from))
-        failure = moveAcrossFileSystems(from, to);
+        failure = moveAcrossFileSystems(from, to, stop);
     if (!failure)
         flushFolderOf(to);
     return failure;

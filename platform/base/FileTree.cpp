@@ -152,17 +152,17 @@ void walk(Cursor& cursor, const std::string& top, const std::function<Names(int 
 
 } // namespace
 
-std::uint64_t FileTree::countEntries(const std::filesystem::path& top)
+std::uint64_t FileTree::countEntries(const std::filesystem::path& top, const std::stop_token& stop)
 {
     std::uint64_t count = 0;
     const auto open = [&](int folder) {
         Names folders;
         forEachEntry(folder, [&](std::string_view name, bool isFolder) {
             ++count;
-            if (isFolder)
+            if (isFolder && !stop.stop_requested())
                 folders.emplace_back(name);
         });
-        return folders;
+        return stop.stop_requested() ? Names() : folders;
     };
     Cursor cursor(Permissions::respected);
     walk(cursor, top, open, [](int, const std::string&) {});

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <stop_token>
 #include <system_error>
 
 // Whole folder trees, walked by descriptor and without recursion: neither the depth nor the length
@@ -11,8 +12,9 @@ namespace FileTree
 {
 
 // All that is below a folder. 0 for what is not a folder or cannot be read; a folder below that
-// cannot be read counts as one.
-[[nodiscard]] std::uint64_t countEntries(const std::filesystem::path& top);
+// cannot be read counts as one. Asked to stop, it gives what it has counted.
+[[nodiscard]] std::uint64_t countEntries(
+    const std::filesystem::path& top, const std::stop_token& stop = {});
 
 enum class Permissions {
     respected,

@@ -46,21 +46,6 @@ bool isAt(const fs::path& path, const FileDescriptor& locked)
         && there.st_dev == ours.st_dev && there.st_ino == ours.st_ino;
 }
 
-void removeStaleFolders(const fs::path& parent)
-{
-    std::error_code unreadable; // then there is nothing to tidy up
-    fs::directory_iterator entry(parent, unreadable);
-    while (!unreadable && entry != fs::directory_iterator()) {
-        const fs::path path = entry->path();
-        entry.increment(unreadable);
-        if (path.filename().native().rfind(prefix, 0) != 0)
-            continue;
-        const FileDescriptor folder = openFolder(path);
-        if (folder && isOurs(folder) && lock(folder))
-            (void)FileTree::remove(path, FileTree::Permissions::overridden);
-    }
-}
-
 } // namespace
 
 ScratchFolder::ScratchFolder()
@@ -79,6 +64,21 @@ ScratchFolder::ScratchFolder()
                 "cannot make a working folder in " + parent.native() + ": " + std::strerror(errno));
         _path = name;
     } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || !isAt(_path, _lock));
+}
+
+void ScratchFolder::removeStaleFolders(const fs::path& parent)
+{
+    std::error_code unreadable; // then there is nothing to tidy up
+    fs::directory_iterator entry(parent, unreadable);
+    while (!unreadable && entry != fs::directory_iterator()) {
+        const fs::path path = entry->path();
+        entry.increment(unreadable);
+        if (path.filename().native().rfind(prefix, 0) != 0)
+            continue;
+        const FileDescriptor folder = openFolder(path);
+        if (folder && isOurs(folder) && lock(folder))
+            (void)FileTree::remove(path, FileTree::Permissions::overridden);
+    }
 }
 
 FileDescriptor ScratchFolder::hold(const fs::path& folder)

@@ -30,6 +30,9 @@ public:
     // the folder is not there, is not this user's, or another process holds it.
     [[nodiscard]] static FileDescriptor hold(const std::filesystem::path& folder);
 
+    // Removes the folders of ours in there that nobody holds.
+    static void removeStaleFolders(const std::filesystem::path& parent);
+
 private:
     std::filesystem::path _path;
     FileDescriptor _lock; // never inherited by a child, which would prolong it

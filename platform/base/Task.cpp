@@ -235,6 +235,19 @@ void Task::interrupt()
     _signal(SIGINT);
 }
 
+void Task::terminate()
+{
+    const auto now = std::chrono::steady_clock::now();
+    bool kills = false;
+    {
+        const std::lock_guard lock(_mutex);
+        if (!_killTime)
+            _killTime = now + gracePeriod;
+        kills = now >= *_killTime;
+    }
+    _signal(kills ? SIGKILL : SIGINT);
+}
+
 int Task::terminationStatus() const
 {
     const std::lock_guard lock(_mutex);

@@ -2,9 +2,11 @@
 
 #include "platform/base/FileDescriptor.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -70,6 +72,10 @@ public:
     // Sends SIGINT to the child's process group; nothing when it is not running.
     void interrupt();
 
+    // As interrupt(), for whoever cannot wait for ever: called again a grace period after the first
+    // time, it kills the child instead.
+    void terminate();
+
     // The exit status; 128 + signal number for a child that was killed by a signal. Valid after
     // either way of reading.
     [[nodiscard]] int terminationStatus() const;
@@ -92,7 +98,8 @@ private:
     std::vector<Pipe> _pipes;
     FileDescriptor _exited; // a pidfd: readable when the child has ended
 
-    mutable std::mutex _mutex; // protects _pid and _status: no signal may follow the reaping
+    mutable std::mutex _mutex; // protects the rest: no signal may follow the reaping
+    std::optional<std::chrono::steady_clock::time_point> _killTime; // of terminate()
     pid_t _pid = 0; // 0: not running
     int _status = 0; // as terminationStatus() gives it
 };

@@ -50,18 +50,20 @@ std::optional<Archiver::Path> Archiver::archiveFiles(const ArchiveFiles& job)
     int status = 0;
     if (job.type == ArchiveTypePlainZip) {
         if (_delegate)
-            _delegate->setNumberOfFiles(convenience::numberOfFilesAtPaths(job.files));
+            _delegate->setNumberOfFiles(
+                convenience::numberOfFilesAtPaths(job.files, _abandoning.get_token()));
         // A leading "~" stays as it is, here and only here.
         result = job.toFolder->native() + "/" + *job.name + ".zip";
         status = createPlainZipAtPath(*result, job.files, job.excludeDSStore, job.compressionLevel);
     } else {
         const Path staged = makeTmpFolderForArchive(*job.name, job.type, job.files);
-        result = archiveFile({.file = staged,
-            .type = job.type,
-            .excludeDSStore = job.excludeDSStore,
-            .compressionLevel = job.compressionLevel,
-            .toFolder = *job.toFolder,
-            .withPassword = job.withPassword});
+        if (!_abandoning.stop_requested())
+            result = archiveFile({.file = staged,
+                .type = job.type,
+                .excludeDSStore = job.excludeDSStore,
+                .compressionLevel = job.compressionLevel,
+                .toFolder = *job.toFolder,
+                .withPassword = job.withPassword});
         (void)FileTree::remove(staged); // the links go, never what they lead to
     }
     if (_delegate && _delegate->archiverCompletedWithStatus)
@@ -95,6 +97,8 @@ Archiver::Path Archiver::makeTmpFolderForArchive(
     Path staged = _workingDirectory.native() + "/" + name;
     ::mkdir(staged.c_str(), 0777); // may be there already
     for (const Path& item : dstPaths) {
+        if (_abandoning.stop_requested())
+            break;
         const Path entry = staged.native() + "/" + PathString::lastPathComponent(item.native());
         if (type == ArchiveTypeMacZip)
             _stageCopy(item, entry);
@@ -102,7 +106,8 @@ Archiver::Path Archiver::makeTmpFolderForArchive(
             ::symlink(item.c_str(), entry.c_str()); // of two items of one name the first stays
     }
     if (_delegate)
-        _delegate->setNumberOfFiles(convenience::numberOfFilesAtPath(staged));
+        _delegate->setNumberOfFiles(
+            convenience::numberOfFilesAtPath(staged, _abandoning.get_token()));
     return staged;
 }
 
@@ -113,7 +118,7 @@ void Archiver::_stageCopy(const Path& item, const Path& entry) const
     if (::link(item.c_str(), entry.c_str()) == 0)
         return;
     (void)FileTree::remove(entry);
-    FileCopy::Options options{.leavingOut = _workingDirectory};
+    FileCopy::Options options{.leavingOut = _workingDirectory, .stop = _abandoning.get_token()};
     if (_delegate)
         options.onFailure = _delegate->notStaged;
     (void)FileCopy::copyItem(item, entry, options);
@@ -141,8 +146,11 @@ void Archiver::cancel()
 
 void Archiver::abandon()
 {
-    _isAbandoned = true;
+    _abandoning.request_stop();
     cancel();
+    const std::lock_guard lock(_taskMutex);
+    if (_task)
+        _task->terminate();
 }
 
 void Archiver::_reportFailure(

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -104,7 +105,8 @@ public:
     void cancel();
 
     // For a program that ends. As cancel(), but for good: what the job has made goes, and nothing
-    // is delivered or replaced.
+    // is delivered or replaced. To be called again until the job has ended: a tool that does not
+    // heed the first call is killed by one that comes a while later.
     void abandon();
 
     // Where the tools are. zipPath() is decided once per process. tarPath() is nothing when the
@@ -154,7 +156,7 @@ private:
     void _stageCopy(const Path& item, const Path& entry) const;
     static std::optional<std::string> _filenameFromData(std::string_view data);
     static int _numberOfLinesInData(std::string_view data);
-    static void _replaceArchive(const Path& archive, const Path& byArchive);
+    void _replaceArchive(const Path& archive, const Path& byArchive) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);
 
@@ -163,5 +165,5 @@ private:
     std::optional<ArchiverDelegate> _delegate;
     Path _workingDirectory;
     std::atomic<bool> _cancelFlag = false;
-    std::atomic<bool> _isAbandoned = false;
+    std::stop_source _abandoning; // ends what the engine does itself, such as copying
 };

@@ -97,29 +97,36 @@ int Archiver::createPlainZipAtPath(const Path& archive, const std::vector<Path>&
     convenience::removeItemAtPath(temporary);
     int status = 0;
     for (const Path& item : sourcePaths) {
-        if (_cancelFlag || _isAbandoned) {
+        if (_cancelFlag || _abandoning.stop_requested()) {
             convenience::removeItemAtPath(temporary);
             status = 1;
             break;
         }
         addToZip(temporary, item, excludeDSStore, compressionLevel);
     }
-    if (_isAbandoned) {
+    if (_abandoning.stop_requested()) {
         convenience::removeItemAtPath(temporary);
         return 1;
     }
     _replaceArchive(archive, temporary);
+    if (_abandoning.stop_requested())
+        convenience::removeItemAtPath(temporary); // what was not moved to the end
     return status;
 }
 
 // Also after a cancel, when there is nothing to replace the archive by: then an older one is
 // removed, and the alert tells that nothing could be written. That is intended.
-void Archiver::_replaceArchive(const Path& archive, const Path& byArchive)
+void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
 {
     std::error_code missing;
-    if (std::filesystem::exists(archive, missing) && FileTree::remove(archive))
+    const bool isThere = std::filesystem::exists(archive, missing);
+    if (isThere && FileTree::remove(archive)) {
         showAlertLater("Unable to replace existing file at '" + archive.native() + "'");
-    else if (FileMove::moveItem(byArchive, archive))
+        return;
+    }
+    // Once the older one is gone only the new one can make up for it.
+    const std::stop_token stop = isThere ? std::stop_token() : _abandoning.get_token();
+    if (FileMove::moveItem(byArchive, archive, stop) && !stop.stop_requested())
         showAlertLater("Unable to write to '" + archive.native() + "'");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <stop_token>
 #include <vector>
 
 // What the engine asks of the file system.
@@ -12,8 +13,11 @@ namespace FileManagerArchiverConvenience
 bool removeItemAtPath(const std::filesystem::path& path);
 
 // The path itself and, for a folder, all that is below it; links are not followed.
-[[nodiscard]] int numberOfFilesAtPath(const std::filesystem::path& path);
+// Asked to stop, both give what they have counted.
+[[nodiscard]] int numberOfFilesAtPath(
+    const std::filesystem::path& path, const std::stop_token& stop = {});
 
-[[nodiscard]] int numberOfFilesAtPaths(const std::vector<std::filesystem::path>& paths);
+[[nodiscard]] int numberOfFilesAtPaths(
+    const std::vector<std::filesystem::path>& paths, const std::stop_token& stop = {});
 
 } // namespace FileManagerArchiverConvenience

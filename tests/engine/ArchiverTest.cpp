@@ -261,6 +261,38 @@ TEST_F(ArchiverTest, anAbandonedJobLeavesTheOlderArchiveAlone)
     EXPECT_EQ(alerts, Lines());
 }
 
+TEST_F(ArchiverTest, anAbandonedToolThatDoesNotHeedIsKilled)
+{
+    plan(R"(printf x >>"$4"; : >"$TMPDIR/started"; trap '' INT; sleep 60; sleep 60)");
+    archiver->setDelegate(noting());
+    std::jthread ender([&](const std::stop_token& ended) {
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "started"); }));
+        while (!ended.stop_requested()) {
+            archiver->abandon();
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+    });
+    const auto start = std::chrono::steady_clock::now();
+    archiver->archiveFiles(job(ArchiveTypePlainZip));
+    ender.request_stop();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "out"));
+}
+
+TEST_F(ArchiverTest, aJobAbandonedBeforeItsToolTouchesNothing)
+{
+    for (const int type : {ArchiveTypePlainZip, ArchiveTypeTarGz, ArchiveTypeMacZip}) {
+        const std::string name = type == ArchiveTypeTarGz ? "Demo.tar.gz" : "Demo.zip";
+        writeFile(folder / "out" / name, "older");
+        archiver->abandon();
+        archiver->archiveFiles(job(type));
+        EXPECT_EQ(readFile(folder / "out" / name), "older");
+        EXPECT_TRUE(fs::is_empty(folder / "work"));
+    }
+    EXPECT_EQ(runs().size(), 0U);
+}
+
 TEST_F(ArchiverTest, cancelAtAnyMomentIsSafe)
 {
     plan(R"(printf x >>"$4")");

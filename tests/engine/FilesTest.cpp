@@ -199,6 +199,34 @@ TEST(FileCopy, copiesNeitherTheCopyNorWhatIsToBeLeftOut)
     EXPECT_TRUE(fs::is_empty(folder / "sub/in/copy/in"));
 }
 
+TEST(FileCopy, andWhatElseTakesLongStopsWhenAsked)
+{
+    const TestFolder folder;
+    std::stop_source ending;
+    fs::create_directories(folder / "from/sub");
+    makeFifo(folder / "from/pipe");
+    writeFile(folder / "from/sub/a", std::string(1'000'000, 'a'));
+    ending.request_stop();
+    const FileCopy::Options stopped{.stop = ending.get_token()};
+    EXPECT_EQ(FileCopy::copyItem(folder / "from/sub/a", folder / "a", stopped),
+        std::errc::operation_canceled);
+    EXPECT_EQ(
+        FileCopy::copyItem(folder / "from", folder / "to", stopped), std::errc::operation_canceled);
+    EXPECT_TRUE(namesIn(folder / "to").empty());
+    EXPECT_EQ(FileTree::countEntries(folder / "from"), 3U);
+    EXPECT_EQ(FileTree::countEntries(folder / "from", ending.get_token()), 2U);
+
+    setenv("TMPDIR", "/dev/shm", 1);
+    const TestFolder other;
+    unsetenv("TMPDIR");
+    if (deviceOf(folder.path()) == deviceOf(other.path()))
+        GTEST_SKIP() << "no second file system";
+    EXPECT_EQ(FileMove::moveItem(folder / "from/sub/a", other / "a", ending.get_token()),
+        std::errc::operation_canceled);
+    EXPECT_TRUE(fs::exists(folder / "from/sub/a"));
+    EXPECT_TRUE(namesIn(other.path()).empty());
+}
+
 TEST(FileTree, countsAndRemovesAnyDepthWithoutFollowingLinks)
 {
     const TestFolder folder;
