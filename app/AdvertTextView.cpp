@@ -123,3 +123,18 @@ void AdvertTextView::mousePressEvent(QMouseEvent* event)
     else
         QTextBrowser::mousePressEvent(event);
 }
+
+// Straight to the link: the text around it would be a stop of its own, at which nothing can be
+// done.
+void AdvertTextView::focusInEvent(QFocusEvent* event)
+{
+    QTextBrowser::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        QTextBrowser::focusNextPrevChild(event->reason() == Qt::TabFocusReason);
+}
+
+// The one link has the focus already.
+bool AdvertTextView::focusNextPrevChild(bool next)
+{
+    return QTextEdit::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
+}

@@ -34,6 +34,8 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     void _appendLink(class QTextCursor& line, const std::optional<QString>& productName,

@@ -189,7 +189,13 @@ const AppController::Path& AppController::tmpFolder()
     if (!_tmpFolder) {
         _tmpFolder = SearchPaths::temporaryDirectory()
             / (appName().toStdString() + "_" + std::to_string(::getpid()));
-        ::mkdir(_tmpFolder->c_str(), 0700); // a failure shows when an archive is made there
+        ::mkdir(_tmpFolder->c_str(), 0700); // may be left by a program of the same number
+        _tmpFolderHold = ScratchFolder::hold(*_tmpFolder);
+        if (std::string other = _tmpFolder->native() + "-XXXXXX"; !_tmpFolderHold) {
+            // Somebody else has that place. A failure shows when an archive is made there.
+            if (::mkdtemp(other.data()) != nullptr)
+                _tmpFolder = other;
+        }
     }
     return *_tmpFolder;
 }
@@ -220,6 +226,7 @@ std::optional<AppController::Path> AppController::tmpdir()
     if (take(tmpdirString()))
         return _tmpdirString;
     // Two programs at work in one folder would take each other's archives.
+    ScratchFolder::removeStaleFolders("/tmp");
     if (const Path own = ownWorkingFolder(bundleIdentifier().toStdString()); take(own))
         return _tmpdirString = own;
     return std::nullopt;

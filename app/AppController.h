@@ -48,6 +48,7 @@ class AppController : public QObject, public MenuItemValidation
     Q_PROPERTY(QString previewText READ previewText NOTIFY previewTextChanged)
     Q_PROPERTY(int selectedDestination READ selectedDestination WRITE setSelectedDestination NOTIFY
             selectedDestinationChanged)
+    Q_PROPERTY(bool acceptsFiles READ acceptsFiles NOTIFY acceptsFilesChanged)
     Q_PROPERTY(int archiveType READ archiveType WRITE setArchiveType NOTIFY archiveTypeChanged)
 
 public:
@@ -134,6 +135,9 @@ public:
     // within 0.05 s become one archive.
     bool applicationOpenFile(const Path& path);
 
+    // Tells that documents to be opened are not there.
+    void couldNotOpen(const std::vector<Path>& missing);
+
     void startProcessing(QObject* sender);
     void runSavePanelSheet(const std::optional<QString>& proposedName);
     SavePanel& savePanel();
@@ -163,6 +167,10 @@ public:
     [[nodiscard]] QString previewText() const;
     [[nodiscard]] int archiveType() const;
     void setArchiveType(int type);
+
+    // Whether the box is open: not from the confirmation of a request until it is delivered, for
+    // its files are read from the box.
+    [[nodiscard]] bool acceptsFiles() const;
 
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
@@ -199,6 +207,7 @@ Q_SIGNALS:
     void previewTextChanged();
     void selectedDestinationChanged();
     void archiveTypeChanged();
+    void acceptsFilesChanged();
 
 private:
     struct Prompt;
@@ -206,6 +215,8 @@ private:
     // QKUtility::afterDelay() for a block that uses this object: it does not run without it.
     void _afterDelay(double seconds, std::function<void()> runBlock);
 
+    void _tellWhatIsLeftOut();
+    void _setAcceptsFiles(bool flag);
     void _startArchiving(const Path& path);
     std::optional<Path> _runArchiver(const Path& path);
     void _deliver(const Path& archive);
@@ -223,6 +234,7 @@ private:
 
     // Made on first use, kept for the process.
     std::optional<Path> _tmpFolder;
+    FileDescriptor _tmpFolderHold; // the lock of the former, once it is made
     std::optional<Path> _tmpdirString;
     FileDescriptor _tmpdirHold; // the working folder's lock, once it is made
     std::optional<Path> _appSupportPath;

@@ -39,7 +39,7 @@ constexpr std::chrono::duration<double> pauseBeforeProgress = 1s;
 constexpr std::chrono::duration<double> pauseAfterCompletion = 1s;
 constexpr double sheetCloseDelay = 0.2;
 constexpr double autoQuitDelay = 1.0;
-constexpr double tellRetryDelay = 0.5;
+constexpr double tellDelay = 0.5;
 
 // Documents that are opened together arrive one by one.
 constexpr double openDelay = 0.05;
@@ -64,6 +64,15 @@ std::string mailScript(const std::string& path)
           "end tell\n";
 }
 
+// A list that fits on a sheet.
+QString listed(const QStringList& names)
+{
+    constexpr int longest = 8;
+    if (names.size() <= longest)
+        return names.join(QLatin1Char('\n'));
+    return names.mid(0, longest - 1).join(QLatin1Char('\n')) + QStringLiteral("\n…");
+}
+
 } // namespace
 
 bool AppController::applicationOpenFile(const Path& path)
@@ -75,8 +84,30 @@ bool AppController::applicationOpenFile(const Path& path)
     return true;
 }
 
+// Once the window stands in its place.
+void AppController::couldNotOpen(const std::vector<Path>& missing)
+{
+    QStringList names;
+    for (const Path& path : missing)
+        names.append(PathText::textOf(path));
+    _afterDelay(tellDelay, [this, names] {
+        _tell(
+            tr("There are no such files"), tr("These cannot be archived:\n%1").arg(listed(names)));
+    });
+}
+
+void AppController::_tellWhatIsLeftOut()
+{
+    const QStringList leftOut = _interface.saveDropView->leftOut();
+    if (!leftOut.isEmpty())
+        _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
+            tr("These are no files of this computer, and will be left out:\n%1")
+                .arg(listed(leftOut)));
+}
+
 void AppController::startProcessing(QObject* /*sender*/)
 {
+    _tellWhatIsLeftOut();
     const bool keepsExtension = UserDefaults::standardUserDefaults().boolForKey(
         QStringLiteral("KeepExtensionForDefaultName"));
     const QString name = QString::fromStdString(
@@ -148,8 +179,19 @@ void AppController::_startArchiving(const Path& path)
         return;
     }
     tmpFolder();
-    _interface.saveDropView->setAcceptDrops(false);
+    _setAcceptsFiles(false);
     _work.detachNewThread([this, path] { archiveToPath(path); });
+}
+
+bool AppController::acceptsFiles() const
+{
+    return _interface.saveDropView->acceptDrops();
+}
+
+void AppController::_setAcceptsFiles(bool flag)
+{
+    _interface.saveDropView->setAcceptDrops(flag);
+    Q_EMIT acceptsFilesChanged();
 }
 
 void AppController::archiveToPath(const Path& path)
@@ -168,7 +210,7 @@ void AppController::archiveToPath(const Path& path)
     }
     _work.performOnMainThread([this] {
         _interface.saveDropView->clearFiles();
-        _interface.saveDropView->setAcceptDrops(true);
+        _setAcceptsFiles(true);
         incrementUsageCount();
     });
 }
@@ -233,7 +275,7 @@ void AppController::composeEmailWithAttachment(const Path& path)
 void AppController::_tell(const QString& title, const QString& message)
 {
     if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
-        _afterDelay(tellRetryDelay, [this, title, message] { _tell(title, message); });
+        _afterDelay(tellDelay, [this, title, message] { _tell(title, message); });
         return;
     }
     _interface.mainWindow->runMessageSheetWithTitle(title, message);
@@ -359,14 +401,14 @@ void AppController::setArchiveType(int type)
 
 void AppController::chooseFiles(QObject* /*sender*/)
 {
-    if (_interface.saveDropView->acceptDrops())
+    if (acceptsFiles())
         OpenPanel::beginForFiles(
             _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
 }
 
 void AppController::chooseFolder(QObject* /*sender*/)
 {
-    if (_interface.saveDropView->acceptDrops())
+    if (acceptsFiles())
         OpenPanel::beginForFolder(
             _interface.mainWindow, {}, [this](const auto& paths) { _chose(paths); });
 }
@@ -383,7 +425,7 @@ void AppController::paste(QObject* /*sender*/)
 {
     const QMimeData* pasteboard = QGuiApplication::clipboard()->mimeData();
     DropView& box = *_interface.saveDropView;
-    if (box.acceptDrops() && pasteboard != nullptr && DropView::offersFiles(*pasteboard)
+    if (acceptsFiles() && pasteboard != nullptr && DropView::offersFiles(*pasteboard)
         && box.performDragOperation(*pasteboard))
         box.concludeDragOperation();
 }

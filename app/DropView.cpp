@@ -11,7 +11,6 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPointer>
-#include <QStyleOptionFocusRect>
 #include <QSysInfo>
 
 namespace
@@ -24,7 +23,8 @@ constexpr double lineWidth = 2;
 constexpr double dashLength = 20;
 constexpr double gapLength = 4;
 constexpr int captionSize = 20;
-constexpr double focusInset = 15; // inside the outline
+constexpr double focusInset = 4; // outside the outline
+constexpr float focusRadius = 6;
 
 // The march: one point per pass.
 constexpr float phaseStep = 1;
@@ -93,6 +93,12 @@ std::optional<std::filesystem::path> DropView::folder() const
     return PathString::stringByDeletingLastPathComponent(_files.front().native());
 }
 
+void DropView::setFiles(Files files)
+{
+    _files = std::move(files);
+    _leftOut.clear();
+}
+
 QSize DropView::sizeHint() const
 {
     return {380, 220};
@@ -119,13 +125,8 @@ void DropView::paintEvent(QPaintEvent* event)
         });
     }
     _drawDashedBoxWithPhase(painter, _phase);
-    if (hasFocus() && !_animate) {
-        QStyleOptionFocusRect option;
-        option.initFrom(this);
-        option.rect = rect().adjusted(focusInset, focusInset, -focusInset, -focusInset);
-        option.backgroundColor = bgColor();
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
-    }
+    if (hasFocus() && !_animate)
+        _drawFocus(painter);
 }
 
 void DropView::_drawCaption(QPainter& painter) const
@@ -135,6 +136,14 @@ void DropView::_drawCaption(QPainter& painter) const
     painter.setFont(font);
     painter.setPen(_animate ? hfgColor() : fgColor());
     painter.drawText(rect(), Qt::AlignCenter, text());
+}
+
+// Some styles would fill the whole box.
+void DropView::_drawFocus(QPainter& painter) const
+{
+    const QRectF box = QRectF(rect()).adjusted(focusInset, focusInset, -focusInset, -focusInset);
+    painter.strokePath(BezierPathExtras::bezierPathWithRoundRectInRect(box, focusRadius),
+        QPen(palette().color(QPalette::Active, QPalette::Highlight), lineWidth));
 }
 
 void DropView::_drawDashedBoxWithPhase(QPainter& painter, float phase) const
@@ -162,7 +171,8 @@ Qt::DropAction DropView::draggingEntered(const QMimeData& pasteboard)
 {
     setAnimate(true);
     update();
-    return offersFiles(pasteboard) ? Qt::CopyAction : Qt::IgnoreAction;
+    _isOffered = offersFiles(pasteboard);
+    return _isOffered ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 void DropView::draggingExited()
@@ -179,7 +189,10 @@ bool DropView::prepareForDragOperation()
 
 bool DropView::performDragOperation(const QMimeData& pasteboard)
 {
-    _files = filesIn(pasteboard).paths;
+    UriList::FilePaths found = filesIn(pasteboard);
+    setFiles(std::move(found.paths));
+    for (const UriList::RefusedLine& refused : found.refused)
+        _leftOut.append(QString::fromStdString(refused.line));
     return true;
 }
 
@@ -210,11 +223,10 @@ void DropView::dragEnterEvent(QDragEnterEvent* event)
 
 void DropView::dragMoveEvent(QDragMoveEvent* event)
 {
-    const bool isOffered = offersFiles(*event->mimeData());
-    event->setDropAction(isOffered ? Qt::CopyAction : Qt::IgnoreAction);
+    event->setDropAction(_isOffered ? Qt::CopyAction : Qt::IgnoreAction);
     // Where copying is not offered this falls back to something else, such as moving: the source
     // would delete its files.
-    event->setAccepted(isOffered && event->dropAction() == Qt::CopyAction);
+    event->setAccepted(_isOffered && event->dropAction() == Qt::CopyAction);
 }
 
 void DropView::dragLeaveEvent(QDragLeaveEvent* /*event*/)

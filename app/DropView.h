@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QColor>
+#include <QStringList>
 
 #include <filesystem>
 #include <optional>
@@ -30,9 +31,12 @@ public:
 
     // The files in the order of the drop. Nothing is checked, duplicates are kept.
     [[nodiscard]] const Files& files() const { return _files; }
-    void setFiles(Files files) { _files = std::move(files); }
+    void setFiles(Files files);
     void addFileWithPath(const std::filesystem::path& path) { _files.push_back(path); }
-    void clearFiles() { _files.clear(); }
+    void clearFiles() { setFiles({}); }
+
+    // What came with the files, by its address, and is no file of this computer.
+    [[nodiscard]] const QStringList& leftOut() const { return _leftOut; }
 
     // The folder that holds the first file.
     [[nodiscard]] std::optional<std::filesystem::path> folder() const;
@@ -75,9 +79,12 @@ protected:
 private:
     void _drawDashedBoxWithPhase(QPainter& painter, float phase) const;
     void _drawCaption(QPainter& painter) const;
+    void _drawFocus(QPainter& painter) const;
 
     AppController* _appController = nullptr;
     bool _animate = false;
+    bool _isOffered = false; // of the drag that hovers: it may be dropped
     float _phase = 0;
     Files _files;
+    QStringList _leftOut;
 };

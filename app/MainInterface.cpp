@@ -1,6 +1,7 @@
 #include "app/MainInterface.h"
 
 #include "app/AppController.h"
+#include "app/ArchiveNameValidator.h"
 #include "platform/desktop/Bindings.h"
 #include "shared/Library/Archiver.h"
 #include "ui_AccessoryView.h"
@@ -51,6 +52,7 @@ MainInterface::MainInterface(AppController& controller)
     window.setupUi(&_window);
     Ui::EmailWindow email;
     email.setupUi(_emailWindow);
+    email.nameField->setValidator(new ArchiveNameValidator(_emailWindow));
     Ui::ProgressWindow progress;
     progress.setupUi(_progressWindow);
     Ui::AccessoryView accessory;

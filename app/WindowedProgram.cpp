@@ -43,17 +43,18 @@ void describe(QApplication& application)
     application.setWindowIcon(icon);
 }
 
-std::vector<fs::path> documents(const std::vector<fs::path>& files)
+void openDocuments(const std::vector<fs::path>& files, AppController& controller)
 {
-    std::vector<fs::path> found;
+    std::vector<fs::path> notThere;
     for (const fs::path& file : files) {
         std::error_code missing;
         if (fs::exists(fs::symlink_status(file, missing)))
-            found.push_back(documentPath(file));
+            controller.applicationOpenFile(documentPath(file));
         else
-            std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
+            notThere.push_back(file);
     }
-    return found;
+    if (!notThere.empty())
+        controller.couldNotOpen(notThere);
 }
 
 } // namespace
@@ -84,8 +85,7 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
         if (signals.take())
             controller.terminate(&interrupted);
     });
-    for (const fs::path& document : documents(files))
-        controller.applicationOpenFile(document);
+    openDocuments(files, controller);
     interface.window().show();
     controller.applicationDidFinishLaunching();
     return QApplication::exec();

@@ -230,6 +230,26 @@ Vielen Dank!</translation>
         <source>there is no working folder at %1</source>
         <translation>es gibt keinen Arbeitsordner unter %1</translation>
     </message>
+    <message>
+        <source>There are no such files</source>
+        <translation>Diese Dateien gibt es nicht</translation>
+    </message>
+    <message>
+        <source>These cannot be archived:
+%1</source>
+        <translation>Nicht archiviert werden können:
+%1</translation>
+    </message>
+    <message>
+        <source>Not everything can be archived</source>
+        <translation>Nicht alles kann archiviert werden</translation>
+    </message>
+    <message>
+        <source>These are no files of this computer, and will be left out:
+%1</source>
+        <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
+%1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>

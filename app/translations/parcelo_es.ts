@@ -230,6 +230,26 @@ Thank you!</source>
         <source>there is no working folder at %1</source>
         <translation>no hay carpeta de trabajo en %1</translation>
     </message>
+    <message>
+        <source>There are no such files</source>
+        <translation>No existen esos archivos</translation>
+    </message>
+    <message>
+        <source>These cannot be archived:
+%1</source>
+        <translation>No se pueden archivar:
+%1</translation>
+    </message>
+    <message>
+        <source>Not everything can be archived</source>
+        <translation>No se puede archivar todo</translation>
+    </message>
+    <message>
+        <source>These are no files of this computer, and will be left out:
+%1</source>
+        <translation>Estos elementos no son archivos de este equipo y se omitirán:
+%1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>

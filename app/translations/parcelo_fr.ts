@@ -230,6 +230,26 @@ Merci !</translation>
         <source>there is no working folder at %1</source>
         <translation>il n’y a pas de dossier de travail à l’emplacement %1</translation>
     </message>
+    <message>
+        <source>There are no such files</source>
+        <translation>Fichiers introuvables</translation>
+    </message>
+    <message>
+        <source>These cannot be archived:
+%1</source>
+        <translation>Impossible d’archiver :
+%1</translation>
+    </message>
+    <message>
+        <source>Not everything can be archived</source>
+        <translation>Tout ne peut pas être archivé</translation>
+    </message>
+    <message>
+        <source>These are no files of this computer, and will be left out:
+%1</source>
+        <translation>Ces éléments ne sont pas des fichiers de cet ordinateur et seront laissés de côté :
+%1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>

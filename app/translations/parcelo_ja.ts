@@ -230,6 +230,26 @@ Thank you!</source>
         <source>there is no working folder at %1</source>
         <translation>作業フォルダ%1がありません</translation>
     </message>
+    <message>
+        <source>There are no such files</source>
+        <translation>ファイルが見つかりません</translation>
+    </message>
+    <message>
+        <source>These cannot be archived:
+%1</source>
+        <translation>アーカイブできません:
+%1</translation>
+    </message>
+    <message>
+        <source>Not everything can be archived</source>
+        <translation>アーカイブできない項目があります</translation>
+    </message>
+    <message>
+        <source>These are no files of this computer, and will be left out:
+%1</source>
+        <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
+%1</translation>
+    </message>
 </context>
 <context>
     <name>DropView</name>

@@ -5,9 +5,12 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace
 {
@@ -24,6 +27,18 @@ QLabel* plainLabel(const std::string& text, const char* objectName, QWidget* par
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setMinimumWidth(label->fontMetrics().averageCharWidth() * messageWidthInCharacters);
     return label;
+}
+
+// The program may be in the background when it has something to say.
+QWidget* windowInFront()
+{
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::ranges::find_if(windows, [](const QWidget* window) {
+        return window->isVisible() && qobject_cast<const QMainWindow*>(window) != nullptr;
+    });
+    return main == windows.end() ? nullptr : *main;
 }
 
 } // namespace
@@ -80,7 +95,7 @@ void AlertPanelWindow::_addButton(QHBoxLayout& row, const std::string& title, in
 void AlertPanelWindow::presentAlerts()
 {
     AlertPanel::setPresenter([](const AlertPanel::Alert& alert) {
-        AlertPanelWindow panel(alert, QApplication::activeWindow());
+        AlertPanelWindow panel(alert, windowInFront());
         return panel.exec();
     });
 }

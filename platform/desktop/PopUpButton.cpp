@@ -140,8 +140,9 @@ void PopUpButton::_choose(const QAction* action)
         Q_EMIT selectedTagChanged(selectedTag());
         return;
     }
-    QMetaObject::invokeMethod(
-        found->item.target, found->item.action.constData(), Q_ARG(QObject*, this));
+    const QByteArray method = found->item.action; // the row may go with what it does
+    if (!QMetaObject::invokeMethod(found->item.target, method.constData(), Q_ARG(QObject*, this)))
+        qWarning("the target has no action %s", method.constData());
 }
 
 bool PopUpButton::_isEnabled(const PopUpMenuItem& item) const

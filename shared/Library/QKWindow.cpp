@@ -160,7 +160,7 @@ void QKWindow::beginSheet(QDialog* window)
 
 void QKWindow::endSheet()
 {
-    if (_currentSheet != nullptr)
+    if (_currentSheet)
         _currentSheet->hide();
 }
 

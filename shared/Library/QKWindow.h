@@ -4,6 +4,7 @@
 #include "platform/desktop/PopUpButton.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 
 #include <chrono>
@@ -116,7 +117,7 @@ private:
     void _saveFrame() const;
 
     std::unique_ptr<AlertPanelWindow> _alertPanel; // what is up, if anything
-    QDialog* _currentSheet = nullptr; // borrowed: what beginSheet() showed last
+    QPointer<QDialog> _currentSheet; // borrowed: what beginSheet() showed last
     std::optional<QString> _title;
     std::optional<QString> _titleSuffix;
     std::unique_ptr<std::mutex> _lock; // lets questions take turns; see initWithWindow()

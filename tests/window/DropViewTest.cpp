@@ -1,9 +1,11 @@
 #include "app/DropView.h"
 
+#include "app/AdvertTextView.h"
 #include "shared/Library/BezierPathExtras.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPainterPath>
@@ -117,13 +119,13 @@ TEST_F(DropBox, marchesOnlyWhileItIsHoveredAndGoesOnFromThere)
     Drag drag(uriList, "file:///a\r\n");
     drag.enter(box());
     ASSERT_TRUE(waitFor([&] { return box().phase() >= 5; }));
-    EXPECT_EQ(box().grab().toImage().pixelColor(5, 5), DropView::hbgColor());
+    EXPECT_EQ(box().grab().toImage().pixelColor(1, 1), DropView::hbgColor());
     Drag::leave(box());
     serveEventsFor(50);
     const float phase = box().phase();
     serveEventsFor(50);
     EXPECT_EQ(box().phase(), phase);
-    EXPECT_EQ(box().grab().toImage().pixelColor(5, 5), DropView::bgColor());
+    EXPECT_EQ(box().grab().toImage().pixelColor(1, 1), DropView::bgColor());
     drag.enter(box());
     EXPECT_TRUE(waitFor([&] { return box().phase() > phase; }));
     Drag::leave(box());
@@ -143,6 +145,25 @@ TEST_F(DropBox, isPressedByKeyToChooseFiles)
         serveEventsFor(20);
     }
     EXPECT_TRUE(box().files().empty());
+}
+
+TEST_F(DropBox, andItsNeighboursAreOneTabStopEach)
+{
+    start();
+    window().activateWindow();
+    box().setFocus();
+    auto* advert = find<AdvertTextView>("advertTextView");
+    QStringList stops;
+    for (int stop = 0; stop < 3; ++stop) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        stops.append(QApplication::focusWidget()->objectName());
+        EXPECT_EQ(advert->textCursor().hasSelection(), stop == 1) << "the link is chosen";
+    }
+    EXPECT_EQ(stops, QStringList({"destinationPop", "advertTextView", "saveDropView"}));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_TRUE(advert->textCursor().hasSelection());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("destinationPop"));
 }
 
 TEST_F(DropBox, andItsNeighboursAreKnownToScreenReaders)

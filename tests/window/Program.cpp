@@ -21,6 +21,8 @@ void Program::SetUp()
 
 void Program::TearDown()
 {
+    if (_controller)
+        (void)_controller->applicationShouldTerminate(); // removes what it has made
     _interface.reset();
     _controller.reset();
     Workspace::setSharedWorkspace(nullptr);

@@ -18,6 +18,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include <unistd.h>
+
 namespace fs = std::filesystem;
 
 class Request : public Program
@@ -97,6 +99,8 @@ TEST_F(Request, makesTheArchiveBesideTheSource)
     panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(QStringLiteral("New.v2"));
     QTest::keyClick(panel, Qt::Key_Return);
     EXPECT_FALSE(box().acceptDrops()) << "until the request has ended";
+    for (const char* action : {"chooseFiles", "chooseFolder", "paste", "showPreference"})
+        EXPECT_FALSE(find<QAction>(action)->isEnabled()) << action;
     QDialog* progress = waitForSheet("ProgressWindow");
     EXPECT_TRUE(waitFor([&] {
         return progress->findChild<QLabel*>(QStringLiteral("statusTF"))->text()
@@ -110,6 +114,7 @@ TEST_F(Request, makesTheArchiveBesideTheSource)
         (std::vector<std::string>{"one.txt", "two.txt"}));
     EXPECT_EQ(support::readFile(source / "Untitled.v2.zip"), "an older file");
     EXPECT_EQ(workspace.revealed, std::vector<fs::path>{source / "New.v2.zip"});
+    EXPECT_TRUE(find<QAction>("paste")->isEnabled());
     EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("UsageCount")), 1);
 }
 
@@ -211,6 +216,62 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     EXPECT_EQ(composer.mailed, std::vector<fs::path>{archive});
     EXPECT_TRUE(workspace.revealed.empty());
     EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("EmailCount")), 1);
+}
+
+TEST_F(Request, makesAFileNameOfWhateverIsTyped)
+{
+    start();
+    auto* field = find<QLineEdit>("nameField");
+    const auto longest = [](const QString& letter, int count) { return letter.repeated(count); };
+    const struct {
+        QString typed;
+        QString name;
+    } cases[] = {
+        {QStringLiteral("../../etc/passwd"), QStringLiteral("..-..-etc-passwd")},
+        {longest(QStringLiteral("x"), 300), longest(QStringLiteral("x"), 251)},
+        {longest(QStringLiteral("ü"), 300), longest(QStringLiteral("ü"), 125)},
+        {longest(QStringLiteral("😀"), 100), longest(QStringLiteral("😀"), 62)},
+    };
+    for (const auto& each : cases) {
+        field->clear();
+        field->insert(each.typed);
+        EXPECT_EQ(controller().filename(), each.name);
+        controller().setFilename(each.typed);
+        EXPECT_EQ(field->text(), each.name);
+        EXPECT_EQ(controller().filename(), each.name);
+    }
+}
+
+TEST_F(Request, tellsWhatOfADropIsLeftOut)
+{
+    start();
+    QMimeData dropped;
+    dropped.setData(QStringLiteral("text/uri-list"),
+        "file:///no/such\r\nsftp://host/far\r\nfile://other/file\r\n");
+    std::string told;
+    whenSheetIsUp([&](QDialog* sheet) {
+        told = sheet->findChild<QLabel*>(QStringLiteral("alertMessage"))->text().toStdString();
+        sheet->reject();
+    });
+    EXPECT_TRUE(box().performDragOperation(dropped));
+    box().concludeDragOperation();
+    QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Escape);
+    EXPECT_EQ(told.substr(told.find('\n')), "\nsftp://host/far\nfile://other/file");
+
+    drop({source / "one.txt"}); // nothing is told again
+    QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Escape);
+}
+
+TEST_F(Request, mailsFromAFolderOfItsOwnWhereAnotherHasTakenIt)
+{
+    start();
+    const fs::path taken = fs::temp_directory_path() / ("Parcelo_" + std::to_string(getpid()));
+    fs::remove_all(taken); // of an earlier test
+    fs::create_directory_symlink(source, taken);
+    const fs::path scratch = controller().tmpFolder();
+    EXPECT_NE(scratch, taken);
+    EXPECT_EQ(fs::status(scratch).permissions(), fs::perms::owner_all);
+    fs::remove(taken);
 }
 
 TEST_F(Request, stopsWhenCancelledAndSaysSo)

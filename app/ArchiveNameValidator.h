@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QValidator>
+
+// Makes of any text the name of a file that can get the extension of an archive.
+class ArchiveNameValidator : public QValidator
+{
+    Q_OBJECT
+
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& input, int& position) const override;
+};
