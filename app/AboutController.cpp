@@ -34,7 +34,7 @@ void AboutController::_loadWindow()
     _window = std::make_unique<QDialog>();
     Ui::About about;
     about.setupUi(_window.get());
-    (void)Bindings::bind(_window.get(), this);
+    Bindings::bindAll(_window.get(), this);
     about.iconLabel->setPixmap(QApplication::windowIcon().pixmap(iconSize));
     connect(about.sendMail, &QPushButton::clicked, this, [this] { sendMail(sender()); });
     connect(about.visitWebsite, &QPushButton::clicked, this, [this] { visitWebsite(sender()); });

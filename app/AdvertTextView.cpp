@@ -27,7 +27,9 @@ AdvertTextView::AdvertTextView(QWidget* parent)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     setFocusPolicy(Qt::TabFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     setAccessibleName(tr("About the maker's products"));
@@ -67,25 +69,27 @@ void AdvertTextView::setProductName(const std::optional<QString>& name,
     line.setBlockFormat(centred);
     if (!_shortVersion)
         line.insertText(tr("Brought to you by "), _attributes);
-    _appendLink(line, name, directory);
+    if (const auto link = _linkStringForProductName(name, directory))
+        line.insertFragment(*link);
     line.insertText(QLatin1String(" - ") + blurp.value_or(missingObject), _attributes);
 }
 
-void AdvertTextView::_appendLink(QTextCursor& line, const std::optional<QString>& productName,
-    const std::optional<QString>& directory) const
+std::optional<QTextDocumentFragment> AdvertTextView::_linkStringForProductName(
+    const std::optional<QString>& productName, const std::optional<QString>& directory) const
 {
     const QUrl address(
         QLatin1String(PARCELO_SITE) + directory.value_or(missingObject) + QLatin1Char('/'),
         QUrl::StrictMode);
     if (!address.isValid())
-        return;
-    QTextCharFormat link;
-    link.setFont(_attributes.font());
+        return std::nullopt;
+    QTextCharFormat link = _attributes;
     link.setAnchor(true);
     link.setAnchorHref(address.toString());
     link.setForeground(Qt::white);
     link.setFontUnderline(false);
-    line.insertText(productName.value_or(missingObject), link);
+    QTextDocument text;
+    QTextCursor(&text).insertText(productName.value_or(missingObject), link);
+    return QTextDocumentFragment(&text);
 }
 
 std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId)

@@ -2,6 +2,7 @@
 
 #include <QTextBrowser>
 #include <QTextCharFormat>
+#include <QTextDocumentFragment>
 
 #include <cstdint>
 #include <optional>
@@ -38,8 +39,9 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
-    void _appendLink(class QTextCursor& line, const std::optional<QString>& productName,
-        const std::optional<QString>& directory) const;
+    // Nothing for a directory that cannot stand in an address.
+    [[nodiscard]] std::optional<QTextDocumentFragment> _linkStringForProductName(
+        const std::optional<QString>& productName, const std::optional<QString>& directory) const;
     static std::optional<QString> _blurpForProductId(std::int32_t productId);
 
     QTextCharFormat _attributes;

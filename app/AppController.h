@@ -5,6 +5,7 @@
 #include "platform/desktop/PopUpButton.h"
 #include "shared/Library/Archiver.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QStringList>
 
@@ -184,8 +185,9 @@ public:
     void checkForUpdatesInBackground();
     void checkForUpdatesInBackgroundLastAttempt();
 
-    // Each asks at most until it is told not to.
+    // Each asks at most until it is told not to. The first makes a special offer for a time.
     void sellSendora();
+    void sellSendora(const QDateTime& now);
     void runShareOnFacebookSheet();
     void runRateOnAppStoreSheet();
 
@@ -230,6 +232,7 @@ private:
     std::unique_ptr<PreferenceController> _preferenceController;
     std::int32_t _dockDropCount = 0; // documents opened through the icon
     bool _shouldAutoQuit = false; // quit when the archive is done; settled at launch
+    bool _hasMailed = false; // an archive of this process: quitting would take it away
     QString _filename; // of the archive being asked for
 
     // Made on first use, kept for the process.

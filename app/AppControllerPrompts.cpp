@@ -99,6 +99,11 @@ void AppController::checkForUpdatesInBackgroundLastAttempt()
 
 void AppController::sellSendora()
 {
+    sellSendora(QDateTime::currentDateTime());
+}
+
+void AppController::sellSendora(const QDateTime& now)
+{
     const QString key = QStringLiteral("SellSendora");
     if (hasSendora() || !UserDefaults::standardUserDefaults().boolForKey(key))
         return;
@@ -112,7 +117,7 @@ void AppController::sellSendora()
     const QString specialOffer = tr(
         "\n\nFor a limited time, apply coupon code 'KVW5' (write this down!) during checkout to "
         "receive a 30%% discount on Sendora.\n\nHurry! Offer expires Oct 31, 2010.");
-    const bool isSpecial = QDate(2010, 10, 29).startOfDay() > QDateTime::currentDateTime();
+    const bool isSpecial = QDate(2010, 10, 29).startOfDay() > now;
     _runPrompt({.key = key,
         .title = isSpecial ? tr("Sendora Special Offer") : tr("Sendora"),
         .message = isSpecial ? message + specialOffer : message,

@@ -260,6 +260,7 @@ void AppController::_fail(const std::string& reason)
 
 void AppController::composeEmailWithAttachment(const Path& path)
 {
+    _hasMailed = true;
     AppleScript script = AppleScript::initWithSource(mailScript(path.native()));
     script.executeAndReturnError();
 
@@ -352,7 +353,7 @@ void AppController::archiverCompletedWithStatus(int status)
     // Quitting would take the attachment from a mail program that has hardly started.
     if (_shouldAutoQuit)
         _afterDelay(autoQuitDelay, [this] {
-            if (selectedDestination() != DestinationTagEmail)
+            if (!_hasMailed)
                 terminate(this);
         });
 }

@@ -90,8 +90,7 @@ MainInterface::MainInterface(AppController& controller)
         .saveDropView = window.saveDropView});
     for (QWidget* form :
         {static_cast<QWidget*>(&_window), static_cast<QWidget*>(_emailWindow), _accessoryView})
-        for (const QString& mistake : Bindings::bind(form, &controller))
-            qWarning("cannot be bound: %s", qPrintable(mistake));
+        Bindings::bindAll(form, &controller);
 }
 
 MainInterface::~MainInterface() = default;

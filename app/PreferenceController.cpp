@@ -28,7 +28,8 @@ void PreferenceController::_loadWindow(QKWindow* onWindow)
     Ui::Preference preference;
     preference.setupUi(_window);
     _hideAdvertBtn = preference.hideAdvertBtn;
-    (void)_defaultsController.bind(_window);
+    [[maybe_unused]] const QStringList unbound = _defaultsController.bind(_window);
+    Q_ASSERT_X(unbound.isEmpty(), "Preference", qPrintable(unbound.join(u'\n')));
     connect(preference.hideAdvertBtn, &QCheckBox::clicked, this,
         [this] { toggleAdvert(_hideAdvertBtn); });
     connect(preference.acceptButton, &QPushButton::clicked, this, [this] { accept(sender()); });

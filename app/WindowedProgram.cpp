@@ -9,6 +9,7 @@
 #include "platform/desktop/AlertPanelWindow.h"
 #include "platform/desktop/MainQueueTimers.h"
 #include "platform/desktop/PathText.h"
+#include "shared/Library/QKUtility.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -77,6 +78,7 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
 
     AppController controller;
     MainInterface interface(controller);
+    QKUtility::setTerminator([&controller] { controller.terminate(nullptr); });
     // quit() would ask the windows first, and the progress sheet does not close.
     QObject::connect(&controller, &AppController::terminated, &application,
         [] { QCoreApplication::exit(EXIT_SUCCESS); });

@@ -596,5 +596,9 @@ Möchten Sie es ersetzen?</translation>
         <source>&amp;Open Download Page</source>
         <translation>&amp;Download-Seite öffnen</translation>
     </message>
+    <message>
+        <source>&amp;What Is New</source>
+        <translation>&amp;Was ist neu</translation>
+    </message>
 </context>
 </TS>

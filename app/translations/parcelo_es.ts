@@ -596,5 +596,9 @@ Do you want to replace it?</source>
         <source>&amp;Open Download Page</source>
         <translation>&amp;Abrir la página de descarga</translation>
     </message>
+    <message>
+        <source>&amp;What Is New</source>
+        <translation>&amp;Novedades</translation>
+    </message>
 </context>
 </TS>

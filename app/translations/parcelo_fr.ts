@@ -596,5 +596,9 @@ Voulez-vous le remplacer ?</translation>
         <source>&amp;Open Download Page</source>
         <translation>&amp;Ouvrir la page de téléchargement</translation>
     </message>
+    <message>
+        <source>&amp;What Is New</source>
+        <translation>&amp;Nouveautés</translation>
+    </message>
 </context>
 </TS>

@@ -596,5 +596,9 @@ Do you want to replace it?</source>
         <source>&amp;Open Download Page</source>
         <translation>ダウンロードページを開く(&amp;O)</translation>
     </message>
+    <message>
+        <source>&amp;What Is New</source>
+        <translation>新機能(&amp;W)</translation>
+    </message>
 </context>
 </TS>

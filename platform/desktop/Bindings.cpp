@@ -81,3 +81,9 @@ QStringList Bindings::bind(QWidget* root, QObject* controller)
     }
     return unbound;
 }
+
+void Bindings::bindAll(QWidget* root, QObject* controller)
+{
+    [[maybe_unused]] const QStringList unbound = bind(root, controller);
+    Q_ASSERT_X(unbound.isEmpty(), "bindAll", qPrintable(unbound.join(u'\n')));
+}

@@ -18,4 +18,7 @@ namespace Bindings
 // the controller, or a control without a value. A program without mistakes gets nothing.
 [[nodiscard]] QStringList bind(QWidget* root, QObject* controller);
 
+// The same for a program without mistakes, which is checked with assertions on.
+void bindAll(QWidget* root, QObject* controller);
+
 } // namespace Bindings

@@ -18,9 +18,17 @@ constexpr auto inlineTags
 constexpr auto invisible = std::to_array<std::pair<QStringView, QStringView>>(
     {{u"<!--", u"-->"}, {u"<script", u"</script"}, {u"<style", u"</style"}});
 
-constexpr auto entities = std::to_array<std::pair<QStringView, char16_t>>(
-    {{u"&lt;", u'<'}, {u"&gt;", u'>'}, {u"&quot;", u'"'}, {u"&apos;", u'\''}, {u"&#39;", u'\''},
-        {u"&nbsp;", u' '}, {u"&amp;", u'&'}});
+// The names of characters that texts are likely to have; others stay as they are.
+constexpr auto entities = std::to_array<std::pair<QStringView, char32_t>>(
+    {{u"lt", U'<'}, {u"gt", U'>'}, {u"quot", U'"'}, {u"apos", U'\''}, {u"nbsp", U' '},
+        {u"amp", U'&'}, {u"copy", U'©'}, {u"reg", U'®'}, {u"trade", U'™'}, {u"deg", U'°'},
+        {u"middot", U'·'}, {u"bull", U'•'}, {u"hellip", U'…'}, {u"ndash", U'–'}, {u"mdash", U'—'},
+        {u"lsquo", U'‘'}, {u"rsquo", U'’'}, {u"sbquo", U'‚'}, {u"ldquo", U'“'}, {u"rdquo", U'”'},
+        {u"bdquo", U'„'}, {u"laquo", U'«'}, {u"raquo", U'»'}, {u"times", U'×'}, {u"larr", U'←'},
+        {u"rarr", U'→'}, {u"auml", U'ä'}, {u"ouml", U'ö'}, {u"uuml", U'ü'}, {u"Auml", U'Ä'},
+        {u"Ouml", U'Ö'}, {u"Uuml", U'Ü'}, {u"szlig", U'ß'}, {u"eacute", U'é'}, {u"egrave", U'è'},
+        {u"agrave", U'à'}, {u"ccedil", U'ç'}, {u"ntilde", U'ñ'}, {u"euro", U'€'}});
+constexpr qsizetype longestEntity = 10; // with "&" and ";", numbers included
 
 // Puts words together, with one blank or line end between them.
 class Lines
@@ -85,6 +93,29 @@ void appendTag(QStringView tag, Lines& lines)
     }
 }
 
+// What stands between "&" and ";" at the beginning of the text.
+QStringView entityAt(QStringView rest)
+{
+    const qsizetype end = rest.first(std::min(rest.size(), longestEntity)).indexOf(u';');
+    return rest.front() == u'&' && end > 0 ? rest.sliced(1, end - 1) : QStringView();
+}
+
+// Nothing (0) for what names no character that can be shown.
+char32_t characterOf(QStringView entity)
+{
+    const auto named
+        = std::ranges::find(entities, entity, [](const auto& each) { return each.first; });
+    if (named != entities.end())
+        return named->second;
+    if (!entity.startsWith(u'#'))
+        return U'\0';
+    const bool isHexadecimal = entity.startsWith(u"#x", Qt::CaseInsensitive);
+    bool isNumber = false;
+    const char32_t number
+        = entity.sliced(isHexadecimal ? 2 : 1).toUInt(&isNumber, isHexadecimal ? 16 : 10);
+    return isNumber && QChar::isPrint(number) ? number : U'\0';
+}
+
 // The entity or the one unit that the text begins with; how much that was.
 qsizetype appendUnit(QStringView rest, Lines& lines)
 {
@@ -92,12 +123,11 @@ qsizetype appendUnit(QStringView rest, Lines& lines)
         lines.separate(u' ');
         return 1;
     }
-    if (rest.front() == u'&')
-        for (const auto& [name, unit] : entities)
-            if (rest.startsWith(name)) {
-                lines.append(QStringView(&unit, 1));
-                return name.size();
-            }
+    if (const QStringView entity = entityAt(rest); !entity.isEmpty())
+        if (const char32_t character = characterOf(entity); character != U'\0') {
+            lines.append(QString::fromUcs4(&character, 1));
+            return entity.size() + 2;
+        }
     lines.append(rest.first(1));
     return 1;
 }
@@ -108,14 +138,16 @@ QString HTMLText::plainText(const QString& html)
 {
     const QStringView text(html);
     Lines lines;
-    bool hasTags = false;
+    bool isHTML = false;
     for (qsizetype index = 0; index < text.size();) {
         const QStringView rest = text.sliced(index);
         if (!beginsTag(rest)) {
-            index += appendUnit(rest, lines);
+            const qsizetype size = appendUnit(rest, lines);
+            isHTML = isHTML || size > 1;
+            index += size;
             continue;
         }
-        hasTags = true;
+        isHTML = true;
         index += sizeOfInvisible(rest);
         const qsizetype end = text.indexOf(u'>', index);
         if (end < 0)
@@ -123,5 +155,5 @@ QString HTMLText::plainText(const QString& html)
         appendTag(text.sliced(index, end - index), lines);
         index = end + 1;
     }
-    return hasTags ? lines.text() : html;
+    return isHTML ? lines.text() : html;
 }

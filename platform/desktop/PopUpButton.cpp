@@ -141,8 +141,9 @@ void PopUpButton::_choose(const QAction* action)
         return;
     }
     const QByteArray method = found->item.action; // the row may go with what it does
-    if (!QMetaObject::invokeMethod(found->item.target, method.constData(), Q_ARG(QObject*, this)))
-        qWarning("the target has no action %s", method.constData());
+    [[maybe_unused]] const bool isInvoked
+        = QMetaObject::invokeMethod(found->item.target, method.constData(), Q_ARG(QObject*, this));
+    Q_ASSERT_X(isInvoked, "the target has no action", method.constData());
 }
 
 bool PopUpButton::_isEnabled(const PopUpMenuItem& item) const

@@ -12,6 +12,7 @@ namespace
 {
 
 constexpr std::chrono::seconds timeBetweenChecks = std::chrono::hours(24);
+constexpr std::chrono::seconds retryDelay(2);
 
 const QString feedKey = QStringLiteral("SUFeedURL");
 const QString lastCheckKey = QStringLiteral("SULastCheckTime");
@@ -41,6 +42,7 @@ UpdateSheet::Offer offerFor(const AppcastReader::Item& item)
     return {.version = item.shortVersionString.isEmpty() ? item.version : item.shortVersionString,
         .hostVersion = hostVersion(),
         .whatIsNew = HTMLText::plainText(item.description),
+        .notesPage = webAddress(item.releaseNotesLink),
         .page = page.isValid() ? page : webAddress(item.enclosureURL),
         .isCritical = item.isCritical};
 }
@@ -51,6 +53,9 @@ SUUpdater::SUUpdater(Defaults defaults, std::chrono::milliseconds timeout)
     : _defaults(std::move(defaults))
     , _download(AppcastReader::largestFeedInBytes, timeout)
 {
+    _retry.setSingleShot(true);
+    _retry.setInterval(retryDelay);
+    connect(&_retry, &QTimer::timeout, this, &SUUpdater::_finish);
 }
 
 void SUUpdater::checkForUpdates(QObject* /*sender*/)
@@ -67,7 +72,7 @@ void SUUpdater::checkForUpdates(QObject* /*sender*/)
 
 void SUUpdater::checkForUpdatesInBackground()
 {
-    if (_sheet || _download.isRunning() || !_isDue())
+    if (_sheet || _download.isRunning() || _retry.isActive() || !_isDue())
         return;
     _isAsked = false;
     _start();
@@ -83,17 +88,24 @@ bool SUUpdater::_isDue() const
 
 void SUUpdater::_start()
 {
+    _retry.stop();
     const QUrl url = webAddress(_defaults.objectForKey(feedKey).toString());
     if (url.isValid())
-        _download.start(url, [this](const FeedDownload::Result& result) { _finish(result); });
+        _download.start(url, [this](const FeedDownload::Result& result) {
+            _result = result;
+            _finish();
+        });
     else
         _tellProblem(tr("No address to look for new versions at is set."));
 }
 
-void SUUpdater::_finish(const FeedDownload::Result& result)
+void SUUpdater::_finish()
 {
-    if (!_isAsked && QApplication::activeModalWidget())
-        return; // nothing is told, so nothing counts as checked
+    if (!_isAsked && QApplication::activeModalWidget()) {
+        _retry.start(); // nothing is told, so nothing counts as checked
+        return;
+    }
+    const FeedDownload::Result result = std::exchange(_result, {});
     if (result.isAnswered)
         _defaults.setObject(lastCheckKey, QVariant::fromValue<qlonglong>(now().count()));
     if (!result.problem.isEmpty()) {

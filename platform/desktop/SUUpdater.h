@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <QUrl>
 #include <QVariant>
 #include <QWidget>
@@ -40,20 +41,22 @@ public:
     // Always answers: with what is newer, that nothing is, or what went wrong.
     void checkForUpdates(QObject* sender);
 
-    // Answers only with what is newer, and not while a dialog blocks the program. Does nothing
-    // within a day of the last check.
+    // Answers only with what is newer, and waits with that while a dialog blocks the program. Does
+    // nothing within a day of the last check.
     void checkForUpdatesInBackground();
 
 private:
     [[nodiscard]] bool _isDue() const;
     void _start();
-    void _finish(const FeedDownload::Result& result);
+    void _finish();
     void _tell(const AppcastReader::Item* newest);
     void _tellProblem(const QString& problem);
     void _show(QDialog* sheet);
 
     Defaults _defaults;
     FeedDownload _download;
+    FeedDownload::Result _result; // of the last download, until it is told
+    QTimer _retry; // runs while it cannot be told
     QPointer<QWidget> _parentWindow;
     QPointer<QDialog> _sheet;
     bool _isAsked = false; // by the user, who waits for an answer

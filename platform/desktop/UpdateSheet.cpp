@@ -57,7 +57,7 @@ UpdateSheet::UpdateSheet(const Offer& offer, QWidget* parent)
         QStringLiteral("versions"), this));
     if (!offer.whatIsNew.isEmpty())
         layout->addWidget(_makeNotes(offer.whatIsNew));
-    layout->addWidget(_makeButtons(offer.page));
+    layout->addWidget(_makeButtons(offer));
     setAccessibleName(headline->text());
 }
 
@@ -74,21 +74,28 @@ QWidget* UpdateSheet::_makeNotes(const QString& whatIsNew)
     return notes;
 }
 
-QWidget* UpdateSheet::_makeButtons(const QUrl& page)
+QWidget* UpdateSheet::_makeButtons(const Offer& offer)
 {
     auto* buttons = new QDialogButtonBox(this);
     auto* later = buttons->addButton(tr("&Not Now"), QDialogButtonBox::RejectRole);
     later->setObjectName(QStringLiteral("notNow"));
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    if (page.isValid()) {
+    const auto connectPage = [this](QPushButton* button, const QUrl& page) {
+        connect(button, &QPushButton::clicked, this,
+            [page] { Workspace::sharedWorkspace().openURL(page); });
+    };
+    if (offer.whatIsNew.isEmpty() && offer.notesPage.isValid()) {
+        auto* notes = buttons->addButton(tr("&What Is New"), QDialogButtonBox::ActionRole);
+        notes->setObjectName(QStringLiteral("openNotes"));
+        connectPage(notes, offer.notesPage);
+    }
+    if (offer.page.isValid()) {
         auto* open = buttons->addButton(tr("&Open Download Page"), QDialogButtonBox::AcceptRole);
         open->setObjectName(QStringLiteral("openPage"));
         open->setDefault(true);
         open->setFocus();
-        connect(buttons, &QDialogButtonBox::accepted, this, [this, page] {
-            accept();
-            Workspace::sharedWorkspace().openURL(page);
-        });
+        connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+        connectPage(open, offer.page);
     }
     return buttons;
 }
@@ -101,6 +108,8 @@ QDialog* UpdateSheet::message(const QString& text, const QString& information, Q
     sheet->setTextFormat(Qt::PlainText);
     sheet->setText(text);
     sheet->setInformativeText(information);
+    if (auto* label = sheet->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+        label->setTextFormat(Qt::PlainText); // which the box's own format does not reach
     sheet->setAccessibleName(text);
     sheet->setStandardButtons(QMessageBox::Ok);
     return sheet;

@@ -15,7 +15,8 @@ public:
         QString version;
         QString hostVersion;
         QString whatIsNew; // empty: is not said
-        QUrl page; // invalid: there is none to open
+        QUrl notesPage; // says what is new where there is no text; invalid: there is none
+        QUrl page; // to download from; invalid: there is none to open
         bool isCritical = false;
     };
 
@@ -26,5 +27,5 @@ public:
 
 private:
     [[nodiscard]] QWidget* _makeNotes(const QString& whatIsNew);
-    [[nodiscard]] QWidget* _makeButtons(const QUrl& page);
+    [[nodiscard]] QWidget* _makeButtons(const Offer& offer);
 };

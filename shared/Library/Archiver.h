@@ -105,8 +105,9 @@ public:
     void cancel();
 
     // For a program that ends. As cancel(), but for good: what the job has made goes, and nothing
-    // is delivered or replaced. To be called again until the job has ended: a tool that does not
-    // heed the first call is killed by one that comes a while later.
+    // is delivered. An older archive stays, except for types that remove it before their tool runs.
+    // To be called again until the job has ended: a tool that does not heed the first call is
+    // killed by one that comes a while later.
     void abandon();
 
     // Where the tools are. zipPath() is decided once per process. tarPath() is nothing when the

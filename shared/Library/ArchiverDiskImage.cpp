@@ -106,12 +106,15 @@ std::optional<Archiver::Path> Archiver::createDMG(
     else
         runHdiutil({"unmount", volume});
 
-    std::vector<std::string> convert{"convert", name + ".sparseimage", "-format", "UDZO"};
-    if (withPassword) // also an empty one
-        convert.insert(convert.end(), {"-encryption", "-passphrase", *withPassword});
-    convert.insert(convert.end(), {"-o", name});
-    runHdiutil(convert);
-
+    if (!_abandoning.stop_requested()) {
+        std::vector<std::string> convert{"convert", name + ".sparseimage", "-format", "UDZO"};
+        if (withPassword) // also an empty one
+            convert.insert(convert.end(), {"-encryption", "-passphrase", *withPassword});
+        convert.insert(convert.end(), {"-o", name});
+        runHdiutil(convert);
+    }
+    if (_abandoning.stop_requested())
+        convenience::removeItemAtPath(image);
     convenience::removeItemAtPath(growing);
     convenience::removeItemAtPath(toFolder.native() + "/mount.plist");
     return image;
@@ -149,7 +152,7 @@ void Archiver::dittoContentsAtPath(const Path& staged, const Path& to)
         Path source = entry->path();
         if (entry->is_symlink(missing))
             source = fs::read_symlink(source, missing); // as it stands, also when it is relative
-        const Path target = to.native() + entry->path().native().substr(staged.native().size());
+        const Path target = to.native() + "/" + entry->path().lexically_relative(staged).native();
         runCommand(pathForTool(ditto), {"-rsrcFork", source, target}, std::nullopt, nullptr);
     }
 }

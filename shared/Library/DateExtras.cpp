@@ -72,6 +72,12 @@ std::optional<QString> textFor(char16_t directive, const QDateTime& date, bool w
         return english.dayName(day.dayOfWeek(), QLocale::ShortFormat);
     case u'p':
         return date.time().hour() < 12 ? english.amText() : english.pmText();
+    case u'x':
+        return CalendarDate{date, QStringLiteral("%m/%d/%y")}.description();
+    case u'X':
+        return CalendarDate{date, QStringLiteral("%H:%M:%S")}.description();
+    case u'c':
+        return CalendarDate{date, QStringLiteral("%a %b %e %X %Y")}.description();
     case u'Z':
         return date.timeZoneAbbreviation();
     case u'z':

@@ -14,6 +14,7 @@ struct CalendarDate {
     // The format with its directives filled in, in English:
     // %Y %y year, %m %B %b month, %d %e day (%e without a leading zero), %j day of the year,
     // %A %a %w weekday (%w: 0 is Sunday), %H %I hour of 24 and of 12, %p AM or PM, %M minute,
+    // %x date as 07/04/26, %X time as 09:30:00, %c both as Sat Jul 4 09:30:00 2026,
     // %S second, %F millisecond, %Z %z time zone by name and as +hhmm, %% a percent sign.
     // A 1 after the percent sign drops leading zeros ("%1d"). Anything else stays as it is.
     [[nodiscard]] QString description() const;

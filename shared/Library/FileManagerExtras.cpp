@@ -180,7 +180,12 @@ bool FileManagerExtras::copyPath(
         *finalPath = destination;
     std::error_code missing;
     const bool isFolder = fs::is_directory(fs::symlink_status(path, missing));
-    return !(isFolder && isInside(destination, path)) && !FileCopy::copyItem(path, destination);
+    if (somethingExists(destination) || (isFolder && isInside(destination, path)))
+        return false;
+    const bool isCopied = !FileCopy::copyItem(path, destination);
+    if (!isCopied)
+        (void)FileTree::remove(destination, FileTree::Permissions::overridden); // half a copy
+    return isCopied;
 }
 
 bool FileManagerExtras::removeEmptyFolderAtPath(const fs::path& path)

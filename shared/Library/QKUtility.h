@@ -27,8 +27,8 @@ public:
 
     // Runs a tool in our environment, in the given folder or else in ours, until the end of its
     // standard output, which is the result. It reads nothing, from a pipe at its end; its standard
-    // error goes where ours does. The exit status is stored where a place is given. Throws
-    // LaunchFailure.
+    // error goes where ours does. The exit status, or 128 + the number of the signal that killed
+    // the tool, is stored where a place is given. Throws LaunchFailure.
     static std::string runCommand(const std::filesystem::path& command,
         const std::vector<std::string>& withArguments,
         const std::optional<std::filesystem::path>& currentDirectoryPath,
@@ -40,6 +40,10 @@ public:
     // and then goes on. Deprecated, as the log says: a program of one instance hands over to the
     // one that is about to end.
     static void restartApplication();
+
+    // How this program is asked to end; until it is set, its event loop is left.
+    using Terminator = std::function<void()>;
+    static void setTerminator(Terminator terminator);
 
     // In kilobytes, as ps tells it; 0 when it cannot be asked.
     [[nodiscard]] static std::int32_t residentSetSize();

@@ -17,6 +17,13 @@
 namespace
 {
 
+// quit() would ask the windows, which may refuse.
+QKUtility::Terminator& terminator()
+{
+    static QKUtility::Terminator current = [] { QCoreApplication::exit(); };
+    return current;
+}
+
 std::vector<std::string> ourEnvironment()
 {
     std::vector<std::string> entries;
@@ -65,7 +72,12 @@ void QKUtility::restartApplication()
 {
     qWarning("WARNING: Deprecated");
     const DetachedProcess anew({.program = Bundle::executablePath()});
-    QCoreApplication::quit();
+    terminator()();
+}
+
+void QKUtility::setTerminator(Terminator newTerminator)
+{
+    terminator() = std::move(newTerminator);
 }
 
 std::int32_t QKUtility::residentSetSize()

@@ -311,4 +311,17 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
     QTest::qWait(400);
     EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
     EXPECT_FALSE(lastCheck().isValid());
+    other.reject();
+    EXPECT_TRUE(sheet() != nullptr) << "it waited";
+    EXPECT_TRUE(lastCheck().isValid());
+}
+
+TEST_F(SUUpdaterTest, leadsToTheNotesWhereThereAreNone)
+{
+    serve({answerWith(feedWith("2", "<releaseNotesLink>https://a.example/n</releaseNotesLink>"))});
+    updater.checkForUpdates(nullptr);
+    ASSERT_TRUE(sheet());
+    sheet()->findChild<QPushButton*>(QStringLiteral("openNotes"))->click();
+    EXPECT_EQ(workspace.opened, QStringList(QStringLiteral("https://a.example/n")));
+    EXPECT_TRUE(sheet()->isVisible());
 }

@@ -130,6 +130,7 @@ TEST(DateExtras, fillsInTheDirectives)
         {summer, "%Y-%m-%d %H:%M:%S.%F", "2009-07-05 00:03:07.042"},
         {summer, "%y %j %e %w %I %p", "09 186 5 0 12 AM"},
         {summer, "%A %a %B %b", "Sunday Sun July Jul"},
+        {summer, "%x|%X|%c|%1x", "07/05/09|00:03:07|Sun Jul 5 00:03:07 2009|07/05/09"},
         {summer, "%Z %z", "CEST +0200"},
         {summer, "%1m/%1d/%1y %1H:%1M", "7/5/9 0:3"},
         {summer, "100%% %Q %1 % %1Q", "100% %Q %1 % %1Q"},

@@ -170,6 +170,11 @@ TEST_F(FileManagerExtrasTest, copiesToAFreePathOnly)
     EXPECT_EQ(support::readFile(final), "new");
     EXPECT_TRUE(copyPath(folder / "a", folder / "c", true));
     EXPECT_FALSE(copyPath(folder / "missing", folder / "d", true, &final));
+    fs::create_directories(folder / "odd/sub");
+    writeFile(folder / "odd/sub/a", "a");
+    ::mkfifo((folder / "odd/pipe").c_str(), 0600); // cannot be copied
+    EXPECT_FALSE(copyPath(folder / "odd", folder / "half", false));
+    EXPECT_FALSE(fs::exists(folder / "half"));
     EXPECT_EQ(final, folder / "d");
 
     fs::create_directories(folder / "tree" / "below");

@@ -6,7 +6,9 @@
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 
+#include <QCloseEvent>
 #include <QCoreApplication>
+#include <QMainWindow>
 #include <QTimer>
 
 #include <chrono>
@@ -204,6 +206,16 @@ TEST(QKUtility, startsTheProgramAnewAndEnds)
     ::setenv(restartMark, mark.c_str(), 1);
     bool isEnded = false;
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, [&] { isEnded = true; });
+    QMainWindow window; // that stays open is no reason to go on
+    struct Refusal : QObject {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            event->ignore();
+            return event->type() == QEvent::Close;
+        }
+    } refusal;
+    window.installEventFilter(&refusal);
+    window.show();
     QTimer::singleShot(0, qApp, [] { QKUtility::restartApplication(); });
     QTimer::singleShot(std::chrono::seconds(20), qApp, [] { QCoreApplication::exit(1); });
     EXPECT_EQ(QCoreApplication::exec(), 0);

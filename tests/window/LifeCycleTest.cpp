@@ -6,11 +6,17 @@
 #include "shared/Library/QKUtility.h"
 #include "tests/window/Program.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QFrame>
+#include <QLabel>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
+
+#include <algorithm>
 
 #include <unistd.h>
 
@@ -162,8 +168,91 @@ TEST(Advert, namesAProductAsALinkWithItsBlurb)
     EXPECT_FALSE(cursor.charFormat().fontUnderline());
     cursor.movePosition(QTextCursor::End);
     EXPECT_EQ(cursor.charFormat().foreground().color(), QColor(Qt::black));
+    QTextCharFormat large;
+    large.setFontPointSize(20);
+    advert.setTextAttributes(large);
+    EXPECT_EQ(cursor.charFormat().fontPointSize(), 0) << "takes effect with the next product";
+    advert.setProductId(21);
+    cursor.setPosition(1);
+    EXPECT_EQ(cursor.charFormat().fontPointSize(), 20);
+    EXPECT_TRUE(cursor.charFormat().isAnchor());
     advert.setProductId(23);
     EXPECT_TRUE(advert.toPlainText().endsWith(QLatin1String(" - (null)")));
+}
+
+TEST_F(LifeCycle, theAboutWindowLeadsToTheMaker)
+{
+    start();
+    find<QAction>("showAbout")->trigger();
+    const auto windows = QApplication::topLevelWidgets();
+    const auto about = std::ranges::find_if(windows,
+        [](const QWidget* each) { return each->isVisible() && each->objectName() == u"About"; });
+    ASSERT_NE(about, windows.end());
+    EXPECT_EQ((*about)->findChild<QLabel*>("appNameAndVersion")->text(),
+        QStringLiteral("Parcelo " PARCELO_VERSION));
+    for (QPushButton* button : (*about)->findChildren<QPushButton*>()) {
+        EXPECT_FALSE(button->hasFocus());
+        button->click();
+    }
+    const std::string site = PARCELO_SITE;
+    EXPECT_EQ(workspace.opened,
+        (std::vector<std::string>{"mailto:info@parcelo.example", site, site + "parcelo/mu/"}));
+    AboutController ofNoProduct;
+    ofNoProduct.visitCommentPage(nullptr);
+    EXPECT_EQ(workspace.opened.size(), 3U) << "which has no page";
+    ofNoProduct.setProductId(22);
+    ofNoProduct.visitCommentPage(nullptr);
+    EXPECT_EQ(workspace.opened.size(), 4U);
+}
+
+TEST_F(LifeCycle, keepsItsOwnFolders)
+{
+    start();
+    const auto support = controller().appSupportPath();
+    ASSERT_TRUE(support);
+    EXPECT_EQ(support->filename(), "org.parcelo.Parcelo");
+    EXPECT_TRUE(std::filesystem::is_directory(*support));
+    const auto working = controller().tmpdir();
+    ASSERT_TRUE(working);
+    EXPECT_TRUE(std::filesystem::is_directory(*working));
+    EXPECT_TRUE(controller().cleanupTmpdir());
+    EXPECT_FALSE(std::filesystem::exists(*working));
+    EXPECT_TRUE(controller().cleanupTmpdir()) << "there is nothing to clean up";
+}
+
+TEST_F(LifeCycle, hidesTheLineAboutOtherProductsFromTheStart)
+{
+    start({{QStringLiteral("HideAdvert"), true}});
+    auto* advert = find<AdvertTextView>("advertTextView");
+    EXPECT_FALSE(advert->isVisible());
+    const int height = find<QFrame>("footBar")->height();
+    EXPECT_FALSE(advert->toPlainText().isEmpty());
+    advert->setVisible(true);
+    serveEventsFor(20);
+    EXPECT_EQ(find<QFrame>("footBar")->height(), height);
+}
+
+TEST(Advert, opensItsLinkByKeyAndMouse)
+{
+    NotingWorkspace workspace;
+    Workspace::setSharedWorkspace(&workspace);
+    AdvertTextView advert;
+    advert.setProductId(22);
+    advert.resize(400, 30);
+    advert.show();
+    for (int x = 0; x < advert.width(); x += 4)
+        QTest::mouseClick(advert.viewport(), Qt::LeftButton, {}, {x, 8});
+    EXPECT_FALSE(workspace.opened.empty());
+    for (const std::string& page : workspace.opened)
+        EXPECT_EQ(page, PARCELO_SITE "parcelo/");
+    workspace.opened.clear();
+    advert.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&advert));
+    advert.clearFocus();
+    advert.setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&advert, Qt::Key_Return);
+    EXPECT_EQ(workspace.opened, std::vector<std::string>{PARCELO_SITE "parcelo/"});
+    Workspace::setSharedWorkspace(nullptr);
 }
 
 TEST(About, tellsNameAndVersion)

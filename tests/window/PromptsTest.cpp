@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 #include <cstdlib>
 
@@ -46,7 +47,8 @@ TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnswered)
         const char* said;
     };
     const Prompt prompts[] = {
-        {"SellSendora", &AppController::sellSendora, site + "sendora/?kvw5",
+        {"SellSendora", static_cast<void (AppController::*)()>(&AppController::sellSendora),
+            site + "sendora/?kvw5",
             "Sendora|If you enjoy the way Parcelo makes it easy to zip and email files in one "
             "step, "
             "you will love Sendora.\n\nSendora combines the drag-and-drop simplicity of Parcelo "
@@ -80,6 +82,33 @@ TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnswered)
                 ask(); // shows nothing, or this would wait for ever
         }
     }
+}
+
+TEST_F(Prompts, theSpecialOfferEndsTwoDaysEarly)
+{
+    start();
+    const QDateTime end = QDate(2010, 10, 29).startOfDay();
+    for (const auto& [now, isSpecial] : {std::pair(end.addSecs(-1), true), {end, false}}) {
+        const std::string said = answer(0, [&] { controller().sellSendora(now); });
+        EXPECT_EQ(said.starts_with("Sendora Special Offer|"), isSpecial);
+        EXPECT_EQ(
+            said.find("\n\nHurry! Offer expires Oct 31, 2010.|") != std::string::npos, isSpecial);
+        EXPECT_EQ(said.find("a 30%% discount") != std::string::npos, isSpecial);
+    }
+}
+
+TEST_F(Prompts, waitForNoOtherPanel)
+{
+    start();
+    const auto ask = [&] { controller().sellSendora(); };
+    EXPECT_NE(answer(0,
+                  [&] {
+                      QTimer::singleShot(0, &window(), ask); // comes while the first is up
+                      controller().sellSendora();
+                  }),
+        "");
+    EXPECT_FALSE(UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SellSendora")))
+        << "a question that was refused reads like its third button";
 }
 
 TEST_F(Prompts, nobodyIsOfferedWhatTheyHave)

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -260,6 +261,35 @@ TEST_F(Request, tellsWhatOfADropIsLeftOut)
 
     drop({source / "one.txt"}); // nothing is told again
     QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Escape);
+}
+
+TEST_F(Request, tellsOfDocumentsThatAreNotThere)
+{
+    start();
+    std::string told;
+    whenSheetIsUp([&](QDialog* sheet) {
+        told = sheet->findChild<QLabel*>(QStringLiteral("alertMessage"))->text().toStdString();
+        sheet->reject();
+    });
+    std::vector<fs::path> missing;
+    for (int number = 1; number <= 9; ++number)
+        missing.push_back("/no/such/" + std::to_string(number));
+    controller().couldNotOpen(missing);
+    EXPECT_TRUE(waitFor([&] { return !told.empty(); }));
+    EXPECT_EQ(told.substr(told.find('\n', told.find("/6"))), "\n/no/such/7\n…");
+}
+
+TEST_F(Request, keepsTheTypeThatIsChosenAndSaysWhatItIsFor)
+{
+    start();
+    auto* types = find<QComboBox>("typePop");
+    EXPECT_EQ(controller().archiveType(), ArchiveTypePlainZip);
+    const QString forAll = controller().previewText();
+    types->setCurrentIndex(1);
+    EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("ArchiveType")),
+        ArchiveTypeMacZip);
+    EXPECT_NE(controller().previewText(), forAll);
+    EXPECT_EQ(find<QLabel>("previewLabel")->text(), controller().previewText());
 }
 
 TEST_F(Request, mailsFromAFolderOfItsOwnWhereAnotherHasTakenIt)
