@@ -47,12 +47,12 @@ std::string unescaped(std::string_view text)
 std::string escaped(std::string_view text)
 {
     std::string result;
-    for (const char byte : text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
         const auto* const escape = std::find_if(std::begin(escapes), std::end(escapes),
-            [&](const auto& each) { return each.first == byte; });
-        const bool isInnerBlank = byte == ' ' && !result.empty(); // only the first would be lost
-        if (escape == std::end(escapes) || isInnerBlank)
-            result += byte;
+            [&](const auto& each) { return each.first == text[at]; });
+        const bool isAtAnEnd = at == 0 || at + 1 == text.size(); // where a blank would be lost
+        if (escape == std::end(escapes) || (text[at] == ' ' && !isAtAnEnd))
+            result += text[at];
         else
             (result += '\\') += escape->second;
     }

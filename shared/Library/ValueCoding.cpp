@@ -33,6 +33,21 @@ template <typename Value> Value unarchived(const QString& word, const QVariant& 
     return value;
 }
 
+// Whether the number of families in a font's data is one that its size allows: QDataStream makes
+// room for all of them before it finds that they are missing.
+bool hasFamilies(const QByteArray& data)
+{
+    constexpr int sizeOfNumbers = 31; // between the texts and the families
+    QDataStream stream(data);
+    stream.setVersion(version);
+    QString text;
+    stream >> text >> text >> text; // our word, the family and the style
+    (void)stream.skipRawData(sizeOfNumbers);
+    quint32 count = 0;
+    stream >> count;
+    return count <= data.size() / sizeof count;
+}
+
 } // namespace
 
 QByteArray ValueCoding::dataOf(const QColor& color)
@@ -52,5 +67,7 @@ QColor ValueCoding::colorOf(const QVariant& data)
 
 QFont ValueCoding::fontOf(const QVariant& data)
 {
+    if (!hasFamilies(data.toByteArray()))
+        throw UnarchivingFailure("the data of the font is damaged");
     return unarchived<QFont>(fontWord, data);
 }

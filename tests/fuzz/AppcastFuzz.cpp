@@ -1,0 +1,66 @@
+#include "platform/desktop/AppcastReader.h"
+#include "platform/desktop/HTMLText.h"
+#include "tests/fuzz/Fuzzing.h"
+
+#include <QByteArrayList>
+
+#include <algorithm>
+
+using AppcastReader::compareVersions;
+using AppcastReader::Fault;
+using AppcastReader::Item;
+using Fuzzing::require;
+
+namespace
+{
+
+void requireShort(const QString& html)
+{
+    require(HTMLText::plainText(html).size() <= html.size(), "plain text is no longer than HTML");
+}
+
+int signOf(int number)
+{
+    return number < 0 ? -1 : number > 0 ? 1 : 0;
+}
+
+void requireOrder(const QString& first, const QString& second, const QString& third)
+{
+    const int order = signOf(compareVersions(first, second));
+    require(compareVersions(first, first) == 0, "a version equals itself");
+    require(order == -signOf(compareVersions(second, first)), "both ways tell the same");
+    const int next = signOf(compareVersions(second, third));
+    if (order == next || order == 0 || next == 0)
+        require(signOf(compareVersions(first, third)) == (order != 0 ? order : next),
+            "what follows the next follows the first");
+}
+
+void requireNewest(const std::vector<Item>& items)
+{
+    const Item* newest = AppcastReader::newestItem(items);
+    for (const Item& item : items)
+        require(!newest || !item.os.isEmpty() || !item.channel.isEmpty()
+                || compareVersions(item.version, newest->version) <= 0,
+            "no version is newer than the newest");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    requireShort(QString::fromUtf8(bytes));
+    const auto lines = bytes.split('\n') + QByteArrayList(3);
+    requireOrder(
+        QString::fromUtf8(lines[0]), QString::fromUtf8(lines[1]), QString::fromUtf8(lines[2]));
+
+    const AppcastReader::Feed feed = AppcastReader::read(bytes);
+    require(feed.fault == Fault::none || feed.items.empty(), "a faulty feed has no items");
+    for (const Item& item : feed.items)
+        requireShort(item.description);
+    for (std::size_t index = 2; index < std::min<std::size_t>(feed.items.size(), 20); ++index)
+        requireOrder(feed.items[index - 2].version, feed.items[index - 1].version,
+            feed.items[index].version);
+    requireNewest(feed.items);
+    return 0;
+}

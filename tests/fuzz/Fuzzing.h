@@ -1,0 +1,31 @@
+// What the fuzz targets share. Each reads bytes of anybody's making with one of our readers; the
+// sanitizers watch, and what the reader promises is looked at besides.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <string_view>
+
+// libFuzzer calls it with one input after the other.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace Fuzzing
+{
+
+inline std::string_view textOf(const std::uint8_t* data, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+// Ends the program, which makes libFuzzer keep the input.
+inline void require(bool holds, std::string_view promise)
+{
+    if (holds)
+        return;
+    std::cerr << "broken promise: " << promise << '\n';
+    std::abort();
+}
+
+} // namespace Fuzzing
