@@ -27,11 +27,14 @@ public:
     {
         std::unique_lock lock(_mutex);
         _changed.wait(lock, [&] { return _isFinished || !_values.empty(); });
-        if (_values.empty())
-            return std::nullopt;
-        std::optional<Value> value(std::move(_values.front()));
-        _values.pop_front();
-        return value;
+        return takeFirst();
+    }
+
+    // The same without waiting: none also when there is none yet.
+    std::optional<Value> tryPop()
+    {
+        const std::lock_guard lock(_mutex);
+        return takeFirst();
     }
 
     void finish()
@@ -50,6 +53,15 @@ public:
     }
 
 private:
+    std::optional<Value> takeFirst()
+    {
+        if (_values.empty())
+            return std::nullopt;
+        std::optional<Value> value(std::move(_values.front()));
+        _values.pop_front();
+        return value;
+    }
+
     std::mutex _mutex; // protects what follows
     std::condition_variable _changed;
     std::deque<Value> _values;

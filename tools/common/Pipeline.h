@@ -1,7 +1,8 @@
 // One reader fills blocks, many workers work on a block each, and one writer, the calling thread,
 // gets them in the order in which they were read.
 //
-// A fixed number of blocks circulates, which is the one bound on memory. Errors travel with the
+// Blocks and workers are made as they are needed, up to a fixed number: a file dropped alone takes
+// one of each, and memory is bounded. Errors travel with the
 // blocks: the first in their order is what run() throws, after every thread has stopped.
 #pragma once
 
@@ -9,6 +10,7 @@
 #include "tools/common/Interrupt.h"
 
 #include <exception>
+#include <functional>
 #include <future>
 #include <memory>
 #include <optional>
@@ -19,13 +21,11 @@ template <class Block> class Pipeline
 {
 public:
     explicit Pipeline(unsigned threadCount)
-        : _threadCount(threadCount)
-    {
+        : _workersLeft(threadCount)
         // Two for each worker, so that none waits for the reader, and one for the reader and the
         // writer each.
-        const unsigned blocksInFlight = 2 * threadCount + 2;
-        for (unsigned index = 0; index < blocksInFlight; ++index)
-            _empty.push(std::make_unique<Block>());
+        , _blocksLeft(2 * threadCount + 2)
+    {
     }
 
     // What the reader gets its blocks from.
@@ -37,7 +37,13 @@ public:
         std::unique_ptr<Block> take()
         {
             Interrupt::check();
-            std::optional<std::unique_ptr<Block>> block = _pipeline._empty.pop();
+            std::optional<std::unique_ptr<Block>> block = _pipeline._empty.tryPop();
+            if (!block && _pipeline._blocksLeft > 0) {
+                --_pipeline._blocksLeft;
+                return std::make_unique<Block>();
+            }
+            if (!block)
+                block = _pipeline._empty.pop();
             if (!block)
                 throw Stopped();
             return std::move(*block);
@@ -46,6 +52,10 @@ public:
         // Hands a filled block on.
         void submit(std::unique_ptr<Block> block)
         {
+            if (_pipeline._workersLeft > 0) {
+                --_pipeline._workersLeft;
+                _startWorker();
+            }
             Job job{std::move(block), {}};
             _pipeline._results.push(job.done.get_future());
             _pipeline._jobs.push(std::move(job));
@@ -53,11 +63,13 @@ public:
 
     private:
         friend class Pipeline;
-        explicit Feed(Pipeline& pipeline)
+        Feed(Pipeline& pipeline, std::function<void()> startWorker)
             : _pipeline(pipeline)
+            , _startWorker(std::move(startWorker))
         {
         }
         Pipeline& _pipeline;
+        std::function<void()> _startWorker;
     };
 
     // read(Feed&) on a thread of its own; makeWork() on each worker's, giving what is called as
@@ -65,12 +77,10 @@ public:
     template <class Read, class MakeWork, class Write>
     void run(const Read& read, const MakeWork& makeWork, const Write& write)
     {
-        std::vector<std::jthread> threads;
-        threads.reserve(_threadCount + 1);
+        std::vector<std::jthread> workers; // the reader's, until it has ended
+        const std::jthread reader(
+            [&] { readAll(read, [&] { workers.emplace_back([&] { workAll(makeWork); }); }); });
         const StopAll stopAll{*this}; // runs before the joins
-        threads.emplace_back([&] { readAll(read); });
-        for (unsigned index = 0; index < _threadCount; ++index)
-            threads.emplace_back([&] { workAll(makeWork); });
         while (auto result = _results.pop()) {
             std::unique_ptr<Block> block = result->get(); // rethrows what the others threw
             Interrupt::check();
@@ -98,10 +108,10 @@ private:
         }
     };
 
-    template <class Read> void readAll(const Read& read)
+    template <class Read> void readAll(const Read& read, const std::function<void()>& startWorker)
     {
         try {
-            Feed feed(*this);
+            Feed feed(*this, startWorker);
             read(feed);
         } catch (const Stopped&) {
             return;
@@ -136,7 +146,9 @@ private:
         }
     }
 
-    const unsigned _threadCount;
+    // The reader's: how many more there may be.
+    unsigned _workersLeft;
+    unsigned _blocksLeft;
     BlockingQueue<std::unique_ptr<Block>> _empty;
     BlockingQueue<Job> _jobs; // for whoever is free
     BlockingQueue<std::future<std::unique_ptr<Block>>> _results; // in the order of reading
