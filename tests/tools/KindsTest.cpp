@@ -51,6 +51,21 @@ TEST(Zip, keepsLinksWhateverTheyLeadTo)
     EXPECT_EQ(faultsOf(zipTool(), result, world.folder / "a.zip", world.tree(), {"7z"}), nothing);
 }
 
+TEST(Zip, compressesWhatOnlyBeginsLikeACompressedFile)
+{
+    const World world;
+    const std::string gzip = "\x1f\x8b\x08";
+    writeFile(world.item / "text.gz", gzip + someText(5000));
+    writeFile(world.item / "half.gz", gzip + randomBytes(2500, 1) + someText(9500));
+    writeFile(world.item / "real.gz", gzip + randomBytes(5000, 1));
+    const RunResult result = run(zipTool(), world.folder / "a.zip", world.item);
+    for (const auto& [name, method] :
+        {std::pair("text.gz", "deflated"), {"half.gz", "deflated"}, {"real.gz", "stored"}})
+        EXPECT_NE(result.out.find(std::string(name) + " (" + method), std::string::npos)
+            << result.out;
+    EXPECT_EQ(faultsOf(zipTool(), result, world.folder / "a.zip", world.tree()), nothing);
+}
+
 TEST(Zip, putsFilesAndLinksBeforeFoldersSoThatEveryReaderMayMakeThem)
 {
     const World world; // 7z refuses a link that leads through a link made before

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <new>
+#include <string_view>
 
 #include <libdeflate.h>
 
@@ -31,8 +32,27 @@ constexpr std::size_t sampleSize = std::size_t{8} << 10;
 constexpr std::size_t sampleDistance = std::size_t{256} << 10;
 constexpr std::size_t sampleGoal = sampleSize - sampleSize / 64;
 
-// Below this size compressing is as quick as judging.
+// Below this size compressing is as quick as that trial.
 constexpr std::size_t smallestJudged = 2 * sampleSize;
+
+// Small files are compressed in spite of even bytes, unless they begin as these do.
+constexpr auto compressedFormats = std::to_array<std::string_view>({
+    "\x1f\x8b\x08", // gzip
+    "BZh", // bzip2
+    "\xfd\x37zXZ", // xz
+    "\x28\xb5\x2f\xfd", // Zstandard
+    "\x89PNG\r\n\x1a\n",
+    "\xff\xd8\xff", // JPEG
+    "OggS",
+    "wOF2", // web fonts
+});
+
+bool isOfACompressedFormat(std::span<const std::byte> data)
+{
+    const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+    return std::ranges::any_of(
+        compressedFormats, [&](std::string_view magic) { return text.starts_with(magic); });
+}
 
 bool isEven(std::span<const std::byte> spot)
 {
@@ -91,7 +111,9 @@ void appendStoredBlocks(
 
 bool looksIncompressible(std::span<const std::byte> data)
 {
-    return data.size() >= smallestJudged && hasEvenBytes(data) && !hasRepeats(data);
+    if (data.size() >= smallestJudged)
+        return hasEvenBytes(data) && !hasRepeats(data);
+    return data.size() >= spotSize && isOfACompressedFormat(data) && hasEvenBytes(data);
 }
 
 void Compressor::Free::operator()(libdeflate_compressor* compressor) const
