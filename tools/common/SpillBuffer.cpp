@@ -14,6 +14,7 @@ namespace
 
 // Room for the directory records of about 80,000 entries.
 constexpr std::size_t memoryLimit = std::size_t{8} << 20;
+constexpr std::size_t roomBehind = std::size_t{64} << 10;
 constexpr std::size_t readSize = std::size_t{256} << 10;
 
 Failure cannotSpill()
@@ -42,6 +43,9 @@ void SpillBuffer::append(std::span<const std::byte> bytes)
 {
     if (_memory.size() + bytes.size() > memoryLimit)
         spill();
+    // A long text is mostly followed by short ones: room for these, or the first would copy it.
+    if (const std::size_t needed = _memory.size() + bytes.size(); needed > _memory.capacity())
+        _memory.reserve(std::max(needed + roomBehind, 2 * _memory.capacity()));
     _memory.insert(_memory.end(), bytes.begin(), bytes.end());
 }
 

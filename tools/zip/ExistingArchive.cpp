@@ -22,11 +22,16 @@ Failure bad(const std::string& what)
     return {FailureKind::BadArchive, "the existing archive " + what + "; it was left as it is"};
 }
 
+void readAt(int descriptor, std::uint64_t offset, std::span<std::byte> bytes)
+{
+    if (readFullyAt(descriptor, offset, bytes) != static_cast<std::ptrdiff_t>(bytes.size()))
+        throw bad("can't be read");
+}
+
 std::vector<std::byte> readAt(int descriptor, std::uint64_t offset, std::size_t size)
 {
     std::vector<std::byte> bytes(size);
-    if (readFullyAt(descriptor, offset, bytes) != static_cast<std::ptrdiff_t>(size))
-        throw bad("can't be read");
+    readAt(descriptor, offset, std::span(bytes));
     return bytes;
 }
 
@@ -207,10 +212,10 @@ void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
     std::uint64_t count = 0;
     while (unread > 0 || !window.empty()) {
         const std::size_t more = std::min<std::uint64_t>(readSize, unread);
-        const std::vector<std::byte> bytes
-            = readAt(descriptor, directory.offset + directory.size - unread, more);
+        window.resize(window.size() + more);
+        const std::span<std::byte> bytes = std::span(window).last(more);
+        readAt(descriptor, directory.offset + directory.size - unread, bytes);
         records.append(bytes);
-        window.insert(window.end(), bytes.begin(), bytes.end());
         unread -= more;
 
         std::span<const std::byte> rest(window);
@@ -234,7 +239,7 @@ void ExistingArchive::addName(std::string_view name)
     // Some programs store "./NAME" or "/NAME", which readers extract as NAME.
     while (name.starts_with('/') || name.starts_with("./"))
         name.remove_prefix(name.find('/') + 1);
-    name = name.substr(0, name.find('/'));
-    if (!topNames.contains(name))
-        topNames.emplace(name);
+    const std::string between = '/' + std::string(name.substr(0, name.find('/'))) + '/';
+    if (!topNames.ends_with(between))
+        topNames.append(between, 1);
 }

@@ -11,7 +11,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,11 +19,18 @@ struct ExistingArchive {
     ZipFormat::Directory directory;
     std::vector<std::byte> tail; // all that follows the central directory
     std::vector<std::byte> comment;
-    std::set<std::string, std::less<>> topNames; // first components of the entries' names
+    // The first components of the entries' names as "/NAME/NAME/", repeated ones at most once in a
+    // row. One text is quickly made and looked through, which counts: it is made for each item.
+    std::string topNames = "/";
 
     // Reads the archive of `size` bytes open as `descriptor`, putting the bytes of its central
     // directory in `records`. Throws a Failure of kind BadArchive that says what is wrong.
     static ExistingArchive read(int descriptor, std::uint64_t size, SpillBuffer& records);
+
+    [[nodiscard]] bool holds(const std::string& topName) const
+    {
+        return topNames.find('/' + topName + '/') != std::string::npos;
+    }
 
 private:
     void readRecords(int descriptor, SpillBuffer& records);

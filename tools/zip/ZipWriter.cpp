@@ -49,7 +49,7 @@ ZipWriter::~ZipWriter()
 
 bool ZipWriter::holds(const std::string& topName) const
 {
-    return _existing.topNames.contains(topName);
+    return _existing.holds(topName);
 }
 
 void ZipWriter::add(const Block& block)
