@@ -64,14 +64,14 @@ void AdvertTextView::setProductName(const std::optional<QString>& name,
 {
     clear();
     QTextCursor line(document());
-    QTextBlockFormat centred;
-    centred.setAlignment(Qt::AlignCenter);
-    line.setBlockFormat(centred);
     if (!_shortVersion)
         line.insertText(tr("Brought to you by "), _attributes);
     if (const auto link = _linkStringForProductName(name, directory))
         line.insertFragment(*link);
     line.insertText(QLatin1String(" - ") + blurp.value_or(missingObject), _attributes);
+    QTextBlockFormat centred;
+    centred.setAlignment(Qt::AlignCenter);
+    line.setBlockFormat(centred); // last: a fragment at the beginning brings its own
 }
 
 std::optional<QTextDocumentFragment> AdvertTextView::_linkStringForProductName(

@@ -223,10 +223,10 @@ std::optional<AppController::Path> AppController::tmpdir()
         _tmpdirHold = ScratchFolder::hold(path);
         return static_cast<bool>(_tmpdirHold);
     };
+    ScratchFolder::removeStaleFolders("/tmp");
     if (take(tmpdirString()))
         return _tmpdirString;
     // Two programs at work in one folder would take each other's archives.
-    ScratchFolder::removeStaleFolders("/tmp");
     if (const Path own = ownWorkingFolder(bundleIdentifier().toStdString()); take(own))
         return _tmpdirString = own;
     return std::nullopt;

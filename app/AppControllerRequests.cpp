@@ -205,6 +205,8 @@ void AppController::archiveToPath(const Path& path)
     try {
         if (const auto archive = _runArchiver(path))
             _deliver(*archive);
+        else // nothing was begun, so nothing tells that it has ended
+            _work.performOnMainThread([this] { _interface.progressWindow->hide(); });
     } catch (const std::exception& failure) {
         _work.performOnMainThread([this, reason = std::string(failure.what())] { _fail(reason); });
     }
@@ -272,10 +274,10 @@ void AppController::composeEmailWithAttachment(const Path& path)
         sellSendora();
 }
 
-// What the desktop has to say of it comes later, and waits until no sheet is up.
+// What the desktop has to say of it comes later, and waits until no sheet is up or about to be.
 void AppController::_tell(const QString& title, const QString& message)
 {
-    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
+    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr || !acceptsFiles()) {
         _afterDelay(tellDelay, [this, title, message] { _tell(title, message); });
         return;
     }

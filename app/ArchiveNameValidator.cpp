@@ -14,8 +14,12 @@ QValidator::State ArchiveNameValidator::validate(QString& input, int& position) 
 {
     input.replace(QLatin1Char('/'), QLatin1Char('-'));
     input.remove(QChar::Null);
-    while (input.toUtf8().size() > longestInBytes)
-        input.chop(input.back().isLowSurrogate() ? 2 : 1);
+    if (const QByteArray bytes = input.toUtf8(); bytes.size() > longestInBytes) {
+        qsizetype end = longestInBytes;
+        while ((static_cast<unsigned char>(bytes[end]) & 0xc0) == 0x80) // within a character
+            --end;
+        input = QString::fromUtf8(bytes.first(end));
+    }
     position = std::min(position, static_cast<int>(input.size()));
     return Acceptable;
 }

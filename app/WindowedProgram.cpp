@@ -51,8 +51,10 @@ void openDocuments(const std::vector<fs::path>& files, AppController& controller
         std::error_code missing;
         if (fs::exists(fs::symlink_status(file, missing)))
             controller.applicationOpenFile(documentPath(file));
-        else
+        else {
+            std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
             notThere.push_back(file);
+        }
     }
     if (!notThere.empty())
         controller.couldNotOpen(notThere);
@@ -90,5 +92,7 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
     openDocuments(files, controller);
     interface.window().show();
     controller.applicationDidFinishLaunching();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    QKUtility::setTerminator([] { QCoreApplication::exit(); });
+    return status;
 }

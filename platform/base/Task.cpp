@@ -20,6 +20,9 @@ constexpr std::size_t chunkSize = 65536; // what a pipe holds by default: one re
 // How long a child that nobody waits for any more may clean up before it is killed.
 constexpr std::chrono::milliseconds gracePeriod{2000};
 
+// The same for one that may be flushing a large file to a slow disk.
+constexpr std::chrono::milliseconds longGracePeriod{5000};
+
 // The attributes and file actions of one spawn.
 class SpawnPlan
 {
@@ -242,7 +245,7 @@ void Task::terminate()
     {
         const std::lock_guard lock(_mutex);
         if (!_killTime)
-            _killTime = now + gracePeriod;
+            _killTime = now + longGracePeriod;
         kills = now >= *_killTime;
     }
     _signal(kills ? SIGKILL : SIGINT);

@@ -72,7 +72,7 @@ public:
     // Sends SIGINT to the child's process group; nothing when it is not running.
     void interrupt();
 
-    // As interrupt(), for whoever cannot wait for ever: called again a grace period after the first
+    // As interrupt(), for whoever cannot wait for ever: called again some seconds after the first
     // time, it kills the child instead.
     void terminate();
 

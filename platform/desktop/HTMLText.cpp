@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace
@@ -100,36 +101,57 @@ QStringView entityAt(QStringView rest)
     return rest.front() == u'&' && end > 0 ? rest.sliced(1, end - 1) : QStringView();
 }
 
-// Nothing (0) for what names no character that can be shown.
-char32_t characterOf(QStringView entity)
+// Nothing for what names no character.
+std::optional<char32_t> characterOf(QStringView entity)
 {
     const auto named
         = std::ranges::find(entities, entity, [](const auto& each) { return each.first; });
     if (named != entities.end())
         return named->second;
     if (!entity.startsWith(u'#'))
-        return U'\0';
+        return std::nullopt;
     const bool isHexadecimal = entity.startsWith(u"#x", Qt::CaseInsensitive);
     bool isNumber = false;
     const char32_t number
         = entity.sliced(isHexadecimal ? 2 : 1).toUInt(&isNumber, isHexadecimal ? 16 : 10);
-    return isNumber && QChar::isPrint(number) ? number : U'\0';
+    const bool isCharacter
+        = number != 0 && number <= QChar::LastValidCodePoint && !QChar::isSurrogate(number);
+    return isNumber && isCharacter ? std::optional(number) : std::nullopt;
 }
 
-// The entity or the one unit that the text begins with; how much that was.
-qsizetype appendUnit(QStringView rest, Lines& lines)
+// The character at the beginning of the text, an entity decoded, and how long it is there. White
+// space is a blank or a line end; what has no shape is nothing.
+std::pair<QString, qsizetype> characterAt(QStringView rest)
 {
-    if (rest.front().isSpace()) {
-        lines.separate(u' ');
-        return 1;
+    const QStringView entity = entityAt(rest);
+    const auto character = entity.isEmpty() ? std::nullopt : characterOf(entity);
+    if (!character)
+        return {rest.first(1).toString(), 1};
+    QString shown;
+    if (QChar::isSpace(*character))
+        shown = *character == U'\n' ? u'\n' : u' ';
+    else if (QChar::isPrint(*character))
+        shown = QString::fromUcs4(&*character, 1);
+    return {shown, entity.size() + 2};
+}
+
+bool holdsTag(QStringView text)
+{
+    for (qsizetype at = text.indexOf(u'<'); at >= 0; at = text.indexOf(u'<', at + 1))
+        if (beginsTag(text.sliced(at)))
+            return true;
+    return false;
+}
+
+QString withoutEntities(QStringView text)
+{
+    QString result;
+    for (qsizetype index = 0; index < text.size();) {
+        const auto [character, size] = characterAt(text.sliced(index));
+        result += character;
+        index += size;
     }
-    if (const QStringView entity = entityAt(rest); !entity.isEmpty())
-        if (const char32_t character = characterOf(entity); character != U'\0') {
-            lines.append(QString::fromUcs4(&character, 1));
-            return entity.size() + 2;
-        }
-    lines.append(rest.first(1));
-    return 1;
+    return result;
 }
 
 } // namespace
@@ -137,17 +159,22 @@ qsizetype appendUnit(QStringView rest, Lines& lines)
 QString HTMLText::plainText(const QString& html)
 {
     const QStringView text(html);
+    if (!holdsTag(text))
+        return withoutEntities(text);
     Lines lines;
-    bool isHTML = false;
     for (qsizetype index = 0; index < text.size();) {
         const QStringView rest = text.sliced(index);
+        if (rest.front().isSpace()) {
+            lines.separate(u' ');
+            ++index;
+            continue;
+        }
         if (!beginsTag(rest)) {
-            const qsizetype size = appendUnit(rest, lines);
-            isHTML = isHTML || size > 1;
+            const auto [character, size] = characterAt(rest);
+            lines.append(character);
             index += size;
             continue;
         }
-        isHTML = true;
         index += sizeOfInvisible(rest);
         const qsizetype end = text.indexOf(u'>', index);
         if (end < 0)
@@ -155,5 +182,5 @@ QString HTMLText::plainText(const QString& html)
         appendTag(text.sliced(index, end - index), lines);
         index = end + 1;
     }
-    return isHTML ? lines.text() : html;
+    return lines.text();
 }

@@ -8,7 +8,7 @@ namespace HTMLText
 {
 
 // Without tags, comments, scripts and styles; blocks begin new lines and list items a bullet. Text
-// that holds no tag and no entity is given as it is.
+// that holds no tag keeps its lines.
 [[nodiscard]] QString plainText(const QString& html);
 
 } // namespace HTMLText

@@ -147,7 +147,7 @@ void Archiver::cancel()
 void Archiver::abandon()
 {
     _abandoning.request_stop();
-    cancel();
+    _cancelFlag = true;
     const std::lock_guard lock(_taskMutex);
     if (_task)
         _task->terminate();

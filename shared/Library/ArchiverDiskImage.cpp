@@ -146,7 +146,8 @@ void Archiver::dittoContentsAtPath(const Path& staged, const Path& to)
     std::error_code unreadable;
     fs::recursive_directory_iterator entry(
         staged, fs::directory_options::skip_permission_denied, unreadable);
-    for (; !unreadable && entry != fs::recursive_directory_iterator();
+    for (; !unreadable && !_abandoning.stop_requested()
+         && entry != fs::recursive_directory_iterator();
          entry.increment(unreadable)) {
         std::error_code missing;
         Path source = entry->path();

@@ -109,8 +109,6 @@ int Archiver::createPlainZipAtPath(const Path& archive, const std::vector<Path>&
         return 1;
     }
     _replaceArchive(archive, temporary);
-    if (_abandoning.stop_requested())
-        convenience::removeItemAtPath(temporary); // what was not moved to the end
     return status;
 }
 
@@ -126,7 +124,11 @@ void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
     }
     // Once the older one is gone only the new one can make up for it.
     const std::stop_token stop = isThere ? std::stop_token() : _abandoning.get_token();
-    if (FileMove::moveItem(byArchive, archive, stop) && !stop.stop_requested())
+    if (!FileMove::moveItem(byArchive, archive, stop))
+        return;
+    if (stop.stop_requested())
+        convenience::removeItemAtPath(byArchive);
+    else
         showAlertLater("Unable to write to '" + archive.native() + "'");
 }
 

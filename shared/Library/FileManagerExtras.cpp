@@ -182,8 +182,13 @@ bool FileManagerExtras::copyPath(
     const bool isFolder = fs::is_directory(fs::symlink_status(path, missing));
     if (somethingExists(destination) || (isFolder && isInside(destination, path)))
         return false;
-    const bool isCopied = !FileCopy::copyItem(path, destination);
-    if (!isCopied)
+    bool isOurs = true;
+    const auto note = [&](const fs::path& item, std::error_code reason) {
+        if (item == path && reason == std::errc::file_exists)
+            isOurs = false; // somebody was quicker
+    };
+    const bool isCopied = !FileCopy::copyItem(path, destination, {.onFailure = note});
+    if (!isCopied && isOurs)
         (void)FileTree::remove(destination, FileTree::Permissions::overridden); // half a copy
     return isCopied;
 }

@@ -164,6 +164,8 @@ TEST(HTMLText, keepsTheTextAndItsLines)
         {"a<br>b<br/><BR />c", "a\nb\nc"},
         {"<p>1 &lt; 2 &amp;lt; &quot;3&quot; &nbsp;&unknown;</p>", "1 < 2 &lt; \"3\"  &unknown;"},
         {"It&#8217;s &#x41;&hellip;", "It’s A…"},
+        {"one &amp; two\n  three", "one & two\n  three"}, // no tag, so lines are lines
+        {"<p>a&#10;b&#173;c&#8203;d&#9;e", "a\nbcd e"},
         {"a &#0; &#xD800; &#99999999; &; &#; &#x;&amp",
             "a &#0; &#xD800; &#99999999; &; &#; &#x;&amp"},
         {"a<!-- <p> -->b<script>x<y</script>c<STYLE>d</style>e", "abce"},

@@ -117,10 +117,9 @@ TEST_F(UserDefaultsExtrasTest, coloursAndFontsComeBackWhole)
     EXPECT_EQ(UserDefaultsExtras::fontForKey(readAgain(), key), font);
 
     const QByteArray good = defaults.objectForKey(key).toByteArray();
-    for (const QVariant& bad :
-        {QVariant(QStringLiteral("red")), QVariant(QByteArray()), QVariant(good + '\0'),
-            QVariant(good.chopped(1)), QVariant(QByteArray("\xff\xff\xff")),
-            QVariant(good.chopped(26) + QByteArray(4, '\xfe')) /* so many families */}) {
+    for (const QVariant& bad : {QVariant(QStringLiteral("red")), QVariant(QByteArray()),
+             QVariant(good + '\0'), QVariant(good.chopped(1)), QVariant(QByteArray("\xff\xff\xff")),
+             QVariant(good.chopped(26) + QByteArray(4, '\xfe')) /* so many families */}) {
         defaults.setObject(bad, key);
         EXPECT_THROW((void)UserDefaultsExtras::fontForKey(defaults, key), UnarchivingFailure);
         EXPECT_THROW((void)UserDefaultsExtras::colorForKey(defaults, key), UnarchivingFailure);

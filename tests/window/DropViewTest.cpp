@@ -151,6 +151,7 @@ TEST_F(DropBox, andItsNeighboursAreOneTabStopEach)
 {
     start();
     window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
     box().setFocus();
     auto* advert = find<AdvertTextView>("advertTextView");
     QStringList stops;

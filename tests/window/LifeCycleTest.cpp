@@ -12,9 +12,11 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
+#include <QTextBlock>
 
 #include <algorithm>
 
@@ -161,6 +163,7 @@ TEST(Advert, namesAProductAsALinkWithItsBlurb)
     advert.setShortVersion(true);
     advert.setProductId(22);
     EXPECT_EQ(advert.toPlainText().toStdString(), "Parcelo - Free and easy zip utility");
+    EXPECT_EQ(advert.document()->firstBlock().blockFormat().alignment(), Qt::AlignCenter);
     QTextCursor cursor(advert.document());
     cursor.movePosition(QTextCursor::Right);
     EXPECT_EQ(cursor.charFormat().anchorHref(), QLatin1String(PARCELO_SITE "parcelo/"));
@@ -190,6 +193,7 @@ TEST_F(LifeCycle, theAboutWindowLeadsToTheMaker)
     ASSERT_NE(about, windows.end());
     EXPECT_EQ((*about)->findChild<QLabel*>("appNameAndVersion")->text(),
         QStringLiteral("Parcelo " PARCELO_VERSION));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(*about));
     for (QPushButton* button : (*about)->findChildren<QPushButton*>()) {
         EXPECT_FALSE(button->hasFocus());
         button->click();
@@ -236,6 +240,7 @@ TEST(Advert, opensItsLinkByKeyAndMouse)
 {
     NotingWorkspace workspace;
     Workspace::setSharedWorkspace(&workspace);
+    const auto putBack = qScopeGuard([] { Workspace::setSharedWorkspace(nullptr); });
     AdvertTextView advert;
     advert.setProductId(22);
     advert.resize(400, 30);
@@ -252,7 +257,6 @@ TEST(Advert, opensItsLinkByKeyAndMouse)
     advert.setFocus(Qt::TabFocusReason);
     QTest::keyClick(&advert, Qt::Key_Return);
     EXPECT_EQ(workspace.opened, std::vector<std::string>{PARCELO_SITE "parcelo/"});
-    Workspace::setSharedWorkspace(nullptr);
 }
 
 TEST(About, tellsNameAndVersion)

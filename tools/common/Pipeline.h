@@ -52,12 +52,13 @@ public:
         // Hands a filled block on.
         void submit(std::unique_ptr<Block> block)
         {
+            Job job{std::move(block), {}};
+            if (!_pipeline._results.push(job.done.get_future()))
+                throw Stopped();
             if (_pipeline._workersLeft > 0) {
                 --_pipeline._workersLeft;
                 _startWorker();
             }
-            Job job{std::move(block), {}};
-            _pipeline._results.push(job.done.get_future());
             _pipeline._jobs.push(std::move(job));
         }
 
