@@ -61,12 +61,6 @@ void PopUpButton::removeItemAtIndex(int index)
     _removeRow(index);
 }
 
-void PopUpButton::removeAllItems()
-{
-    while (!_rows.empty())
-        _removeRow(numberOfItems() - 1);
-}
-
 void PopUpButton::_removeRow(int index)
 {
     // Deleted later: it may be the very action that leads here.

@@ -51,7 +51,6 @@ public:
     // Appends an item without a target; one that has the title already is replaced by it.
     void addItemWithTitle(const QString& title);
     void removeItemAtIndex(int index);
-    void removeAllItems();
 
     [[nodiscard]] int numberOfItems() const { return static_cast<int>(_rows.size()); }
     [[nodiscard]] PopUpMenuItem itemAtIndex(int index) const;

@@ -4,6 +4,7 @@
 #include "platform/desktop/NotificationCenter.h"
 #include "platform/desktop/Sheets.h"
 #include "platform/desktop/Tag.h"
+#include "shared/Library/ViewSize.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -242,5 +243,15 @@ TEST(QKWindowCopy, takesOverWhatTheOtherWindowShows)
         EXPECT_FALSE(copy->close());
         EXPECT_EQ(asked, round);
         window.setCentralWidget(copy->takeCentralWidget());
+    }
+}
+
+TEST(ViewSize, changesTheWidthAlone)
+{
+    QWidget view;
+    view.setGeometry(3, 4, 50, 60);
+    for (const auto& [width, expected] : {std::pair(80.0F, 80), {0.0F, 0}}) {
+        ViewSize::setFrameWidth(view, width);
+        EXPECT_EQ(view.geometry(), QRect(3, 4, expected, 60));
     }
 }

@@ -145,6 +145,14 @@ TEST_F(DropBox, isPressedByKeyToChooseFiles)
         serveEventsFor(20);
     }
     EXPECT_TRUE(box().files().empty());
+
+    QString asked;
+    whenSheetIsUp([&](QDialog* sheet) {
+        asked = sheet->objectName();
+        QTest::keyClick(sheet, Qt::Key_Escape);
+    });
+    find<QAction>("chooseFolder")->trigger();
+    EXPECT_TRUE(waitFor([&] { return asked == QStringLiteral("chooseFolderPanel"); }));
 }
 
 TEST_F(DropBox, andItsNeighboursAreOneTabStopEach)

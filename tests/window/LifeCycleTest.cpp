@@ -142,6 +142,12 @@ TEST_F(LifeCycle, preferencesAreKeptByOKAndForgottenByCancel)
     };
     editAndEnd(Qt::Key_Escape);
     expectStored(6, false);
+    controller().showPreference(nullptr);
+    QDialog* sheet = Sheets::attachedSheet(&window());
+    sheet->findChild<QSlider*>("compressionLevel")->setValue(9);
+    sheet->findChild<QPushButton*>("cancelButton")->click();
+    EXPECT_FALSE(sheet->isVisible());
+    expectStored(6, false);
     editAndEnd(Qt::Key_Return);
     expectStored(9, true);
 }
