@@ -10,6 +10,7 @@
 #include "platform/base/FileTree.h"
 #include "platform/base/ScratchFolder.h"
 #include "platform/base/SearchPaths.h"
+#include "platform/desktop/PathText.h"
 #include "platform/desktop/SUUpdater.h"
 #include "platform/desktop/UserDefaults.h"
 #include "shared/Library/FileManagerExtras.h"
@@ -95,6 +96,7 @@ void AppController::awakeFromNib(const Interface& interface)
     _interface = interface;
     _interface.destinationPop->setAutoenablesItems(true);
     setupDestinations();
+    _followDestinations();
     _interface.mainWindow->setFrameAutosaveName(QStringLiteral("MainWindowAutosave"));
     _interface.advertTextView->setShortVersion(true);
     _interface.advertTextView->setProductId(randomProductId());
@@ -230,6 +232,16 @@ std::optional<AppController::Path> AppController::tmpdir()
     if (const Path own = ownWorkingFolder(bundleIdentifier().toStdString()); take(own))
         return _tmpdirString = own;
     return std::nullopt;
+}
+
+QString AppController::_tmpdirText()
+{
+    return PathText::textOf(tmpdir().value_or(Path()));
+}
+
+QString AppController::_appSupportPathText()
+{
+    return PathText::textOf(appSupportPath().value_or(Path()));
 }
 
 bool AppController::cleanupTmpdir()

@@ -44,8 +44,11 @@ class AppController : public QObject, public MenuItemValidation
     Q_PROPERTY(QString appName READ appName CONSTANT)
     Q_PROPERTY(QString bundleIdentifier READ bundleIdentifier CONSTANT)
     Q_PROPERTY(int runCount READ runCount CONSTANT)
+    Q_PROPERTY(QString tmpdir READ _tmpdirText CONSTANT)
+    Q_PROPERTY(QString appSupportPath READ _appSupportPathText CONSTANT)
     Q_PROPERTY(QString filename READ filename WRITE setFilename NOTIFY filenameChanged)
     Q_PROPERTY(bool filenameIsValid READ filenameIsValid NOTIFY filenameChanged)
+    Q_PROPERTY(QString destinationDirectory READ _destinationDirectoryText)
     Q_PROPERTY(QString previewText READ previewText NOTIFY previewTextChanged)
     Q_PROPERTY(int selectedDestination READ selectedDestination WRITE setSelectedDestination NOTIFY
             selectedDestinationChanged)
@@ -214,9 +217,15 @@ Q_SIGNALS:
 private:
     struct Prompt;
 
+    // Properties are texts; empty ones where there is no folder.
+    QString _tmpdirText();
+    QString _appSupportPathText();
+    QString _destinationDirectoryText();
+
     // QKUtility::afterDelay() for a block that uses this object: it does not run without it.
     void _afterDelay(double seconds, std::function<void()> runBlock);
 
+    void _followDestinations();
     void _tellWhatIsLeftOut();
     void _setAcceptsFiles(bool flag);
     void _startArchiving(const Path& path);
@@ -227,6 +236,7 @@ private:
     void _runPrompt(const Prompt& prompt);
     void _tell(const QString& title, const QString& message);
     void _hearDesktop();
+    void _quitWhenNothingIsTold();
 
     Interface _interface;
     std::unique_ptr<PreferenceController> _preferenceController;
@@ -234,6 +244,7 @@ private:
     bool _shouldAutoQuit = false; // quit when the archive is done; settled at launch
     bool _hasMailed = false; // an archive of this process: quitting would take it away
     QString _filename; // of the archive being asked for
+    QStringList _shownDestinations; // the folders in the menu
 
     // Made on first use, kept for the process.
     std::optional<Path> _tmpFolder;

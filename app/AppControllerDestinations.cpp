@@ -58,6 +58,7 @@ void AppController::setupDestinations()
     const QStringList folders
         = Destinations::removeDuplicatesAndAbbreviateWithTilde(storedDestinations());
     storeDestinations(folders);
+    _shownDestinations = folders;
 
     PopUpButton& menu = *_interface.destinationPop;
     const bool keepsFirst = menu.numberOfItems() > 0 && menu.itemAtIndex(0).submenu != nullptr;
@@ -78,6 +79,20 @@ void AppController::setupDestinations()
     menu.selectItemWithTag(selectedDestination());
     menu.sizeToFit();
     giveKeyEquivalents(menu);
+}
+
+// Another program of ours may change what this one shows.
+void AppController::_followDestinations()
+{
+    connect(
+        &UserDefaults::standardUserDefaults(), &UserDefaults::didChange, this,
+        [this](const QString& key) {
+            if (key == destinationsKey && storedDestinations() != _shownDestinations)
+                setupDestinations();
+            else if (key == selectedDestinationKey)
+                Q_EMIT selectedDestinationChanged();
+        },
+        Qt::QueuedConnection);
 }
 
 // A tag left by a longer list falls back to the source's folder; a negative one stays as it is.
@@ -115,6 +130,11 @@ std::optional<AppController::Path> AppController::destinationDirectory()
     return folder;
 }
 
+QString AppController::_destinationDirectoryText()
+{
+    return PathText::textOf(destinationDirectory().value_or(Path()));
+}
+
 void AppController::addDestination(QObject* /*sender*/)
 {
     OpenPanel::beginForFolder(
@@ -130,6 +150,7 @@ void AppController::addDestination(QObject* /*sender*/)
 
 void AppController::addDestinationPath(const QString& path)
 {
+    UserDefaults::standardUserDefaults().synchronize(); // another program may have added one
     QStringList folders = storedDestinations();
     folders.prepend(Destinations::abbreviatedWithTilde(path));
     storeDestinations(folders);
@@ -139,11 +160,13 @@ void AppController::addDestinationPath(const QString& path)
 
 void AppController::removeDestination(QObject* /*sender*/)
 {
-    QStringList folders = storedDestinations();
     const int index = selectedDestination() - DestinationTagFirstFolder;
-    if (index < 0 || index >= folders.size())
+    if (index < 0 || index >= storedDestinations().size())
         return;
-    folders.removeAt(index);
+    const QString folder = storedDestinations().at(index);
+    UserDefaults::standardUserDefaults().synchronize(); // another program may have moved it
+    QStringList folders = storedDestinations();
+    folders.removeOne(folder);
     storeDestinations(folders);
     setSelectedDestination(DestinationTagSameAsSource);
     setupDestinations();

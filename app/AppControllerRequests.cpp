@@ -7,6 +7,7 @@
 #include "platform/base/AlertPanel.h"
 #include "platform/base/FileTree.h"
 #include "platform/base/PathString.h"
+#include "platform/base/Task.h"
 #include "platform/desktop/AppleScript.h"
 #include "platform/desktop/MailComposer.h"
 #include "platform/desktop/OpenPanel.h"
@@ -18,9 +19,9 @@
 #include "platform/desktop/Workspace.h"
 #include "shared/Library/QKWindow.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
@@ -171,6 +172,7 @@ void AppController::_startArchiving(const Path& path)
 {
     try {
         archiver(); // made here, where its folder is made too
+        tmpFolder();
     } catch (const std::exception&) {
         _fail(tr("there is no working folder at %1")
                   .arg(PathText::textOf(tmpdirString()))
@@ -178,7 +180,6 @@ void AppController::_startArchiving(const Path& path)
         _interface.saveDropView->clearFiles();
         return;
     }
-    tmpFolder();
     _setAcceptsFiles(false);
     _work.detachNewThread([this, path] { archiveToPath(path); });
 }
@@ -206,7 +207,9 @@ void AppController::archiveToPath(const Path& path)
         if (const auto archive = _runArchiver(path))
             _deliver(*archive);
         else // nothing was begun, so nothing tells that it has ended
-            _work.performOnMainThread([this] { _interface.progressWindow->hide(); });
+            _work.performOnMainThread([this, name = path.stem()] {
+                _fail(tr("'%1' is no name for it").arg(PathText::textOf(name)).toStdString());
+            });
     } catch (const std::exception& failure) {
         _work.performOnMainThread([this, reason = std::string(failure.what())] { _fail(reason); });
     }
@@ -225,9 +228,12 @@ std::optional<AppController::Path> AppController::_runArchiver(const Path& path)
     if (_work.isEnding())
         return std::nullopt;
     const auto& defaults = UserDefaults::standardUserDefaults();
+    const auto type = static_cast<int>(defaults.integerForKey(archiveTypeKey));
+    if (const auto missing = Archiver::missingTool(type))
+        throw LaunchFailure("there is no " + missing->native());
     return archiver().archiveFiles({.files = *files,
         .name = PathString::stringByDeletingPathExtension(path.filename().native()),
-        .type = static_cast<int>(defaults.integerForKey(archiveTypeKey)),
+        .type = type,
         .excludeDSStore = true,
         .compressionLevel
         = static_cast<int>(defaults.integerForKey(QStringLiteral("CompressionLevel"))),
@@ -352,12 +358,20 @@ void AppController::archiverCompletedWithStatus(int status)
         _interface.progressWindow->hide();
         _interface.advertTextView->setProductId(randomProductId());
     });
-    // Quitting would take the attachment from a mail program that has hardly started.
     if (_shouldAutoQuit)
-        _afterDelay(autoQuitDelay, [this] {
-            if (!_hasMailed)
-                terminate(this);
-        });
+        _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
+}
+
+// An alert is to be read, a file manager that starts has to be asked again, and a mail program that
+// has hardly started would lose its attachment.
+void AppController::_quitWhenNothingIsTold()
+{
+    if (_hasMailed)
+        return;
+    if (QApplication::activeModalWidget() || Workspace::sharedWorkspace().isRevealing())
+        _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
+    else
+        terminate(this);
 }
 
 Archiver& AppController::archiver()
@@ -426,7 +440,7 @@ void AppController::_chose(const std::vector<Path>& paths)
 
 void AppController::paste(QObject* /*sender*/)
 {
-    const QMimeData* pasteboard = QGuiApplication::clipboard()->mimeData();
+    const QMimeData* pasteboard = QApplication::clipboard()->mimeData();
     DropView& box = *_interface.saveDropView;
     if (acceptsFiles() && pasteboard != nullptr && DropView::offersFiles(*pasteboard)
         && box.performDragOperation(*pasteboard))

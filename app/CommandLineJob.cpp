@@ -27,7 +27,7 @@ namespace
 {
 
 constexpr auto redrawInterval = 100ms; // quick enough to look alive
-constexpr auto cancelInterval = 200ms; // an interrupt may fall between two tools: it is repeated
+constexpr auto abandonInterval = 200ms; // a tool may need several interrupts
 
 using FileStatus = struct stat;
 
@@ -115,8 +115,12 @@ bool CommandLineJob::_resolveFiles()
             complete = complain(file, errno);
         else if (PathString::lastPathComponent(file.native()) == "/")
             complete = complain("'/' has no name to be archived under");
-        else
-            _files.push_back(documentPath(file));
+        else {
+            std::error_code failure;
+            _files.push_back(documentPath(file, failure));
+            if (failure)
+                complete = complain(file, failure.value());
+        }
     }
     return complete && (_line.type == ArchiveTypePlainZip || _canBeStaged());
 }
@@ -180,7 +184,7 @@ void CommandLineJob::_makeArchive(const Path& workingFolder)
     });
     _loop.watch(_signals.descriptor(), [&] {
         if (_signals.take() && !std::exchange(_isInterrupted, true))
-            _cancelUntilEnded(*archiver);
+            _abandonUntilEnded(*archiver);
     });
     _drawUntilEnded();
 
@@ -238,12 +242,12 @@ void CommandLineJob::_noteStatus(int status)
     (std::ranges::find(skips, status) != skips.end() ? _hasSkipped : _hasFailed) = true;
 }
 
-void CommandLineJob::_cancelUntilEnded(Archiver& archiver)
+void CommandLineJob::_abandonUntilEnded(Archiver& archiver)
 {
     if (_isEnded)
         return;
-    archiver.cancel();
-    _loop.submitAfter(cancelInterval, [this, &archiver] { _cancelUntilEnded(archiver); });
+    archiver.abandon();
+    _loop.submitAfter(abandonInterval, [this, &archiver] { _abandonUntilEnded(archiver); });
 }
 
 void CommandLineJob::_drawUntilEnded()

@@ -37,7 +37,7 @@ private:
     void _makeArchive(const Path& workingFolder);
     ArchiverDelegate _delegate();
     void _noteStatus(int status);
-    void _cancelUntilEnded(Archiver& archiver);
+    void _abandonUntilEnded(Archiver& archiver);
     void _drawUntilEnded();
     [[nodiscard]] bool _isMade() const;
     int _report();

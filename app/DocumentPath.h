@@ -1,7 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <system_error>
 
 // The path of a file named on the command line: absolute, with a name of its own at the end. A link
-// stays one, but "." and ".." are the folder that they stand for. Throws std::filesystem errors.
-[[nodiscard]] std::filesystem::path documentPath(const std::filesystem::path& file);
+// stays one, but "." and ".." are the folder that they stand for. An
+// unreadable folder on the way is a failure.
+[[nodiscard]] std::filesystem::path documentPath(
+    const std::filesystem::path& file, std::error_code& failure);

@@ -6,6 +6,7 @@
 #include "shared/Library/BezierPathExtras.h"
 #include "shared/Library/QKUtility.h"
 
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -116,7 +117,10 @@ void DropView::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(event->rect(), _animate ? hbgColor() : bgColor());
-    _drawCaption(painter);
+    const Caption caption = dropHereString();
+    painter.setFont(caption.font);
+    painter.setPen(caption.color);
+    painter.drawText(rect(), Qt::AlignCenter, caption.text);
     if (_animate) {
         _phase += phaseStep;
         QKUtility::afterDelay(passDelayInSeconds, [view = QPointer(this)] {
@@ -124,18 +128,16 @@ void DropView::paintEvent(QPaintEvent* event)
                 view->update();
         });
     }
-    _drawDashedBoxWithPhase(painter, _phase);
+    drawDashedBoxWithPhase(painter, _phase);
     if (hasFocus() && !_animate)
         _drawFocus(painter);
 }
 
-void DropView::_drawCaption(QPainter& painter) const
+DropView::Caption DropView::dropHereString() const
 {
     QFont font(QStringLiteral("Helvetica"));
     font.setPixelSize(captionSize);
-    painter.setFont(font);
-    painter.setPen(_animate ? hfgColor() : fgColor());
-    painter.drawText(rect(), Qt::AlignCenter, text());
+    return {text(), font, _animate ? hfgColor() : fgColor()};
 }
 
 // Some styles would fill the whole box.
@@ -146,7 +148,7 @@ void DropView::_drawFocus(QPainter& painter) const
         QPen(palette().color(QPalette::Active, QPalette::Highlight), lineWidth));
 }
 
-void DropView::_drawDashedBoxWithPhase(QPainter& painter, float phase) const
+void DropView::drawDashedBoxWithPhase(QPainter& painter, float phase) const
 {
     const QRectF box
         = QRectF(rect()).adjusted(outlineInset, outlineInset, -outlineInset, -outlineInset);
@@ -217,6 +219,10 @@ void DropView::keyPressEvent(QKeyEvent* event)
 // A refused drag is accepted here with no action, or else nothing would tell that it leaves.
 void DropView::dragEnterEvent(QDragEnterEvent* event)
 {
+    if (QApplication::activeModalWidget()) { // Qt hands drags on to windows that dialogs block
+        event->ignore();
+        return;
+    }
     event->setDropAction(draggingEntered(*event->mimeData()));
     event->accept();
 }
@@ -237,7 +243,8 @@ void DropView::dragLeaveEvent(QDragLeaveEvent* /*event*/)
 void DropView::dropEvent(QDropEvent* event)
 {
     event->setDropAction(Qt::CopyAction);
-    if (!offersFiles(*event->mimeData()) || event->dropAction() != Qt::CopyAction) {
+    if (!offersFiles(*event->mimeData()) || event->dropAction() != Qt::CopyAction
+        || QApplication::activeModalWidget()) {
         draggingExited();
         event->ignore();
         return;

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QColor>
+#include <QFont>
 #include <QStringList>
 
 #include <filesystem>
@@ -54,6 +55,15 @@ public:
     static const QColor& hfgColor(); // of a hovered box
     static const QColor& hbgColor();
 
+    // The outline in its colour, and the caption in its colour and font, as the box is now.
+    void drawDashedBoxWithPhase(QPainter& painter, float phase) const;
+    struct Caption {
+        QString text;
+        QFont font;
+        QColor color;
+    };
+    [[nodiscard]] Caption dropHereString() const;
+
     // What a drag goes through. The result of entering is what may be done with it: copied, when
     // it offers files, or nothing.
     Qt::DropAction draggingEntered(const QMimeData& pasteboard);
@@ -77,8 +87,6 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    void _drawDashedBoxWithPhase(QPainter& painter, float phase) const;
-    void _drawCaption(QPainter& painter) const;
     void _drawFocus(QPainter& painter) const;
 
     AppController* _appController = nullptr;

@@ -1,39 +1,53 @@
 #include "app/InterruptSignals.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <system_error>
 
-#include <pthread.h>
-#include <sys/signalfd.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace
+{
+
+int noteDescriptor = -1; // of the one object there is
+
+void note(int /*number*/)
+{
+    const int formerError = errno;
+    const std::uint64_t one = 1;
+    (void)::write(noteDescriptor, &one, sizeof one);
+    errno = formerError;
+}
+
+} // namespace
 
 InterruptSignals::InterruptSignals()
+    : _descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction action {
-        };
-        sigaction(number, nullptr, &action);
-        if (number != SIGHUP || action.sa_handler != SIG_IGN)
-            sigaddset(&signals, number);
-    }
-    pthread_sigmask(SIG_BLOCK, &signals, &_formerMask);
-    _descriptor = FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     if (!_descriptor)
         throw std::system_error(errno, std::generic_category(), "cannot watch for signals");
+    noteDescriptor = _descriptor.number();
+    struct sigaction noting {
+    };
+    noting.sa_handler = note;
+    noting.sa_flags = SA_RESTART;
+    for (Former& former : _formers) {
+        sigaction(former.number, nullptr, &former.action);
+        if (former.number != SIGHUP || former.action.sa_handler != SIG_IGN)
+            sigaction(former.number, &noting, nullptr);
+    }
 }
 
 InterruptSignals::~InterruptSignals()
 {
-    take();
-    pthread_sigmask(SIG_SETMASK, &_formerMask, nullptr);
+    for (const Former& former : _formers)
+        sigaction(former.number, &former.action, nullptr);
+    noteDescriptor = -1;
 }
 
 bool InterruptSignals::take()
 {
-    bool any = false;
-    signalfd_siginfo signal{};
-    while (::read(_descriptor.number(), &signal, sizeof signal) == sizeof signal)
-        any = true;
-    return any;
+    std::uint64_t count = 0;
+    return ::read(_descriptor.number(), &count, sizeof count) == sizeof count;
 }

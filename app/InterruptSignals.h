@@ -2,11 +2,13 @@
 
 #include "platform/base/FileDescriptor.h"
 
+#include <array>
 #include <csignal>
 
 // SIGINT, SIGTERM and SIGHUP as something to read, for as long as this object lives. A SIGHUP that
 // is ignored (nohup) stays so; a SIGINT does not, because shells ignore it for what they start with
-// "&". Made on the main thread before any other thread, which then has these signals blocked too.
+// "&". Programs that are started meanwhile do not inherit any of it. One at a time, on the main
+// thread.
 class InterruptSignals
 {
 public:
@@ -25,6 +27,12 @@ public:
     bool take();
 
 private:
-    sigset_t _formerMask{};
+    struct Former {
+        int number;
+        struct sigaction action {
+        };
+    };
+
     FileDescriptor _descriptor;
+    std::array<Former, 3> _formers{Former{SIGINT}, Former{SIGTERM}, Former{SIGHUP}};
 };

@@ -22,39 +22,45 @@ PreferenceController::PreferenceController(AppController* appController)
 
 PreferenceController::~PreferenceController() = default;
 
-void PreferenceController::_loadWindow(QKWindow* onWindow)
+void PreferenceController::awakeFromNib(QKWindow* onWindow)
 {
-    _window = new QDialog(onWindow);
+    _nonAppStorePreferencesWindow = new QDialog(onWindow);
     Ui::Preference preference;
-    preference.setupUi(_window);
+    preference.setupUi(_nonAppStorePreferencesWindow);
     _hideAdvertBtn = preference.hideAdvertBtn;
-    [[maybe_unused]] const QStringList unbound = _defaultsController.bind(_window);
+    [[maybe_unused]] const QStringList unbound
+        = _defaultsController.bind(_nonAppStorePreferencesWindow);
     Q_ASSERT_X(unbound.isEmpty(), "Preference", qPrintable(unbound.join(u'\n')));
     connect(preference.hideAdvertBtn, &QCheckBox::clicked, this,
         [this] { toggleAdvert(_hideAdvertBtn); });
     connect(preference.acceptButton, &QPushButton::clicked, this, [this] { accept(sender()); });
     connect(preference.cancelButton, &QPushButton::clicked, this, [this] { cancel(sender()); });
-    connect(_window, &QDialog::finished, this,
-        [this](int returnCode) { sheetDidEnd(_window, returnCode); });
+    connect(_nonAppStorePreferencesWindow, &QDialog::finished, this,
+        [this](int returnCode) { sheetDidEnd(_nonAppStorePreferencesWindow, returnCode); });
+    windowDidLoad();
+}
+
+void PreferenceController::windowDidLoad()
+{
     _readDefaults();
 }
 
 void PreferenceController::showWindow(QKWindow* onWindow)
 {
-    if (!_window)
-        _loadWindow(onWindow);
+    if (!_nonAppStorePreferencesWindow)
+        awakeFromNib(onWindow);
     _readDefaults();
-    Sheets::begin(_window, onWindow);
+    Sheets::begin(_nonAppStorePreferencesWindow, onWindow);
 }
 
 void PreferenceController::accept(QObject* /*sender*/)
 {
-    _window->done(QDialog::Accepted);
+    _nonAppStorePreferencesWindow->done(QDialog::Accepted);
 }
 
 void PreferenceController::cancel(QObject* /*sender*/)
 {
-    _window->done(QDialog::Rejected);
+    _nonAppStorePreferencesWindow->done(QDialog::Rejected);
 }
 
 void PreferenceController::toggleAdvert(QObject* /*sender*/) { }

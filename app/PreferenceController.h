@@ -21,6 +21,10 @@ public:
     explicit PreferenceController(AppController* appController);
     ~PreferenceController() override;
 
+    // Loads the window from its form, as a child of the application's; then sets its controls.
+    void awakeFromNib(QKWindow* onWindow);
+    void windowDidLoad();
+
     // Shows the sheet on the window, not on whoever sends this.
     void showWindow(QKWindow* onWindow);
 
@@ -33,12 +37,12 @@ public:
     void sheetDidEnd(QDialog* sheet, int returnCode);
 
 private:
-    void _loadWindow(QKWindow* onWindow);
     void _readDefaults();
     void _writeDefaults();
 
     AppController* _appController;
-    QPointer<QDialog> _window; // loaded when first shown; the main window's child
+    QPointer<QDialog>
+        _nonAppStorePreferencesWindow; // loaded when first shown; the main window's child
     DefaultsController _defaultsController;
     QAbstractButton* _hideAdvertBtn = nullptr; // the window's
 };

@@ -49,8 +49,9 @@ void openDocuments(const std::vector<fs::path>& files, AppController& controller
     std::vector<fs::path> notThere;
     for (const fs::path& file : files) {
         std::error_code missing;
-        if (fs::exists(fs::symlink_status(file, missing)))
-            controller.applicationOpenFile(documentPath(file));
+        const fs::path document = documentPath(file, missing);
+        if (!missing && fs::exists(fs::symlink_status(document, missing)))
+            controller.applicationOpenFile(document);
         else {
             std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
             notThere.push_back(file);

@@ -5,6 +5,7 @@
 #include "platform/desktop/UpdateSheet.h"
 
 #include <QApplication>
+#include <QWindow>
 
 #include <utility>
 
@@ -99,9 +100,18 @@ void SUUpdater::_start()
         _tellProblem(tr("No address to look for new versions at is set."));
 }
 
+// A sheet finds its place only on a window that has one.
+bool SUUpdater::_canTell() const
+{
+    if (QApplication::activeModalWidget())
+        return false;
+    const QWindow* window = _parentWindow ? _parentWindow->windowHandle() : nullptr;
+    return !_parentWindow || (window && window->isExposed());
+}
+
 void SUUpdater::_finish()
 {
-    if (!_isAsked && QApplication::activeModalWidget()) {
+    if (!_isAsked && !_canTell()) {
         _retry.start(); // nothing is told, so nothing counts as checked
         return;
     }

@@ -41,12 +41,13 @@ public:
     // Always answers: with what is newer, that nothing is, or what went wrong.
     void checkForUpdates(QObject* sender);
 
-    // Answers only with what is newer, and waits with that while a dialog blocks the program. Does
-    // nothing within a day of the last check.
+    // Answers only with what is newer, and waits with that while a dialog blocks the program
+    // or its window is not on screen. Does nothing within a day of the last check.
     void checkForUpdatesInBackground();
 
 private:
     [[nodiscard]] bool _isDue() const;
+    [[nodiscard]] bool _canTell() const;
     void _start();
     void _finish();
     void _tell(const AppcastReader::Item* newest);

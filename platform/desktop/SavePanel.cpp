@@ -79,6 +79,8 @@ void SavePanel::beginSheetModalForWindow(QWidget* window, CompletionHandler comp
 void SavePanel::accept()
 {
     QString name = _nameField()->text();
+    if (name.startsWith(QLatin1String("~/")))
+        name.replace(0, 1, QDir::homePath());
     const bool isPath = name.contains(QLatin1Char('/')) || name == QLatin1String("..");
     if (name.isEmpty() || (isPath && QFileInfo(directory(), name).isDir())) {
         QFileDialog::accept();

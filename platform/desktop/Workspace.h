@@ -30,6 +30,9 @@ public:
     virtual void selectFile(const std::filesystem::path& path,
         const std::optional<std::filesystem::path>& inFileViewerRootedAtPath = std::nullopt);
 
+    // While it is not known yet whether a file could be shown. Main thread.
+    [[nodiscard]] bool isRevealing() const { return !children().isEmpty(); }
+
 Q_SIGNALS:
     // The file is not there, or no file manager answers.
     void couldNotReveal(const std::filesystem::path& path);

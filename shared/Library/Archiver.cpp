@@ -5,6 +5,7 @@
 #include "platform/base/FileMove.h"
 #include "platform/base/FileTree.h"
 #include "platform/base/PathString.h"
+#include "platform/base/ScopeExit.h"
 #include "platform/base/Task.h"
 #include "shared/Library/FileManagerArchiverConvenience.h"
 
@@ -57,6 +58,8 @@ std::optional<Archiver::Path> Archiver::archiveFiles(const ArchiveFiles& job)
         status = createPlainZipAtPath(*result, job.files, job.excludeDSStore, job.compressionLevel);
     } else {
         const Path staged = makeTmpFolderForArchive(*job.name, job.type, job.files);
+        // The links go, never what they lead to.
+        const ScopeExit removal([&] { (void)FileTree::remove(staged); });
         if (!_abandoning.stop_requested())
             result = archiveFile({.file = staged,
                 .type = job.type,
@@ -64,7 +67,6 @@ std::optional<Archiver::Path> Archiver::archiveFiles(const ArchiveFiles& job)
                 .compressionLevel = job.compressionLevel,
                 .toFolder = *job.toFolder,
                 .withPassword = job.withPassword});
-        (void)FileTree::remove(staged); // the links go, never what they lead to
     }
     if (_delegate && _delegate->archiverCompletedWithStatus)
         _delegate->archiverCompletedWithStatus(status);

@@ -99,12 +99,15 @@ std::optional<Archiver::Path> Archiver::createDMG(
     // The name of the volume, then that of the image, which the tool completes.
     runHdiutil({"create", "-sectors", std::to_string(sectorsFor(duSizeForPath(staged))), "-fs",
         "HFS+", "-type", "SPARSE", "-volname", name, name});
-    const std::optional<std::string> device = mountSparseImage(name, toFolder);
-    dittoContentsAtPath(staged, volume);
-    if (device)
-        runHdiutil({"detach", *device});
-    else
-        runHdiutil({"unmount", volume});
+    // What was mounted is unmounted, also when it is abandoned.
+    if (!_abandoning.stop_requested()) {
+        const std::optional<std::string> device = mountSparseImage(name, toFolder);
+        dittoContentsAtPath(staged, volume);
+        if (device)
+            runHdiutil({"detach", *device});
+        else
+            runHdiutil({"unmount", volume});
+    }
 
     if (!_abandoning.stop_requested()) {
         std::vector<std::string> convert{"convert", name + ".sparseimage", "-format", "UDZO"};

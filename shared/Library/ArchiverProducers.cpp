@@ -96,13 +96,18 @@ int Archiver::createPlainZipAtPath(const Path& archive, const std::vector<Path>&
     const Path temporary = _workingDirectory.native() + "/" + lastPathComponent(archive.native());
     convenience::removeItemAtPath(temporary);
     int status = 0;
-    for (const Path& item : sourcePaths) {
-        if (_cancelFlag || _abandoning.stop_requested()) {
-            convenience::removeItemAtPath(temporary);
-            status = 1;
-            break;
+    try {
+        for (const Path& item : sourcePaths) {
+            if (_cancelFlag || _abandoning.stop_requested()) {
+                convenience::removeItemAtPath(temporary);
+                status = 1;
+                break;
+            }
+            addToZip(temporary, item, excludeDSStore, compressionLevel);
         }
-        addToZip(temporary, item, excludeDSStore, compressionLevel);
+    } catch (...) {
+        convenience::removeItemAtPath(temporary);
+        throw;
     }
     if (_abandoning.stop_requested()) {
         convenience::removeItemAtPath(temporary);

@@ -128,6 +128,7 @@ std::optional<QDateTime> UserDefaultsExtras::dateForKey(
 
 int UserDefaultsExtras::incrementIntegerForKey(UserDefaults& defaults, const QString& key)
 {
+    defaults.synchronize(); // another program counts on too
     const auto number = static_cast<std::uint32_t>(defaults.integerForKey(key));
     const auto next = static_cast<std::int32_t>(number + 1);
     defaults.setInteger(next, key);

@@ -316,6 +316,17 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
     EXPECT_TRUE(lastCheck().isValid());
 }
 
+TEST_F(SUUpdaterTest, speaksUnaskedOnlyOnAWindowThatIsOnScreen)
+{
+    serve({answerWith(feedWith("2"))});
+    window.hide();
+    updater.checkForUpdatesInBackground();
+    QTest::qWait(400);
+    EXPECT_EQ(window.findChildren<QDialog*>().size(), 0);
+    window.show();
+    EXPECT_TRUE(sheet() != nullptr);
+}
+
 TEST_F(SUUpdaterTest, leadsToTheNotesWhereThereAreNone)
 {
     serve({answerWith(feedWith("2", "<releaseNotesLink>https://a.example/n</releaseNotesLink>"))});

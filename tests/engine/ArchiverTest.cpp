@@ -400,6 +400,22 @@ TEST_F(ArchiverTest, aToolThatCannotBeLaunchedLeavesAnEngineThatStillWorks)
     EXPECT_EQ(told, (Lines{"files 4", "task 0", "completed 0"}));
 }
 
+TEST_F(ArchiverTest, aToolThatCannotBeLaunchedLeavesNothingInTheWorkingFolder)
+{
+    plan(R"(printf x >>"$4"; rm -rf "$TMPDIR/gone")"); // the folder of the second item
+    writeFile(folder / "gone/two", "two");
+    auto zip = job(ArchiveTypePlainZip);
+    zip.files = {folder / "gone/one", folder / "gone/two"};
+    EXPECT_THROW(archiver->archiveFiles(zip), LaunchFailure);
+    EXPECT_TRUE(fs::is_empty(folder / "work"));
+
+    const Bundle former = Bundle::main();
+    Bundle::setMain(Bundle(folder / "none")); // there is no tar
+    EXPECT_THROW(archiver->archiveFiles(job(ArchiveTypeTarGz)), LaunchFailure);
+    Bundle::setMain(former);
+    EXPECT_TRUE(fs::is_empty(folder / "work"));
+}
+
 TEST_F(ArchiverTest, decidesOnceWhereZipIsAndEachTimeWhereTarIs)
 {
     const fs::path zip = Archiver::zipPath();

@@ -174,3 +174,41 @@ TEST_F(DiskImage, withoutOneOfItsToolsNothingIsTouched)
     EXPECT_FALSE(fs::exists(folder / "record"));
     EXPECT_EQ(readFile(folder / "out/Demo.dmg"), "older");
 }
+
+TEST_F(DiskImage, anAbandonedOneIsUnmountedAndGoes)
+{
+    struct Case {
+        const char* during;
+        Lines steps; // of hdiutil
+    };
+    const Case cases[] = {{"create", {"create"}}, {"mount", {"create", "mount", "unmount"}},
+        {"convert", {"create", "mount", "unmount", "convert"}}};
+    const std::string plan = readFile(folder / "plan");
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.during);
+        writeFile(folder / "plan",
+            "[ $1 != " + std::string(each.during) + R"( ] || { : >"$TMPDIR/started"; sleep 0.5; }
+            )" + plan);
+        const auto one = Archiver::initWithWorkingDirectory(folder / "work");
+        std::jthread ender([&] {
+            EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "started"); }));
+            one->abandon();
+        });
+        one->archiveFiles({.files = {folder / "in/one"},
+            .name = "Demo",
+            .type = ArchiveTypeDiskImage,
+            .toFolder = folder / "out"});
+        ender.join();
+        Lines steps;
+        std::istringstream record(readFile(folder / "record"));
+        for (std::string line; std::getline(record, line);)
+            if (line.starts_with("hdiutil|"))
+                steps.push_back(line.substr(line.find('|', 8) + 1));
+        for (std::string& step : steps)
+            step.resize(step.find('|'));
+        EXPECT_EQ(steps, each.steps);
+        EXPECT_EQ(namesIn(folder / "out"), Lines());
+        fs::remove(folder / "record");
+        fs::remove(folder / "started");
+    }
+}

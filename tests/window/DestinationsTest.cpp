@@ -3,6 +3,7 @@
 #include "app/DropView.h"
 #include "platform/base/PathString.h"
 #include "platform/desktop/UserDefaults.h"
+#include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
 #include <QAction>
@@ -62,7 +63,9 @@ protected:
 
 TEST_F(DestinationMenu, hasARowForEachFolderBetweenTheFixedOnes)
 {
-    const std::string keys = "  3456789   "; // of the folders, by their place in the menu
+    // Of the rows from the first folder on, with so many folders; by position, and so odd.
+    const char* keys[] = {"", "", " 3", " 34", " 345", " 3456", " 34567", " 345678", " 3456789",
+        " 3456789", " 3456789", " 3456789", " 3456789"};
     for (int count = 0; count <= 12; ++count) {
         SCOPED_TRACE(count);
         SetUp();
@@ -70,10 +73,11 @@ TEST_F(DestinationMenu, hasARowForEachFolderBetweenTheFixedOnes)
         std::vector<std::string> expected{"Same as source|0|1", "Email|1|2"};
         if (count == 0)
             expected.emplace_back("|0|");
-        const int last = count + 5 >= 7 ? std::min(count + 5 - 4, 9) : 0;
-        for (int index = 2; index < count + 2; ++index)
-            expected.push_back("/folder/" + std::to_string(index - 1) + "|" + std::to_string(index)
-                + "|" + (index >= 3 && index <= last ? std::to_string(index) : ""));
+        std::string left = keys[count];
+        left.resize(static_cast<std::size_t>(count), ' ');
+        for (int row = 0; row < count; ++row)
+            expected.push_back("/folder/" + std::to_string(row + 1) + "|" + std::to_string(row + 2)
+                + "|" + (left[row] == ' ' ? "" : std::string(1, left[row])));
         if (count > 0)
             expected.push_back("|0|"); // the second blank, which took the place of the first
         expected.insert(expected.end(), {"Remove Selected Entry|0|", "Choose a Folder ...|0|"});
@@ -121,6 +125,28 @@ TEST_F(DestinationMenu, putsAChosenFolderInFrontAndForgetsARemovedOne)
     EXPECT_EQ(menu().selectedTag(), DestinationTagSameAsSource);
     controller().removeDestination(nullptr); // no folder is selected
     EXPECT_EQ(storedFolders(), numberedFolders(2));
+}
+
+TEST_F(DestinationMenu, followsAnotherProgramOfOurs)
+{
+    start({{foldersKey, numberedFolders(2)}});
+    const auto otherStores = [&](const char* folders, int choice) {
+        support::writeFile(folder.path() / "settings1",
+            std::string("[General]\nDestinations=[, ") + folders
+                + ", ]\nSelectedDestination=" + std::to_string(choice) + "\n");
+    };
+    otherStores("/x, /folder/1, /folder/2", 2);
+    UserDefaults::standardUserDefaults().synchronize();
+    EXPECT_TRUE(waitFor([&] { return menu().selectedTag() == 2 && indexOf("/x") >= 0; }));
+
+    // What it has done meanwhile is not lost, and does not lead to the wrong folder.
+    controller().setSelectedDestination(4);
+    otherStores("/y, /x, /folder/1, /folder/2", 4);
+    controller().removeDestination(nullptr);
+    EXPECT_EQ(storedFolders(), QStringList({"/y", "/x", "/folder/1"}));
+    otherStores("/z, /y", 0);
+    controller().addDestinationPath(QStringLiteral("/new"));
+    EXPECT_EQ(storedFolders(), QStringList({"/new", "/z", "/y"}));
 }
 
 TEST_F(DestinationMenu, leadsToTheFolderThatItShows)

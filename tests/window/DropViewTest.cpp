@@ -155,6 +155,19 @@ TEST_F(DropBox, isPressedByKeyToChooseFiles)
     EXPECT_TRUE(waitFor([&] { return asked == QStringLiteral("chooseFolderPanel"); }));
 }
 
+TEST_F(DropBox, isShutWhileADialogIsUp)
+{
+    start();
+    controller().showPreference(nullptr);
+    Drag drag(uriList, "file:///tmp/a\r\n");
+    QDragEnterEvent enter({50, 50}, Qt::CopyAction, &drag.data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&box(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
+    EXPECT_FALSE(box().animate());
+    drag.drop(box());
+    EXPECT_TRUE(box().files().empty());
+}
+
 TEST_F(DropBox, andItsNeighboursAreOneTabStopEach)
 {
     start();

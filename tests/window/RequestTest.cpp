@@ -178,7 +178,10 @@ TEST_F(Request, putsDocumentsOpenedTogetherIntoOneArchive)
     QTest::keyClick(waitForSheet("savePanel"), Qt::Key_Return);
     const fs::path scratch = controller().tmpFolder();
     waitForTheEnd();
-    EXPECT_TRUE(fs::exists(scratch));
+    controller().showPreference(nullptr);
+    serveEventsFor(1500);
+    EXPECT_TRUE(fs::exists(scratch)) << "a sheet is up";
+    QTest::keyClick(Sheets::attachedSheet(&window()), Qt::Key_Escape);
     EXPECT_TRUE(waitFor([&] { return !fs::exists(scratch); })) << "the program has not quit";
     EXPECT_EQ(support::inspectZip(source / "Untitled.zip").names().size(), 3u);
 }
@@ -345,6 +348,46 @@ TEST_F(Request, quittingInTheMiddleLeavesTheDestinationAlone)
     controller().terminate(nullptr);
     EXPECT_EQ(support::readFile(source / "large.zip"), "an older file");
     EXPECT_TRUE(fs::is_empty(working));
+}
+
+TEST_F(Request, tellsWhatKeepsItFromBeginning)
+{
+    struct Case {
+        const char* name;
+        int type;
+        std::string alert; // what it tells of
+    };
+    const Case cases[] = {
+        {"Demo", ArchiveTypeMacZip, ""},
+        {"..", ArchiveTypeMacZip, "'..'"},
+        {"Demo", ArchiveTypeDiskImage, "/usr/bin/hdiutil"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.alert);
+        TearDown();
+        Program::SetUp();
+        start({{QStringLiteral("ArchiveType"), each.type},
+            {QStringLiteral("SelectedDestination"), DestinationTagEmail}});
+        std::string told;
+        AlertPanel::setPresenter([&](const AlertPanel::Alert& alert) {
+            told = alert.message;
+            return int{AlertPanel::answerDefault};
+        });
+        whenSheetIsUp([&](QDialog* sheet) {
+            sheet->findChild<QLineEdit*>(QStringLiteral("nameField"))
+                ->setText(QLatin1String(each.name));
+            QTest::keyClick(sheet, Qt::Key_Return);
+        });
+        drop({source / "one.txt"});
+        EXPECT_TRUE(waitFor([&] { return !told.empty() || !composer.mailed.empty(); }));
+        waitForTheEnd();
+        EXPECT_EQ(told.empty(), each.alert.empty()) << told;
+        EXPECT_NE(told.find(each.alert), std::string::npos) << told;
+        if (told.empty()) {
+            EXPECT_EQ(support::inspectZip(composer.mailed.front()).names(),
+                (std::vector<std::string>{"Demo/", "Demo/one.txt"}));
+        }
+    }
 }
 
 TEST_F(Request, takesCopiedFilesFromTheClipboard)
