@@ -126,6 +126,11 @@ protected:
             if (!killed && log.find("INJECTED") == log.npos && log.find("--- SIG") == log.npos)
                 return count - 1;
             const std::string left = content();
+            // It counts in each thread, so two calls may have been struck: then even putting the
+            // archive back may fail, which has to be said.
+            const bool isStruckTwice = log.find("INJECTED") != log.rfind("INJECTED");
+            if (isStruckTwice && result.err.find("could not be put back") != result.err.npos)
+                continue;
             if (killed) {
                 EXPECT_TRUE(left == old || left == complete) << injection;
             } else {

@@ -256,3 +256,15 @@ TEST_P(EachTool, giveTheSameBytesForAnyNumberOfThreads)
     }
     EXPECT_EQ(complaintsOf(tool.readers, archive), nothing);
 }
+
+TEST(Zip, compressesTextThatStandsBetweenEightLooks)
+{
+    const TestFolder folder;
+    std::string data = randomBytes(16 << 20, 1);
+    for (std::size_t part = 0; part < 7; ++part)
+        data.replace(part * (data.size() / 7) + 600'000, 400'000, someText(400'000));
+    writeFile(folder / "in/data", data);
+    ASSERT_EQ(run(zipTool(), folder / "ours.zip", folder / "in/data").status, 0);
+    ASSERT_EQ(run({"zip", "-q", "-6", folder / "theirs.zip", folder / "in/data"}).status, 0);
+    EXPECT_LE(fs::file_size(folder / "ours.zip"), fs::file_size(folder / "theirs.zip"));
+}

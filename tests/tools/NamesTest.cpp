@@ -3,10 +3,13 @@
 #include "tests/support/TestFolder.h"
 #include "tests/support/Tools.h"
 #include "tests/support/ZipInspector.h"
+#include "tools/common/OutputFile.h"
+#include "tools/tar/StreamReader.h"
 
 #include <algorithm>
 #include <random>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 using namespace support;
@@ -144,4 +147,39 @@ TEST(Names, aVanishedItemIsNeverMatchedAgainstTheArchive)
         EXPECT_EQ(warnedNames(result).front(), name);
         EXPECT_EQ(readFile(folder / "a.zip"), before) << name;
     }
+}
+
+// Some 4,000 folders deep: read without making them, which no other program could clear away.
+TEST(Names, aPathMayBeLongerThanABlockOfTheStream)
+{
+    const TestFolder folder;
+    const std::string source = folder / "source";
+    writeFile(source, someText(200'000));
+    std::string path = "item";
+    while (path.size() < 3 * pieceSize / 2)
+        path += "/" + std::string(255, 'n');
+
+    OutputFile output = OutputFile::createBeside(folder / "a.tar.gz");
+    const OwnFiles ownFiles(output, folder.path());
+    std::string stream;
+    Pipeline<StreamBlock>(1).run(
+        [&](auto& feed) {
+            StreamReader reader(feed, ownFiles);
+            reader.visitFile({path, AT_FDCWD, source.c_str(), false});
+            reader.finish();
+        },
+        [] { return [](StreamBlock&) {}; },
+        [&](const StreamBlock& block) {
+            for (const std::byte byte : block.data())
+                stream += static_cast<char>(byte);
+        });
+    writeFile(folder / "a.tar", stream);
+    const RunResult read = run({"python3", "-c",
+        "import sys, tarfile\n"
+        "archive = tarfile.open(sys.argv[1])\n"
+        "entry = archive.next()\n"
+        "same = archive.extractfile(entry).read() == open(sys.argv[2], 'rb').read()\n"
+        "print(len(entry.name), entry.name[-3:], same, archive.next())",
+        folder / "a.tar", source});
+    EXPECT_EQ(read.out, std::to_string(path.size()) + " nnn True None\n") << read.err;
 }

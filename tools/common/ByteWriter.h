@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -44,9 +46,9 @@ public:
     {
     }
 
-    std::uint16_t u16() { return static_cast<std::uint16_t>(number(2)); }
-    std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
-    std::uint64_t u64() { return number(8); }
+    std::uint16_t u16() { return number<std::uint16_t>(); }
+    std::uint32_t u32() { return number<std::uint32_t>(); }
+    std::uint64_t u64() { return number<std::uint64_t>(); }
     void skip(std::size_t size) { (void)raw(size); }
     std::span<const std::byte> raw(std::size_t size)
     {
@@ -62,14 +64,12 @@ public:
     [[nodiscard]] bool isPastEnd() const { return _isPastEnd; }
 
 private:
-    std::uint64_t number(std::size_t size)
+    // In one load: archives of many entries are read once for each item that is added.
+    template <class Number> Number number()
     {
-        std::uint64_t value = 0;
-        int shift = 0;
-        for (const std::byte byte : raw(size)) {
-            value |= std::to_integer<std::uint64_t>(byte) << shift;
-            shift += 8;
-        }
+        static_assert(std::endian::native == std::endian::little);
+        Number value = 0;
+        std::ranges::copy(raw(sizeof value), std::as_writable_bytes(std::span(&value, 1)).begin());
         return value;
     }
 

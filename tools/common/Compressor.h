@@ -18,7 +18,8 @@ struct libdeflate_compressor;
 // costs 0.4% of size), larger ones need more memory and leave threads idle at the end of a file.
 inline constexpr std::size_t pieceSize = std::size_t{1} << 20;
 
-// Whether a quick look finds nothing to gain in `data`. Small data is never judged.
+// Whether a quick look finds nothing to gain in `data`. Small data counts as such only when it
+// begins like a compressed format.
 bool looksIncompressible(std::span<const std::byte> data);
 
 class Compressor

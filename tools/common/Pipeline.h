@@ -1,9 +1,10 @@
-// One reader fills blocks, many workers work on a block each, and one writer, the calling thread,
+// A reader, the calling thread, fills blocks; many workers work on a block each; and one writer
 // gets them in the order in which they were read.
 //
-// Blocks and workers are made as they are needed, up to a fixed number: a file dropped alone takes
-// one of each, and memory is bounded. Errors travel with the
-// blocks: the first in their order is what run() throws, after every thread has stopped.
+// Blocks and threads are made as they are needed, up to a fixed number, which bounds memory. A
+// block that stays alone never leaves the calling thread: starting others would take longer than
+// what most dropped files cost. Errors travel with the blocks: the first in their order is what
+// run() throws, after every thread has stopped.
 #pragma once
 
 #include "tools/common/BlockingQueue.h"
@@ -14,14 +15,16 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 template <class Block> class Pipeline
 {
 public:
     explicit Pipeline(unsigned threadCount)
-        : _workersLeft(threadCount)
+        : _mostWorkers(threadCount)
         // Two for each worker, so that none waits for the reader, and one for the reader and the
         // writer each.
         , _blocksLeft(2 * threadCount + 2)
@@ -52,42 +55,72 @@ public:
         // Hands a filled block on.
         void submit(std::unique_ptr<Block> block)
         {
-            Job job{std::move(block), {}};
-            if (!_pipeline._results.push(job.done.get_future()))
-                throw Stopped();
-            if (_pipeline._workersLeft > 0) {
-                --_pipeline._workersLeft;
-                _startWorker();
+            if (_pipeline._isAlone && !_pipeline._first) {
+                _pipeline._first = std::move(block);
+                return;
             }
-            _pipeline._jobs.push(std::move(job));
+            if (_pipeline._isAlone) {
+                _startWriter();
+                _pipeline._isAlone = false;
+                handOn(std::move(_pipeline._first));
+            }
+            handOn(std::move(block));
         }
 
     private:
         friend class Pipeline;
-        Feed(Pipeline& pipeline, std::function<void()> startWorker)
+        using Starter = std::function<void()>;
+        Feed(Pipeline& pipeline, Starter startWriter, Starter startWorker)
             : _pipeline(pipeline)
+            , _startWriter(std::move(startWriter))
             , _startWorker(std::move(startWorker))
         {
         }
+        void handOn(std::unique_ptr<Block> block)
+        {
+            addWorker();
+            Job job{std::move(block), {}};
+            if (!_pipeline._results.push(job.done.get_future()))
+                throw Stopped();
+            _pipeline._jobs.push(std::move(job));
+        }
+        void addWorker()
+        {
+            if (_workerCount == _pipeline._mostWorkers)
+                return;
+            try {
+                _startWorker();
+                ++_workerCount;
+            } catch (const std::system_error&) {
+                if (_workerCount == 0)
+                    throw;
+                // The system gives no more: those there are will do.
+            }
+        }
+
         Pipeline& _pipeline;
-        std::function<void()> _startWorker;
+        Starter _startWriter;
+        Starter _startWorker;
+        unsigned _workerCount = 0;
     };
 
-    // read(Feed&) on a thread of its own; makeWork() on each worker's, giving what is called as
-    // work(Block&); write(Block&) on the calling thread.
+    // read(Feed&) on the calling thread; makeWork() on each worker's, giving what is called as
+    // work(Block&); write(Block&) on one thread.
     template <class Read, class MakeWork, class Write>
     void run(const Read& read, const MakeWork& makeWork, const Write& write)
     {
-        std::vector<std::jthread> workers; // the reader's, until it has ended
-        const std::jthread reader(
-            [&] { readAll(read, [&] { workers.emplace_back([&] { workAll(makeWork); }); }); });
-        const StopAll stopAll{*this}; // runs before the joins
-        while (auto result = _results.pop()) {
-            std::unique_ptr<Block> block = result->get(); // rethrows what the others threw
-            Interrupt::check();
-            write(*block);
-            _empty.push(std::move(block));
+        std::exception_ptr failure;
+        {
+            std::vector<std::jthread> threads;
+            Feed feed(
+                *this, [&] { threads.emplace_back([&] { failure = writeAll(write); }); },
+                [&] { threads.emplace_back([&] { workAll(makeWork); }); });
+            const std::exception_ptr readFailure = readAll(read, feed);
+            if (_isAlone)
+                failure = finishAlone(makeWork, write, readFailure);
         }
+        if (failure)
+            std::rethrow_exception(failure);
     }
 
 private:
@@ -99,30 +132,57 @@ private:
     class Stopped : public std::exception
     {
     };
-    struct StopAll {
-        Pipeline& pipeline;
-        ~StopAll()
-        {
-            pipeline._empty.close();
-            pipeline._jobs.close();
-            pipeline._results.close();
-        }
-    };
-
-    template <class Read> void readAll(const Read& read, const std::function<void()>& startWorker)
+    // What kept it from reading all. It is handed on as the last result, too.
+    template <class Read> std::exception_ptr readAll(const Read& read, Feed& feed)
     {
+        std::exception_ptr failure;
         try {
-            Feed feed(*this, startWorker);
             read(feed);
-        } catch (const Stopped&) {
-            return;
+        } catch (const Stopped&) { // the writer has failed
         } catch (...) {
+            failure = std::current_exception();
             Done failed;
-            failed.set_exception(std::current_exception());
+            failed.set_exception(failure);
             _results.push(failed.get_future());
         }
         _jobs.finish();
         _results.finish();
+        return failure;
+    }
+
+    template <class MakeWork, class Write>
+    std::exception_ptr finishAlone(
+        const MakeWork& makeWork, const Write& write, const std::exception_ptr& readFailure)
+    {
+        try {
+            if (_first) {
+                makeWork()(*_first);
+                Interrupt::check();
+                write(*_first);
+            }
+        } catch (...) {
+            return std::current_exception();
+        }
+        return readFailure;
+    }
+
+    template <class Write> std::exception_ptr writeAll(const Write& write)
+    {
+        std::exception_ptr failure;
+        try {
+            while (auto result = _results.pop()) {
+                std::unique_ptr<Block> block = result->get(); // rethrows what the others threw
+                Interrupt::check();
+                write(*block);
+                _empty.push(std::move(block));
+            }
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        _empty.close();
+        _jobs.close();
+        _results.close();
+        return failure;
     }
 
     template <class MakeWork> void workAll(const MakeWork& makeWork)
@@ -147,9 +207,11 @@ private:
         }
     }
 
-    // The reader's: how many more there may be.
-    unsigned _workersLeft;
-    unsigned _blocksLeft;
+    // The reader's.
+    const unsigned _mostWorkers;
+    unsigned _blocksLeft; // how many more there may be
+    bool _isAlone = true; // the first block, or none yet
+    std::unique_ptr<Block> _first;
     BlockingQueue<std::unique_ptr<Block>> _empty;
     BlockingQueue<Job> _jobs; // for whoever is free
     BlockingQueue<std::future<std::unique_ptr<Block>>> _results; // in the order of reading

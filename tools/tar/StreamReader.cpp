@@ -96,8 +96,13 @@ void StreamReader::finish()
 void StreamReader::addSmall(SourceFile& file, TarFormat::Entry entry)
 {
     std::vector<std::byte> header = TarFormat::header(entry);
-    if (block().room().size() < header.size() + file.size() + TarFormat::blockSize)
+    const std::size_t needed = header.size() + file.size() + TarFormat::blockSize;
+    if (block().room().size() < needed)
         submit();
+    if (block().room().size() < needed) { // the path alone may be longer than a block
+        addLarge(file, entry);
+        return;
+    }
     const std::size_t size = file.read(block().room().subspan(header.size()));
     file.finish();
     if (file.isUnreadable())

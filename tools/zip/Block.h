@@ -35,6 +35,7 @@ struct Block {
     std::unique_ptr<std::byte[]> input;
     std::size_t used = 0; // bytes of the input
     std::vector<Member> members;
+    std::size_t nameBytes = 0; // of the whole entries
     // Whole entries: ready to be written, headers included. A piece: its data, unless it is stored.
     std::vector<std::byte> output;
 
@@ -51,6 +52,7 @@ struct Block {
     {
         used = 0;
         members.clear();
+        nameBytes = 0;
         output.clear();
     }
 };

@@ -11,6 +11,7 @@ namespace
 
 // Bounds what headers add to a block that holds little data.
 constexpr std::size_t mostMembers = 1024;
+constexpr std::size_t mostNameBytes = pieceSize;
 
 bool isTooLong(const std::string& name)
 {
@@ -127,6 +128,7 @@ void BlockReader::addContent(ZipFormat::Entry entry, std::span<const std::byte> 
 void BlockReader::addMember(ZipFormat::Entry entry, std::size_t size, bool isStored)
 {
     Member member;
+    _block->nameBytes += entry.name.size();
     member.entry = std::move(entry);
     member.begin = _block->used;
     member.size = size;
@@ -139,7 +141,9 @@ void BlockReader::addMember(ZipFormat::Entry entry, std::size_t size, bool isSto
 // A block with room for an entry of that size.
 Block& BlockReader::blockFor(std::size_t size)
 {
-    if (_block && (_block->room().size() < size || _block->members.size() >= mostMembers))
+    if (_block
+        && (_block->room().size() < size || _block->members.size() >= mostMembers
+            || _block->nameBytes >= mostNameBytes))
         flush();
     if (!_block) {
         _block = _feed.take();

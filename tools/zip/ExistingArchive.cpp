@@ -182,12 +182,18 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes)
 
 ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, SpillBuffer& records)
 {
-    const std::size_t lastSize = std::min<std::uint64_t>(size, ZipFormat::endSize + longestComment);
-    const std::vector<std::byte> last = readAt(descriptor, size - lastSize, lastSize);
-    const std::optional<std::size_t> endAt = findEnd(last);
+    std::vector<std::byte> last;
+    std::optional<std::size_t> endAt;
+    for (const std::size_t comment : {std::size_t{0}, longestComment}) { // most have none
+        const auto lastSize = std::min<std::uint64_t>(size, ZipFormat::endSize + comment);
+        last = readAt(descriptor, size - lastSize, lastSize);
+        endAt = findEnd(last);
+        if (endAt)
+            break;
+    }
     if (!endAt)
         throw bad("is no complete zip archive");
-    const std::uint64_t endOffset = size - lastSize + *endAt;
+    const std::uint64_t endOffset = size - last.size() + *endAt;
     const std::optional<ZipFormat::Directory> zip64 = readZip64(descriptor, endOffset);
 
     ExistingArchive archive;
@@ -207,7 +213,7 @@ ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, SpillB
 void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
 {
     constexpr std::size_t readSize = std::size_t{1} << 20; // several of the longest records
-    std::vector<std::byte> window;
+    std::vector<std::byte> window; // what has been read and not parsed
     std::uint64_t unread = directory.size;
     std::uint64_t count = 0;
     while (unread > 0 || !window.empty()) {
@@ -239,7 +245,20 @@ void ExistingArchive::addName(std::string_view name)
     // Some programs store "./NAME" or "/NAME", which readers extract as NAME.
     while (name.starts_with('/') || name.starts_with("./"))
         name.remove_prefix(name.find('/') + 1);
-    const std::string between = '/' + std::string(name.substr(0, name.find('/'))) + '/';
-    if (!topNames.ends_with(between))
-        topNames.append(between, 1);
+    const std::string_view topName = name.substr(0, name.find('/'));
+    std::string_view before = topNames;
+    before.remove_suffix(1);
+    const bool isRepeated = before.size() > topName.size() && before.ends_with(topName)
+        && before[before.size() - topName.size() - 1] == '/';
+    if (!isRepeated)
+        topNames.append(topName) += '/';
+}
+
+std::unordered_set<std::string_view> ExistingArchive::setOfTopNames() const
+{
+    std::unordered_set<std::string_view> names;
+    std::string_view rest(topNames);
+    for (rest.remove_prefix(1); !rest.empty(); rest.remove_prefix(rest.find('/') + 1))
+        names.insert(rest.substr(0, rest.find('/')));
+    return names;
 }

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 struct ExistingArchive {
@@ -31,6 +32,9 @@ struct ExistingArchive {
     {
         return topNames.find('/' + topName + '/') != std::string::npos;
     }
+
+    // The same names, for many questions. They point into `topNames`.
+    [[nodiscard]] std::unordered_set<std::string_view> setOfTopNames() const;
 
 private:
     void readRecords(int descriptor, SpillBuffer& records);

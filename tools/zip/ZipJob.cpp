@@ -14,14 +14,15 @@ namespace
 
 // The item's own name, or the next free one if the archive has that already, so that nothing is
 // lost.
-std::string storedName(const ZipOptions& options, const ZipWriter& writer)
+std::string storedName(const ZipOptions& options, const ExistingArchive& existing)
 {
-    if (!writer.holds(options.item))
+    if (!existing.holds(options.item))
         return options.item;
     struct stat status {
     };
     const bool isFolder = lstat(options.item.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-    const auto isTaken = [&](const std::string& name) { return writer.holds(name); };
+    const auto taken = existing.setOfTopNames();
+    const auto isTaken = [&](const std::string& name) { return taken.contains(name); };
     std::string name = nextFreeName(options.item, isFolder, isTaken);
     Messages::tell(Messages::readableName(options.item)
         + ": the archive has this name already; stored as " + Messages::readableName(name));
@@ -49,7 +50,7 @@ ZipResult addItem(const ZipOptions& options, unsigned threadCount)
     ZipWriter writer(options.archive, ZipWriter::Existing::AddTo, progressLine);
     const OwnFiles ownFiles(writer.file(), folderOfArchive(options));
     const TreeToStore tree{.item = options.item,
-        .storedName = storedName(options, writer),
+        .storedName = storedName(options, writer.existing()),
         .walk = {.followsLinks = false, .excludesDSStore = options.excludesDSStore},
         .level = options.level,
         .threadCount = threadCount};

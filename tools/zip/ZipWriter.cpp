@@ -47,11 +47,6 @@ ZipWriter::~ZipWriter()
     }
 }
 
-bool ZipWriter::holds(const std::string& topName) const
-{
-    return _existing.holds(topName);
-}
-
 void ZipWriter::add(const Block& block)
 {
     _progress.clear();

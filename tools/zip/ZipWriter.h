@@ -33,8 +33,8 @@ public:
     ZipWriter& operator=(const ZipWriter&) = delete;
 
     [[nodiscard]] const OutputFile& file() const { return _file; }
-    // Whether an entry of the existing archive has that name, or lies in a folder of that name.
-    [[nodiscard]] bool holds(const std::string& topName) const;
+    // What it adds to; empty for a new archive.
+    [[nodiscard]] const ExistingArchive& existing() const { return _existing; }
 
     // Writes a block that a worker has finished, then tells its entries as progress.
     void add(const Block& block);
