@@ -18,6 +18,8 @@
 #include "shared/Library/QKWindow.h"
 #include "shared/Library/UserDefaultsExtras.h"
 
+#include <QDialog>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QPointer>
 #include <QTimer>
@@ -138,8 +140,13 @@ bool AppController::windowShouldClose(QObject* sender)
 
 void AppController::terminate(QObject* /*sender*/)
 {
-    if (_work.isRunning())
+    if (_work.isRunning()) {
+        // Windows that no longer answer would look like a hang.
+        _interface.progressWindow->hide();
+        _interface.mainWindow->hide();
+        QGuiApplication::sync();
         _work.end([this] { archiver().abandon(); });
+    }
     if (applicationShouldTerminate() == TerminateReply::now)
         Q_EMIT terminated();
 }

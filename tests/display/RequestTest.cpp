@@ -160,7 +160,7 @@ TEST_F(Request, whatCannotBeMadeIsSaidAndTheProgramLivesOn)
 
 TEST_F(Request, aWindowThatWaitsTakesNoProcessorTime)
 {
-    Program& parcelo = startParcelo({}, "HideAdvert=true\n");
+    Program& parcelo = startParcelo({});
     ASSERT_TRUE(waitForBox(idleColor));
     const auto ticks = [&] {
         std::istringstream status(

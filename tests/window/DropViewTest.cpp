@@ -1,6 +1,7 @@
 #include "app/DropView.h"
 
 #include "app/AdvertTextView.h"
+#include "platform/desktop/SavePanel.h"
 #include "shared/Library/BezierPathExtras.h"
 #include "tests/window/Program.h"
 
@@ -10,6 +11,8 @@
 #include <QMimeData>
 #include <QPainterPath>
 #include <QTest>
+
+#include <set>
 
 namespace
 {
@@ -202,6 +205,32 @@ TEST_F(DropBox, andItsNeighboursAreKnownToScreenReaders)
         EXPECT_EQ(part->role(), role) << name;
         EXPECT_FALSE(part->text(QAccessible::Name).isEmpty()) << name;
     }
+}
+
+// Of everything that takes the focus, in the window and all that it opens.
+TEST_F(DropBox, andAllOtherControlsHaveNames)
+{
+    start();
+    controller().showPreference(nullptr);
+    controller().showAbout(nullptr);
+    controller().savePanel().setNameFieldStringValue(QStringLiteral("a"));
+    int controls = 0;
+    std::set<std::string> nameless;
+    const auto inspect = [&](const QWidget* top) {
+        for (QWidget* part : top->findChildren<QWidget*>()) {
+            QAccessibleInterface* known = QAccessible::queryAccessibleInterface(part);
+            const bool isControl = (part->focusPolicy() & Qt::TabFocus) != 0
+                && part->objectName() != QLatin1String("qt_scrollarea_viewport");
+            controls += isControl ? 1 : 0;
+            if (isControl && known && known->text(QAccessible::Name).isEmpty())
+                nameless.insert(top->objectName().toStdString() + " "
+                    + part->metaObject()->className() + " " + part->objectName().toStdString());
+        }
+    };
+    for (const QWidget* top : QApplication::topLevelWidgets())
+        inspect(top);
+    EXPECT_EQ(nameless, std::set<std::string>());
+    EXPECT_GT(controls, 25);
 }
 
 TEST(RoundRectPath, hasItsSidesHalfAPointInsideAndClampsTheRadius)

@@ -346,6 +346,7 @@ TEST_F(Request, quittingInTheMiddleLeavesTheDestinationAlone)
     waitForSheet("ProgressWindow");
     const fs::path working = controller().tmpdirString();
     controller().terminate(nullptr);
+    EXPECT_FALSE(window().isVisible());
     EXPECT_EQ(support::readFile(source / "large.zip"), "an older file");
     EXPECT_TRUE(fs::is_empty(working));
 }
