@@ -25,6 +25,10 @@ constexpr std::size_t pieceSize = 1 << 20;
 std::string contentOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        std::cerr << "cannot read " << path << '\n';
+        std::exit(EXIT_FAILURE);
+    }
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
