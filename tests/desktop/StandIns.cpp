@@ -48,9 +48,11 @@ public:
             return;
         support::writeFile(_folder / "configuration",
             QString::fromLatin1(busConfiguration).arg(socket.c_str()).toStdString());
-        _daemon = std::make_unique<support::RunningProgram>(std::vector<std::string>{
-            "dbus-daemon", "--nofork", "--config-file=" + (_folder / "configuration").native()});
-        ASSERT_TRUE(support::waitUntil([&] { return fs::exists(socket); })) << _daemon->err();
+        _daemon = std::make_unique<support::RunningProgram>(
+            std::vector<std::string>{"dbus-daemon", "--nofork", "--print-address",
+                "--config-file=" + (_folder / "configuration").native()});
+        // The socket is there before anybody listens to it, the address is told afterwards.
+        ASSERT_TRUE(support::waitUntil([&] { return !_daemon->out().empty(); })) << _daemon->err();
     }
     void TearDown() override { _daemon.reset(); }
 
