@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -258,6 +259,7 @@ private:
     SavePanel* _savePanel = nullptr; // the main window's child
     std::int32_t _runCount = -1; // not read yet
 
+    std::atomic<bool> _isCancelled = false; // since the progress sheet is up
     std::mutex _engineMutex; // held for the length of a job: there is one engine
     BackgroundWork _work; // last: its threads use all of the above
 };

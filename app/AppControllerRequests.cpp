@@ -199,6 +199,7 @@ void AppController::archiveToPath(const Path& path)
 {
     _work.sleepFor(pauseBeforeProgress);
     _work.performOnMainThread([this] {
+        _isCancelled = false;
         _interface.statusTF->clear();
         _interface.progress->setValue(0);
         Sheets::begin(_interface.progressWindow, _interface.mainWindow);
@@ -323,13 +324,17 @@ void AppController::_hearDesktop()
         });
 }
 
+// The engine forgets what comes before it begins: then it is told once more.
 void AppController::cancel(QObject* /*sender*/)
 {
+    _isCancelled = true;
     archiver().cancel();
 }
 
 void AppController::setNumberOfFiles(int count)
 {
+    if (_isCancelled)
+        archiver().cancel();
     // Without a maximum the bar would run to and fro.
     _work.performOnMainThread(
         [this, count] { _interface.progress->setMaximum(std::max(count, 1)); });
