@@ -39,7 +39,7 @@ void requireNewest(const std::vector<Item>& items)
 {
     const Item* newest = AppcastReader::newestItem(items);
     for (const Item& item : items)
-        require(!newest || !item.os.isEmpty() || !item.channel.isEmpty()
+        require(!newest || item.version.isEmpty() || !item.os.isEmpty() || !item.channel.isEmpty()
                 || compareVersions(item.version, newest->version) <= 0,
             "no version is newer than the newest");
 }
