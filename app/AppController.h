@@ -245,7 +245,6 @@ private:
     bool _shouldAutoQuit = false; // quit when the archive is done; settled at launch
     bool _hasMailed = false; // an archive of this process: quitting would take it away
     QString _filename; // of the archive being asked for
-    QStringList _shownDestinations; // the folders in the menu
 
     // Made on first use, kept for the process.
     std::optional<Path> _tmpFolder;

@@ -58,7 +58,6 @@ void AppController::setupDestinations()
     const QStringList folders
         = Destinations::removeDuplicatesAndAbbreviateWithTilde(storedDestinations());
     storeDestinations(folders);
-    _shownDestinations = folders;
 
     PopUpButton& menu = *_interface.destinationPop;
     const bool keepsFirst = menu.numberOfItems() > 0 && menu.itemAtIndex(0).submenu != nullptr;
@@ -81,18 +80,18 @@ void AppController::setupDestinations()
     giveKeyEquivalents(menu);
 }
 
-// Another program of ours may change what this one shows.
+// Whoever changes the settings, be it another program of ours: the menu shows what they hold.
 void AppController::_followDestinations()
 {
-    connect(
-        &UserDefaults::standardUserDefaults(), &UserDefaults::didChange, this,
+    connect(&UserDefaults::standardUserDefaults(), &UserDefaults::didChange, this,
         [this](const QString& key) {
-            if (key == destinationsKey && storedDestinations() != _shownDestinations)
+            if (key == destinationsKey) {
                 setupDestinations();
-            else if (key == selectedDestinationKey)
+            } else if (key == selectedDestinationKey) {
                 Q_EMIT selectedDestinationChanged();
-        },
-        Qt::QueuedConnection);
+                Q_EMIT previewTextChanged();
+            }
+        });
 }
 
 // A tag left by a longer list falls back to the source's folder; a negative one stays as it is.
@@ -107,8 +106,6 @@ int AppController::selectedDestination() const
 void AppController::setSelectedDestination(int tag)
 {
     UserDefaults::standardUserDefaults().setInteger(tag, selectedDestinationKey);
-    Q_EMIT selectedDestinationChanged();
-    Q_EMIT previewTextChanged();
 }
 
 std::optional<AppController::Path> AppController::destinationDirectory()
@@ -155,7 +152,6 @@ void AppController::addDestinationPath(const QString& path)
     folders.prepend(Destinations::abbreviatedWithTilde(path));
     storeDestinations(folders);
     setSelectedDestination(DestinationTagFirstFolder);
-    setupDestinations(); // drops an older copy of the folder
 }
 
 void AppController::removeDestination(QObject* /*sender*/)
@@ -169,7 +165,6 @@ void AppController::removeDestination(QObject* /*sender*/)
     folders.removeOne(folder);
     storeDestinations(folders);
     setSelectedDestination(DestinationTagSameAsSource);
-    setupDestinations();
 }
 
 bool AppController::validateMenuItem(const PopUpMenuItem& item) const

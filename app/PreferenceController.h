@@ -41,8 +41,7 @@ private:
     void _writeDefaults();
 
     AppController* _appController;
-    QPointer<QDialog>
-        _nonAppStorePreferencesWindow; // loaded when first shown; the main window's child
+    QPointer<QDialog> _nonAppStorePreferencesWindow; // once it is shown; the main window's child
     DefaultsController _defaultsController;
     QAbstractButton* _hideAdvertBtn = nullptr; // the window's
 };

@@ -495,7 +495,7 @@ def seconds_to_window(command, title, environment, stay=0):
                                stderr=subprocess.DEVNULL)
     try:
         while subprocess.run(look, env=environment, capture_output=True).returncode != 0:
-            seconds = time.perf_counter() - start  # a look takes about 3 ms
+            seconds = time.perf_counter() - start
             if program.poll() is not None or seconds > 120:
                 sys.exit(f"{command}: no window after {seconds:.1f} s")
         seconds = time.perf_counter() - start

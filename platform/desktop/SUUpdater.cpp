@@ -103,10 +103,9 @@ void SUUpdater::_start()
 // A sheet finds its place only on a window that has one.
 bool SUUpdater::_canTell() const
 {
-    if (QApplication::activeModalWidget())
-        return false;
     const QWindow* window = _parentWindow ? _parentWindow->windowHandle() : nullptr;
-    return !_parentWindow || (window && window->isExposed());
+    const bool isOnScreen = !_parentWindow || (window && window->isExposed());
+    return isOnScreen && !QApplication::activeModalWidget();
 }
 
 void SUUpdater::_finish()

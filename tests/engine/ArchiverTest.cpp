@@ -45,7 +45,7 @@ protected:
         setenv("TMPDIR", folder.path().c_str(), 1);
         for (const char* name : {"a/one", "b/two", "c/three"})
             writeFile(folder / name, name);
-        fs::create_directories(folder / "work");
+        fs::create_directories(folder / "scratch");
         fs::create_directories(folder / "out");
         MainQueue::setSubmitter(
             [this](std::chrono::nanoseconds delay, const MainQueue::Block& block) {
@@ -107,7 +107,7 @@ protected:
     }
 
     const TestFolder folder;
-    std::unique_ptr<Archiver> archiver = Archiver::initWithWorkingDirectory(folder / "work");
+    std::unique_ptr<Archiver> archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
     Lines told;
     Lines alerts;
 };
@@ -125,24 +125,25 @@ TEST_F(ArchiverTest, runsEachToolWithItsArgumentsInItsFolder)
     };
     const Case cases[] = {
         {ArchiveTypePlainZip, true, 6,
-            {"zip|@/a|-6|-y|-r|@/work/Demo.zip|./one|-x|*/.DS_Store",
-                "zip|@/b|-6|-y|-r|@/work/Demo.zip|./two|-x|*/.DS_Store",
-                "zip|@/c|-6|-y|-r|@/work/Demo.zip|./three|-x|*/.DS_Store"},
+            {"zip|@/a|-6|-y|-r|@/scratch/Demo.zip|./one|-x|*/.DS_Store",
+                "zip|@/b|-6|-y|-r|@/scratch/Demo.zip|./two|-x|*/.DS_Store",
+                "zip|@/c|-6|-y|-r|@/scratch/Demo.zip|./three|-x|*/.DS_Store"},
             "out/Demo.zip"},
         {ArchiveTypePlainZip, false, 0,
-            {"zip|@/a|-0|-y|-r|@/work/Demo.zip|./one", "zip|@/b|-0|-y|-r|@/work/Demo.zip|./two",
-                "zip|@/c|-0|-y|-r|@/work/Demo.zip|./three"},
+            {"zip|@/a|-0|-y|-r|@/scratch/Demo.zip|./one",
+                "zip|@/b|-0|-y|-r|@/scratch/Demo.zip|./two",
+                "zip|@/c|-0|-y|-r|@/scratch/Demo.zip|./three"},
             "out/Demo.zip"},
         {ArchiveTypePlainZip, false, -1,
-            {"zip|@/a|-y|-r|@/work/Demo.zip|./one", "zip|@/b|-y|-r|@/work/Demo.zip|./two",
-                "zip|@/c|-y|-r|@/work/Demo.zip|./three"},
+            {"zip|@/a|-y|-r|@/scratch/Demo.zip|./one", "zip|@/b|-y|-r|@/scratch/Demo.zip|./two",
+                "zip|@/c|-y|-r|@/scratch/Demo.zip|./three"},
             "out/Demo.zip"},
-        {ArchiveTypeTarGz, true, 9, {"tar|@/work|--exclude|.DS_Store|-zhcf|@/out/Demo.tar.gz|Demo"},
-            "out/Demo.tar.gz"},
-        {ArchiveTypeTarGz, false, 9, {"tar|@/work|-zhcf|@/out/Demo.tar.gz|Demo"},
+        {ArchiveTypeTarGz, true, 9,
+            {"tar|@/scratch|--exclude|.DS_Store|-zhcf|@/out/Demo.tar.gz|Demo"}, "out/Demo.tar.gz"},
+        {ArchiveTypeTarGz, false, 9, {"tar|@/scratch|-zhcf|@/out/Demo.tar.gz|Demo"},
             "out/Demo.tar.gz"},
         {ArchiveTypeMacZip, true, 9,
-            {"ditto|@/work|-V|-c|-k|--keepParent|--sequesterRsrc|./Demo|@/out/Demo.zip"},
+            {"ditto|@/scratch|-V|-c|-k|--keepParent|--sequesterRsrc|./Demo|@/out/Demo.zip"},
             "out/Demo.zip"},
         {ArchiveTypeDiskImage, true, 9, {}, nullptr}, // the disk-image tool is nowhere
         {7, true, 9, {}, nullptr},
@@ -163,7 +164,7 @@ TEST_F(ArchiverTest, runsEachToolWithItsArgumentsInItsFolder)
         expected.resize(1 + each.expected.size(), "task 0");
         expected.emplace_back("completed 0");
         EXPECT_EQ(told, expected);
-        EXPECT_FALSE(fs::exists(folder / "work/Demo")) << "the staging folder stays";
+        EXPECT_FALSE(fs::exists(folder / "scratch/Demo")) << "the staging folder stays";
     }
     EXPECT_EQ(readFile(folder / "environment"), "TMPDIR=" + folder.path().native() + "\n");
 }
@@ -191,7 +192,7 @@ TEST_F(ArchiverTest, aPlainZipReplacesAnOlderArchiveAndTheTildeIsExpandedOnlyFor
     writeFile(folder / "out/Demo.zip", "older");
     EXPECT_EQ(archiver->archiveFiles(job(ArchiveTypePlainZip)), folder / "out/Demo.zip");
     EXPECT_EQ(readFile(folder / "out/Demo.zip"), "./one./two./three");
-    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "scratch"));
     EXPECT_EQ(alerts, Lines{});
 
     setenv("HOME", folder.path().c_str(), 1);
@@ -227,21 +228,21 @@ TEST_F(ArchiverTest, cancelBeforeTheSecondItemLeavesNoArchiveAndNoOlderOne)
     EXPECT_EQ(archiver->archiveFiles(job(ArchiveTypePlainZip)), folder / "out/Demo.zip");
     EXPECT_EQ(told, (Lines{"files 3", "task 130", "completed 1"}));
     EXPECT_EQ(runs().size(), 1U);
-    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "scratch"));
     EXPECT_TRUE(fs::is_empty(folder / "out"));
     EXPECT_EQ(alerts.size(), 1U);
 }
 
 TEST_F(ArchiverTest, stagesNothingUnderANameThatLeadsOutOfTheWorkingFolder)
 {
-    writeFile(folder / "work/kept", "kept");
+    writeFile(folder / "scratch/kept", "kept");
     for (const char* name : {".", ".."})
         for (const int type : {ArchiveTypeTarGz, ArchiveTypeMacZip}) {
             auto request = job(type);
             request.name = name;
             EXPECT_EQ(archiver->archiveFiles(request), std::nullopt);
         }
-    EXPECT_EQ(readFile(folder / "work/kept"), "kept");
+    EXPECT_EQ(readFile(folder / "scratch/kept"), "kept");
     EXPECT_EQ(runs().size(), 0U);
 }
 
@@ -256,7 +257,7 @@ TEST_F(ArchiverTest, anAbandonedJobLeavesTheOlderArchiveAlone)
     });
     archiver->archiveFiles(job(ArchiveTypePlainZip));
     EXPECT_EQ(runs().size(), 1U);
-    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "scratch"));
     EXPECT_EQ(readFile(folder / "out/Demo.zip"), "older");
     EXPECT_EQ(alerts, Lines());
 }
@@ -276,7 +277,7 @@ TEST_F(ArchiverTest, anAbandonedToolThatDoesNotHeedIsKilled)
     archiver->archiveFiles(job(ArchiveTypePlainZip));
     ender.request_stop();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
-    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "scratch"));
     EXPECT_TRUE(fs::is_empty(folder / "out"));
 }
 
@@ -288,7 +289,7 @@ TEST_F(ArchiverTest, aJobAbandonedBeforeItsToolTouchesNothing)
         archiver->abandon();
         archiver->archiveFiles(job(type));
         EXPECT_EQ(readFile(folder / "out" / name), "older");
-        EXPECT_TRUE(fs::is_empty(folder / "work"));
+        EXPECT_TRUE(fs::is_empty(folder / "scratch"));
     }
     EXPECT_EQ(runs().size(), 0U);
 }
@@ -323,9 +324,9 @@ TEST_F(ArchiverTest, stagesLinksOrCopies)
     EXPECT_EQ(fs::hard_link_count(folder / "a/one"), 1U);
     EXPECT_EQ(told, (Lines{"files 3", "files 4"}));
 
-    fs::create_directory(folder / "work/L_511800");
+    fs::create_directory(folder / "scratch/L_511800");
     Archiver::removeTmpFolder(links);
-    EXPECT_EQ(namesIn(folder / "work"), (Lines{"C", "L_511800", "L_511801"}));
+    EXPECT_EQ(namesIn(folder / "scratch"), (Lines{"C", "L_511800", "L_511801"}));
 }
 
 TEST_F(ArchiverTest, collectsOutputWithoutADelegateAndStreamsItWithOne)
@@ -407,13 +408,13 @@ TEST_F(ArchiverTest, aToolThatCannotBeLaunchedLeavesNothingInTheWorkingFolder)
     auto zip = job(ArchiveTypePlainZip);
     zip.files = {folder / "gone/one", folder / "gone/two"};
     EXPECT_THROW(archiver->archiveFiles(zip), LaunchFailure);
-    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "scratch"));
 
     const Bundle former = Bundle::main();
     Bundle::setMain(Bundle(folder / "none")); // there is no tar
     EXPECT_THROW(archiver->archiveFiles(job(ArchiveTypeTarGz)), LaunchFailure);
     Bundle::setMain(former);
-    EXPECT_TRUE(fs::is_empty(folder / "work"));
+    EXPECT_TRUE(fs::is_empty(folder / "scratch"));
 }
 
 TEST_F(ArchiverTest, decidesOnceWhereZipIsAndEachTimeWhereTarIs)

@@ -132,6 +132,7 @@ private:
     class Stopped : public std::exception
     {
     };
+
     // What kept it from reading all. It is handed on as the last result, too.
     template <class Read> std::exception_ptr readAll(const Read& read, Feed& feed)
     {
