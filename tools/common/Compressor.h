@@ -36,7 +36,7 @@ public:
     std::size_t compressSmaller(std::span<const std::byte> input, std::vector<std::byte>& output);
 
     // Appends one piece of a stream to `output`. Any piece but the last ends on a byte boundary and
-    // must be followed by another. What does not compress goes into stored blocks.
+    // must be followed by another. Parts that do not compress go into stored blocks.
     void compressPiece(
         std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output);
 
@@ -44,6 +44,8 @@ public:
     static std::uint64_t worstSize(std::uint64_t size);
 
 private:
+    void compressRun(std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output);
+
     struct Free {
         void operator()(libdeflate_compressor* compressor) const;
     };

@@ -254,10 +254,10 @@ public:
     // One step: bits to skip in the low 6 bits, then flags.
     using Step = std::uint16_t;
     static constexpr Step bitsMask = 0x3f;
-    static constexpr Step toDistance = 0x40;
-    static constexpr Step isEnd = 0x80;
-    static constexpr Step isLong = 0x100; // the code is longer than the index
-    static constexpr Step isInvalid = 0x200;
+    static constexpr Step toDistance = half;
+    static constexpr Step isEnd = 0x40;
+    static constexpr Step isLong = 0x80; // the code is longer than the index
+    static constexpr Step isInvalid = 0x100;
     static constexpr Step stops = isEnd | isLong | isInvalid;
 
     explicit StepTable(const BlockCodes& codes)
@@ -334,7 +334,7 @@ void walkBlock(BitReader& stream, const BlockCodes& codes)
                 stream = reader;
                 return;
             }
-            base = (taken & StepTable::toDistance) != 0 ? StepTable::half : 0;
+            base = taken & StepTable::toDistance;
         }
     }
 }
