@@ -23,6 +23,10 @@ namespace
 constexpr std::size_t longestName = 255; // bytes; what all common file systems take
 constexpr std::size_t suffixSize = 6;
 
+// How much is appended before the disk is told to begin with it, so that little is left to wait for
+// when the archive has to be safe.
+constexpr std::uint64_t writebackSize = std::uint64_t{8} << 20;
+
 struct SplitPath {
     std::string folder; // with the slash; empty for the current folder
     std::string name;
@@ -122,6 +126,7 @@ OutputFile::OutputFile(OutputFile&& other) noexcept
     , _hiddenPath(std::exchange(other._hiddenPath, {}))
     , _status(other._status)
     , _position(other._position)
+    , _writebackEnd(other._writebackEnd)
 {
 }
 
@@ -195,6 +200,12 @@ void OutputFile::append(std::span<const std::byte> bytes)
 {
     writeAt(_position, bytes);
     _position += bytes.size();
+    if (_position - _writebackEnd >= writebackSize) {
+        // A hint only: whatever fails here fails again where it is waited for.
+        sync_file_range(_file.get(), static_cast<off_t>(_writebackEnd),
+            static_cast<off_t>(_position - _writebackEnd), SYNC_FILE_RANGE_WRITE);
+        _writebackEnd = _position;
+    }
 }
 
 void OutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes)

@@ -38,7 +38,7 @@ public:
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes);
 
     [[nodiscard]] std::uint64_t position() const { return _position; }
-    void setPosition(std::uint64_t position) { _position = position; }
+    void setPosition(std::uint64_t position) { _position = _writebackEnd = position; }
 
     // Ends the file at the position.
     void truncateHere();
@@ -73,4 +73,5 @@ private:
     struct stat _status {
     };
     std::uint64_t _position = 0;
+    std::uint64_t _writebackEnd = 0; // the disk has been told of what lies before
 };
