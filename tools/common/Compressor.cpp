@@ -26,7 +26,7 @@ constexpr std::size_t spotsPerException = 128;
 // The sum of squared counts is about 5,100 for 1,024 random bytes, with a spread of 100, and over
 // 7,000 for bytes that a Huffman code alone makes 3% smaller; text gives 30,000 and more. So most
 // spots that fail do so by their first bytes: random ones give 190, with a spread of 11.
-constexpr std::uint32_t evenSquares = 5600;
+constexpr std::uint32_t evenSquares = 5500;
 constexpr std::size_t glanceSize = 128;
 constexpr std::uint32_t glanceSquares = 256;
 
@@ -38,8 +38,9 @@ constexpr std::size_t sampleGoal = sampleSize - sampleSize / 64;
 // Below this size compressing is as quick as that trial.
 constexpr std::size_t smallestJudged = 2 * sampleSize;
 
-// What is stored within a piece: of less, the matches lost across it outweigh what it saves.
-constexpr std::size_t smallestStored = std::size_t{48} << 10;
+// What is stored within a piece is as long as a match can reach back, so that none is lost across
+// it.
+constexpr std::size_t smallestStored = std::size_t{32} << 10;
 
 // Small files are compressed in spite of even bytes, unless they begin as these do.
 constexpr auto compressedFormats = std::to_array<std::string_view>({
@@ -64,11 +65,9 @@ bool isOfACompressedFormat(std::span<const std::byte> data)
 std::uint32_t sumOfSquares(std::span<const std::byte> bytes)
 {
     std::array<std::uint16_t, 256> counts{};
-    for (const std::byte byte : bytes)
-        ++counts[std::to_integer<std::size_t>(byte)];
     std::uint32_t squares = 0;
-    for (const std::uint16_t count : counts)
-        squares += std::uint32_t{count} * count;
+    for (const std::byte byte : bytes)
+        squares += 2U * counts[std::to_integer<std::size_t>(byte)]++ + 1;
     return squares;
 }
 
@@ -174,11 +173,10 @@ std::size_t Compressor::compressSmaller(
 {
     if (input.empty())
         return 0;
-    const std::size_t begin = output.size();
-    output.resize(begin + input.size() - 1);
+    const std::span<std::byte> result = scratch(input.size() - 1);
     const std::size_t size = libdeflate_deflate_compress(
-        _compressor.get(), input.data(), input.size(), output.data() + begin, input.size() - 1);
-    output.resize(begin + size);
+        _compressor.get(), input.data(), input.size(), result.data(), result.size());
+    output.insert(output.end(), result.data(), result.data() + size);
     return size;
 }
 
@@ -199,14 +197,20 @@ void Compressor::compressPiece(
 void Compressor::compressRun(
     std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output)
 {
-    const std::size_t begin = output.size();
     const std::size_t bound = libdeflate_deflate_compress_bound(_compressor.get(), input.size());
-    output.resize(begin + bound + continuationSize);
+    const std::span<std::byte> result = scratch(bound + continuationSize);
     std::size_t size = libdeflate_deflate_compress(
-        _compressor.get(), input.data(), input.size(), output.data() + begin, bound);
+        _compressor.get(), input.data(), input.size(), result.data(), bound);
     if (!isLast)
-        size = makeContinuable(std::span(output).subspan(begin), size);
-    output.resize(begin + size);
+        size = makeContinuable(result, size);
+    output.insert(output.end(), result.data(), result.data() + size);
+}
+
+std::span<std::byte> Compressor::scratch(std::size_t size)
+{
+    if (_scratch.size() < size)
+        _scratch.resize(size);
+    return std::span(_scratch).first(size);
 }
 
 std::uint64_t Compressor::worstSize(std::uint64_t size)

@@ -45,9 +45,11 @@ public:
 
 private:
     void compressRun(std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output);
+    std::span<std::byte> scratch(std::size_t size);
 
     struct Free {
         void operator()(libdeflate_compressor* compressor) const;
     };
     std::unique_ptr<libdeflate_compressor, Free> _compressor;
+    std::vector<std::byte> _scratch; // kept, because a vector that grows is filled with zeros first
 };

@@ -30,28 +30,13 @@ public:
 
     [[nodiscard]] std::size_t position() const { return 8 * _next - _count; }
 
-    // Makes at least 56 bits available; past the end they read as zeros.
+    // Makes at least 56 bits available, and all 64 for peeking; past the end they read as zeros.
     void refill()
     {
-        if (_next + 8 <= _stream.size()) {
-            std::uint64_t word = 0;
-            std::memcpy(&word, _stream.data() + _next, sizeof word);
-            if constexpr (std::endian::native == std::endian::big)
-                word = __builtin_bswap64(word);
-            _bits |= word << _count;
-            const unsigned bytes = (63 - _count) / 8;
-            _next += bytes;
-            _count += 8 * bytes;
-            return;
-        }
-        while (_count <= 56) {
-            const std::size_t at = _next++;
-            if (at >= _stream.size() + 16)
-                badStream();
-            if (at < _stream.size())
-                _bits |= std::to_integer<std::uint64_t>(_stream[at]) << _count;
-            _count += 8;
-        }
+        _bits |= wordAt(_next) << _count;
+        const unsigned bytes = (63 - _count) / 8;
+        _next += bytes;
+        _count += 8 * bytes;
     }
 
     [[nodiscard]] unsigned peek(unsigned count) const
@@ -78,6 +63,22 @@ public:
     }
 
 private:
+    [[nodiscard]] std::uint64_t wordAt(std::size_t at) const
+    {
+        std::uint64_t word = 0;
+        if (at + sizeof word <= _stream.size()) [[likely]] {
+            std::memcpy(&word, _stream.data() + at, sizeof word);
+        } else {
+            if (at > _stream.size() + 2 * sizeof word)
+                badStream();
+            if (at < _stream.size())
+                std::memcpy(&word, _stream.data() + at, _stream.size() - at);
+        }
+        if constexpr (std::endian::native == std::endian::big)
+            word = __builtin_bswap64(word);
+        return word;
+    }
+
     std::span<const std::byte> _stream;
     std::uint64_t _bits = 0;
     unsigned _count = 0;
@@ -152,10 +153,11 @@ public:
 private:
     static unsigned reversed(unsigned code, unsigned length)
     {
-        unsigned result = 0;
-        for (unsigned bit = 0; bit < length; ++bit)
-            result |= ((code >> bit) & 1) << (length - 1 - bit);
-        return result;
+        code = (code & 0x5555) << 1 | (code >> 1 & 0x5555);
+        code = (code & 0x3333) << 2 | (code >> 2 & 0x3333);
+        code = (code & 0x0f0f) << 4 | (code >> 4 & 0x0f0f);
+        code = (code & 0x00ff) << 8 | code >> 8;
+        return code >> (16 - length);
     }
 
     std::array<std::uint8_t, symbolCount> _lengths{};
@@ -276,7 +278,8 @@ public:
         joinLiterals();
     }
 
-    [[nodiscard]] Step at(std::size_t index) const { return _steps[index]; }
+    // The steps from a literal or length; those from a distance come toDistance behind them.
+    [[nodiscard]] const Step* data() const { return _steps.data(); }
 
     static Step literalStep(const LiteralCode& code, unsigned symbol)
     {
@@ -311,30 +314,34 @@ private:
     std::array<Step, 2 * half> _steps{};
 };
 
-// Leaves the reader behind the block's end-of-block code.
+// Leaves the reader behind the block's end-of-block code. Each step is looked up as soon as the one
+// before has been taken, so that the refill happens while the look-up is under way.
 void walkBlock(BitReader& stream, const BlockCodes& codes)
 {
     const StepTable table(codes);
+    const StepTable::Step* steps = table.data();
     BitReader reader = stream; // a copy, for the compiler to keep in registers
-    std::size_t base = 0;
+    reader.refill();
+    StepTable::Step step = steps[reader.peek(StepTable::indexBits)];
     for (;;) {
-        reader.refill(); // at least 56 bits: two steps take 15 + 5 and 15 + 13 at most
-        for (int step = 0; step < 2; ++step) {
-            StepTable::Step taken = table.at(base + reader.peek(StepTable::indexBits));
-            if ((taken & StepTable::stops) != 0) [[unlikely]] {
-                if ((taken & StepTable::isInvalid) != 0)
+        reader.refill(); // two steps take 15 + 5 and 15 + 13 bits at most, and leave enough to peek
+        for (int count = 0; count < 2; ++count) {
+            if ((step & StepTable::stops) != 0) [[unlikely]] {
+                if ((step & StepTable::isInvalid) != 0)
                     badStream();
-                if ((taken & StepTable::isLong) != 0)
-                    taken = base == 0
+                if ((step & StepTable::isLong) != 0)
+                    step = steps == table.data()
                         ? StepTable::literalStep(codes.literals, codes.literals.decode(reader))
                         : StepTable::distanceStep(codes.distances, codes.distances.decode(reader));
+                if ((step & StepTable::isEnd) != 0) {
+                    reader.skip(step & StepTable::bitsMask);
+                    stream = reader;
+                    return;
+                }
             }
-            reader.skip(taken & StepTable::bitsMask);
-            if ((taken & StepTable::isEnd) != 0) {
-                stream = reader;
-                return;
-            }
-            base = taken & StepTable::toDistance;
+            reader.skip(step & StepTable::bitsMask);
+            steps = table.data() + (step & StepTable::toDistance);
+            step = steps[reader.peek(StepTable::indexBits)];
         }
     }
 }
@@ -358,8 +365,11 @@ std::size_t endBySetBit(std::span<const std::byte> stream, unsigned endCode)
     if (last == 0)
         badStream();
     const auto width = std::bit_width(std::to_integer<unsigned>(stream[last - 1]));
-    return 8 * (last - 1) + static_cast<std::size_t>(width)
+    const std::size_t end = 8 * (last - 1) + static_cast<std::size_t>(width)
         + static_cast<std::size_t>(std::countr_zero(endCode));
+    if (end > 8 * stream.size())
+        badStream();
+    return end;
 }
 
 } // namespace

@@ -27,7 +27,8 @@ struct DeflateTail {
     std::size_t endBit;
 };
 
-// `stream` is a whole deflate stream without surplus bytes; throws std::runtime_error on any other.
+// `stream` is a whole deflate stream without surplus bytes. Throws std::runtime_error when what has
+// to be read of it turns out to be none.
 DeflateTail findDeflateTail(std::span<const std::byte> stream);
 
 // Turns the complete stream in the first `size` bytes of `buffer` into one that must be continued
