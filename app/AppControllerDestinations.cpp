@@ -145,6 +145,8 @@ void AppController::addDestination(QObject* /*sender*/)
         });
 }
 
+// A folder that is in the list already moves to its top: the menu, which follows what is stored,
+// takes the second mention out.
 void AppController::addDestinationPath(const QString& path)
 {
     UserDefaults::standardUserDefaults().synchronize(); // another program may have added one

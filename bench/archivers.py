@@ -6,10 +6,13 @@
 The sections are zip, tar.gz, levels, items, scale and start; without any, all of them run.
 
 The data is composed once, from files that every Debian machine has, and lies in the page cache when
-it is timed. The programs take turns, so that a busy moment of the machine does not fall on one alone.
-Every figure is the median of the runs. Only our tar and the program flush their archive to the disk.
+it is timed. The programs take turns, so that a busy moment of the machine does not fall on one alone,
+and each begins when the disk has nothing left to do of the one before. Times are the medians of the
+runs, peaks of memory the maxima; archives are the last run's. The level is 6 where nothing else is
+said, for 7z its own default, 5. Only our tar and the program flush their archive to the disk.
 
 The limit is libdeflate alone on all cores over the same bytes in pieces of 1 MiB, nothing written.
+It deflates every byte, while ours stores what does not compress.
 "wanted" is what we have set ourselves: how many times as long as ours the others should take, how
 many times as long as the limit ours may, and how large our archive may be beside that of zip.
 """
@@ -218,6 +221,7 @@ def one_by_one(tool, out, items):
 def run(command, folder, environment=None):
     """Runs a command to its end; returns the seconds, the seconds of processor time, and the peak
     memory of its largest process in bytes."""
+    os.sync()
     reading, writing = os.pipe()
     child = subprocess.Popen(
         [BUILD / "bench/launch", str(writing), *map(str, command)], cwd=folder, env=environment,
@@ -242,6 +246,7 @@ class Limit:
         self.seconds = []
 
     def __call__(self):
+        os.sync()
         self.seconds.append(float(subprocess.check_output(self.command)))
 
     def median(self):

@@ -265,7 +265,7 @@ TEST(Zip, findsWhatCompressesAmongWhatDoesNot)
             part * (betweenEightLooks.size() / 7) + 600'000, 400'000, someText(400'000));
     std::string inTurn;
     for (unsigned turn = 0; inTurn.size() < 4'000'000; ++turn)
-        inTurn += someText(40'000 + 999 * turn, turn) + randomBytes(90'000 - 999 * turn, turn);
+        inTurn += someText(40'000 + 1900 * turn, turn) + randomBytes(90'000 - 1900 * turn, turn);
     std::string repeats;
     while (repeats.size() < 3'000'000)
         repeats += randomBytes(5'000, 3);

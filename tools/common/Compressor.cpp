@@ -38,8 +38,8 @@ constexpr std::size_t sampleGoal = sampleSize - sampleSize / 64;
 // Below this size compressing is as quick as that trial.
 constexpr std::size_t smallestJudged = 2 * sampleSize;
 
-// What is stored within a piece is as long as a match can reach back, so that none is lost across
-// it.
+// What is stored within a piece is at least as long as a match can reach back, so that no match
+// across it is lost, only those into it.
 constexpr std::size_t smallestStored = std::size_t{32} << 10;
 
 // Small files are compressed in spite of even bytes, unless they begin as these do.
@@ -216,6 +216,7 @@ std::span<std::byte> Compressor::scratch(std::size_t size)
 std::uint64_t Compressor::worstSize(std::uint64_t size)
 {
     // The library emits stored blocks of 5,000 bytes or more at worst, with 5 bytes of header each.
-    // Every piece may add its continuation, and so may every part before one that is stored.
+    // Every piece may add its continuation. A part that is stored adds a header for each 64 KiB and
+    // the continuation of what lies before it, which 1 byte in 512 covers, too.
     return size + size / 512 + (size / pieceSize + 1) * 16;
 }

@@ -1,9 +1,9 @@
 // Raw deflate (RFC 1951) of memory, for one thread.
 //
 // What does not compress is recognised by the counts of its bytes and a few quick trials; it is
-// then left alone, which costs little more than copying. Data of even bytes whose only redundancy
-// is repeats farther apart than a trial is long (8 KiB) is missed: it comes out correct, only
-// larger than it could.
+// then left alone, which costs little more than copying. Of even bytes, repeats that the trials do
+// not see are missed (8 KiB in each 64 KiB are tried): such data comes out correct, only larger
+// than it could.
 #pragma once
 
 #include <cstddef>

@@ -261,6 +261,7 @@ public:
     static constexpr Step isLong = 0x80; // the code is longer than the index
     static constexpr Step isInvalid = 0x100;
     static constexpr Step stops = isEnd | isLong | isInvalid;
+    static_assert((toDistance & (stops | bitsMask)) == 0);
 
     explicit StepTable(const BlockCodes& codes)
     {

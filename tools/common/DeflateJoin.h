@@ -7,10 +7,10 @@
 // of length, brings the end to a byte boundary. The next piece is then simply appended.
 //
 // Finding that header takes a walk over the Huffman codes of all blocks before it: only the number
-// of bits of each symbol matters, so a table look-up takes up to several literals and a length code
-// at once. The last block itself is not walked: its end follows from the last bit that is set,
-// because the end-of-block code is known and nothing but zero padding follows. A stream of one
-// block costs no more than reading its header.
+// of bits of each symbol matters, so one table look-up takes several literals at once. The last
+// block itself is not walked: its end follows from the last bit that is set, because the
+// end-of-block code is known and nothing but zero padding follows. A stream of one block costs no
+// more than reading its header.
 //
 // Costs 5 to 6 bytes a piece, and the matches that would have reached back over a piece's start.
 #pragma once
@@ -27,8 +27,8 @@ struct DeflateTail {
     std::size_t endBit;
 };
 
-// `stream` is a whole deflate stream without surplus bytes. Throws std::runtime_error when what has
-// to be read of it turns out to be none.
+// `stream` is a whole deflate stream without surplus bytes. Throws std::runtime_error when what is
+// read of it, which is not all, shows that it is no such stream.
 DeflateTail findDeflateTail(std::span<const std::byte> stream);
 
 // Turns the complete stream in the first `size` bytes of `buffer` into one that must be continued
