@@ -1,49 +1,17 @@
 #include "platform/base/DetachedProcess.h"
 
+#include "platform/base/SpawnPlan.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <system_error>
 #include <thread>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace
 {
-
-class SpawnPlan
-{
-public:
-    SpawnPlan()
-    {
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-
-        ::posix_spawnattr_init(&attributes);
-        ::posix_spawnattr_setflags(
-            &attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-        sigset_t signals;
-        ::sigfillset(&signals);
-        ::posix_spawnattr_setsigdefault(&attributes, &signals);
-        ::sigemptyset(&signals);
-        ::posix_spawnattr_setsigmask(&attributes, &signals);
-    }
-    SpawnPlan(const SpawnPlan&) = delete;
-    SpawnPlan& operator=(const SpawnPlan&) = delete;
-    ~SpawnPlan()
-    {
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::posix_spawnattr_destroy(&attributes);
-    }
-
-    posix_spawn_file_actions_t actions;
-    posix_spawnattr_t attributes;
-};
 
 // Our environment, in which the changes replace variables of the same name.
 std::vector<std::string> environmentWith(const std::vector<std::string>& changes)
@@ -57,17 +25,6 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& changes
         if (!isChanged)
             result.emplace_back(text);
     }
-    return result;
-}
-
-// posix_spawn takes pointers to changeable text, which it does not change.
-std::vector<char*> pointers(std::vector<std::string>& strings)
-{
-    std::vector<char*> result;
-    result.reserve(strings.size() + 1);
-    for (std::string& string : strings)
-        result.push_back(string.data());
-    result.push_back(nullptr);
     return result;
 }
 
@@ -102,16 +59,16 @@ void reapLater(pid_t pid)
 
 DetachedProcess::DetachedProcess(const Setup& setup)
 {
-    const SpawnPlan plan;
+    const SpawnPlan plan({.error = STDERR_FILENO}, SpawnPlan::Group::ofItsOwnSession);
     std::vector<std::string> vector = setup.arguments;
     vector.insert(vector.begin(), setup.program);
     std::vector<std::string> environment = environmentWith(setup.changedEnvironment);
-    const int reason = ::posix_spawnp(&_pid, setup.program.c_str(), &plan.actions, &plan.attributes,
-        pointers(vector).data(), pointers(environment).data());
+    const int reason
+        = ::posix_spawnp(&_pid, setup.program.c_str(), plan.actions(), plan.attributes(),
+            SpawnPlan::pointers(vector).data(), SpawnPlan::pointers(environment).data());
     if (reason != 0)
         throw LaunchFailure("cannot run '" + setup.program + "': " + std::strerror(reason));
-    // glibc 2.36 declares pidfd_open without C linkage, so that C++ cannot link it.
-    _exited = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, _pid, 0)));
+    _exited = FileDescriptor(SpawnPlan::openProcess(_pid));
 }
 
 DetachedProcess::~DetachedProcess()

@@ -1,5 +1,7 @@
 #include "platform/base/Task.h"
 
+#include "platform/base/SpawnPlan.h"
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -7,9 +9,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/ioctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace
@@ -22,52 +22,6 @@ constexpr std::chrono::milliseconds gracePeriod{2000};
 
 // The same for one that may be flushing a large file to a slow disk.
 constexpr std::chrono::milliseconds longGracePeriod{5000};
-
-// The attributes and file actions of one spawn.
-class SpawnPlan
-{
-public:
-    SpawnPlan(int standardInput, int standardOutput, int standardError,
-        const std::filesystem::path& folder)
-    {
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_adddup2(&actions, standardOutput, STDOUT_FILENO);
-        ::posix_spawn_file_actions_adddup2(&actions, standardError, STDERR_FILENO);
-        if (standardInput < 0)
-            ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        else
-            ::posix_spawn_file_actions_adddup2(&actions, standardInput, STDIN_FILENO);
-        ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-        if (!folder.empty())
-            ::posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-
-        ::posix_spawnattr_init(&attributes);
-        ::posix_spawnattr_setflags(
-            &attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-        ::posix_spawnattr_setpgroup(&attributes, 0);
-        sigset_t signals;
-        ::sigfillset(&signals);
-        ::posix_spawnattr_setsigdefault(&attributes, &signals);
-        ::sigemptyset(&signals);
-        ::posix_spawnattr_setsigmask(&attributes, &signals);
-    }
-    SpawnPlan(const SpawnPlan&) = delete;
-    SpawnPlan& operator=(const SpawnPlan&) = delete;
-    ~SpawnPlan()
-    {
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::posix_spawnattr_destroy(&attributes);
-    }
-
-    posix_spawn_file_actions_t actions;
-    posix_spawnattr_t attributes;
-};
-
-// glibc 2.36 declares pidfd_open without C linkage, so that C++ cannot link it.
-int openProcess(pid_t pid)
-{
-    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
-}
 
 [[noreturn]] void fail(const std::string& what, int reason)
 {
@@ -85,17 +39,6 @@ PipeEnds makePipe()
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         fail("make a pipe", errno);
     return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
-
-// posix_spawn takes pointers to changeable text, which it does not change.
-std::vector<char*> pointers(std::vector<std::string>& strings)
-{
-    std::vector<char*> result;
-    result.reserve(strings.size() + 1);
-    for (std::string& string : strings)
-        result.push_back(string.data());
-    result.push_back(nullptr);
-    return result;
 }
 
 } // namespace
@@ -123,7 +66,7 @@ void Task::launch()
     _pipes.push_back({Stream::standardOutput, std::move(output.reading)});
     if (isSeparate)
         _pipes.push_back({Stream::standardError, std::move(error.reading)});
-    _exited = FileDescriptor(openProcess(_pid));
+    _exited = FileDescriptor(SpawnPlan::openProcess(_pid));
     if (!_exited) {
         const int reason = errno;
         _signal(SIGKILL);
@@ -134,18 +77,22 @@ void Task::launch()
 
 void Task::_spawn(int standardInput, int standardOutput, int standardError)
 {
-    const SpawnPlan plan(standardInput, standardOutput, standardError, _setup.currentDirectory);
+    SpawnPlan plan({.input = standardInput, .output = standardOutput, .error = standardError},
+        SpawnPlan::Group::ofOurSession);
+    const auto& folder = _setup.currentDirectory;
+    if (!folder.empty())
+        plan.setFolder(folder);
     std::vector<std::string> vector = _setup.arguments;
     vector.insert(vector.begin(), _setup.launchPath.native());
     pid_t pid = 0;
-    const int reason = ::posix_spawn(&pid, _setup.launchPath.c_str(), &plan.actions,
-        &plan.attributes, pointers(vector).data(), pointers(_setup.environment).data());
+    const int reason
+        = ::posix_spawn(&pid, _setup.launchPath.c_str(), plan.actions(), plan.attributes(),
+            SpawnPlan::pointers(vector).data(), SpawnPlan::pointers(_setup.environment).data());
     if (reason == 0) {
         const std::lock_guard lock(_mutex);
         _pid = pid;
         return;
     }
-    const auto& folder = _setup.currentDirectory;
     if (!folder.empty() && ::access((folder / ".").c_str(), X_OK) != 0)
         fail("work in '" + folder.native() + "'", errno);
     fail("run '" + _setup.launchPath.native() + "'", reason);
