@@ -96,7 +96,6 @@ void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
     entry.method = isStored ? ZipFormat::Method::Stored : ZipFormat::Method::Deflated;
     entry.reservesZip64
         = (isStored ? file.size() : Compressor::worstSize(file.size())) >= ZipFormat::mark32;
-    ++_entryCount;
     flush();
     Member piece;
     piece.entry = std::move(entry);
@@ -109,6 +108,11 @@ void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
         if (piece.isLast)
             file.finish();
         piece.isAbandoned = file.isUnreadable();
+        if (piece.isFirst) {
+            if (piece.isAbandoned)
+                return; // nothing of it is under way
+            ++_entryCount;
+        }
         block.members.push_back(piece);
         flush();
         piece.isFirst = false;
