@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include <libdeflate.h>
 
@@ -30,17 +32,24 @@ constexpr std::uint32_t evenSquares = 5500;
 constexpr std::size_t glanceSize = 128;
 constexpr std::uint32_t glanceSquares = 256;
 
-// Second test, for even bytes only: repeats, as a trial at the quickest level finds them.
-constexpr std::size_t sampleSize = std::size_t{8} << 10;
+// Second test, for even bytes only: long repeats as far back as a match reaches. Which places are
+// compared depends on the bytes there, so that of equal parts the same ones are: those of one
+// value, which are 1 in 256.
+constexpr std::byte comparedValue{0xa5};
+constexpr std::size_t longestDistance = std::size_t{32} << 10;
+constexpr std::size_t bytesPerRepeated = 32; // fewer repeats than that are no loss
+
+// Third test: short repeats, as a trial at the quickest level finds them.
+constexpr std::size_t sampleSize = std::size_t{4} << 10;
 constexpr std::size_t sampleDistance = std::size_t{64} << 10;
 constexpr std::size_t sampleGoal = sampleSize - sampleSize / 64;
 
-// Below this size compressing is as quick as that trial.
-constexpr std::size_t smallestJudged = 2 * sampleSize;
+// What is smaller is simply compressed: little can be won.
+constexpr std::size_t smallestJudged = std::size_t{16} << 10;
 
 // What is stored within a piece is at least as long as a match can reach back, so that no match
 // across it is lost, only those into it.
-constexpr std::size_t smallestStored = std::size_t{32} << 10;
+constexpr std::size_t smallestStored = longestDistance;
 
 // Small files are compressed in spite of even bytes, unless they begin as these do.
 constexpr auto compressedFormats = std::to_array<std::string_view>({
@@ -88,10 +97,44 @@ bool hasEvenBytes(std::span<const std::byte> data)
     return true;
 }
 
-bool hasRepeats(std::span<const std::byte> data)
+std::uint64_t wordAt(const std::byte* at)
 {
-    thread_local Compressor quick(1);
-    thread_local std::vector<std::byte> scratch;
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
+// Whether long matches could take the place of a part worth having of `data`, of 8 bytes or more.
+bool hasLongRepeats(std::span<const std::byte> data)
+{
+    constexpr unsigned slotBits = 10; // some 128 places are compared within a match's reach
+    constexpr std::uint64_t spreading = 0x9e3779b97f4a7c15; // the golden ratio's digits
+    std::array<const std::byte*, std::size_t{1} << slotBits> lastPlaces{};
+    const std::byte* const end = data.data() + data.size();
+    const std::byte* const searchEnd = end - sizeof(std::uint64_t) + 1;
+    std::size_t repeated = 0;
+    for (const std::byte* at = data.data(); at < searchEnd;) {
+        const auto left = static_cast<std::size_t>(searchEnd - at);
+        const void* found = std::memchr(at, std::to_integer<int>(comparedValue), left);
+        if (found == nullptr)
+            break;
+        const auto* const place = static_cast<const std::byte*>(found);
+        const std::uint64_t word = wordAt(place);
+        const std::byte* const former
+            = std::exchange(lastPlaces[(word * spreading) >> (64 - slotBits)], place);
+        const bool isRepeat = former != nullptr && place - former <= std::ptrdiff_t{longestDistance}
+            && wordAt(former) == word;
+        at = isRepeat ? std::mismatch(place, end, former).first : place + 1;
+        if (isRepeat)
+            repeated += static_cast<std::size_t>(at - place);
+    }
+    return repeated >= data.size() / bytesPerRepeated;
+}
+
+bool hasShortRepeats(std::span<const std::byte> data)
+{
+    Compressor quick(1);
+    std::vector<std::byte> scratch;
     for (std::size_t at = 0; at + sampleSize <= data.size(); at += sampleDistance) {
         scratch.clear();
         const std::size_t size = quick.compressSmaller(data.subspan(at, sampleSize), scratch);
@@ -99,6 +142,11 @@ bool hasRepeats(std::span<const std::byte> data)
             return true;
     }
     return false;
+}
+
+bool hasRepeats(std::span<const std::byte> data)
+{
+    return hasLongRepeats(data) || hasShortRepeats(data);
 }
 
 // The first part of `data` that is worth storing, in whole spots; nothing, at the end of `data`, if

@@ -1,9 +1,9 @@
 // Raw deflate (RFC 1951) of memory, for one thread.
 //
 // What does not compress is recognised by the counts of its bytes and a few quick trials; it is
-// then left alone, which costs little more than copying. Of even bytes, repeats that the trials do
-// not see are missed (8 KiB in each 64 KiB are tried): such data comes out correct, only larger
-// than it could.
+// then left alone, which costs little more than copying. Missed are repeats of less than some 300
+// bytes that the trials do not see (4 KiB in each 64 KiB are tried): such data comes out correct,
+// only larger than it could.
 #pragma once
 
 #include <cstddef>

@@ -12,7 +12,7 @@
 // end-of-block code is known and nothing but zero padding follows. A stream of one block costs no
 // more than reading its header.
 //
-// Costs 5 to 6 bytes a piece, and the matches that would have reached back over a piece's start.
+// Costs 4 or 5 bytes a piece, and the matches that would have reached back over a piece's start.
 #pragma once
 
 #include <cstddef>

@@ -66,7 +66,7 @@ bool SourceFile::looksIncompressible() const
     // them, because what they miss is stored: a twentieth that compresses, in runs that are longer
     // than a sample and lie anywhere, escapes 1 time in 25, a tenth of the file 1 time in 800.
     constexpr std::size_t sampleCount = 64;
-    constexpr std::size_t sampleSize = std::size_t{16} << 10;
+    constexpr std::size_t sampleSize = std::size_t{48} << 10; // more than a match can reach back
     if (remaining() < sampleCount * sampleSize)
         return false;
     std::vector<std::byte> buffer(sampleSize);

@@ -19,6 +19,9 @@ namespace
 
 constexpr std::string_view excludedName = ".DS_Store";
 
+// How much of the names in one folder is sorted at once: some 400,000 of usual length.
+constexpr std::size_t sortedBytes = std::size_t{8} << 20;
+
 enum class Kind : char { File, FollowedFile, Folder, FollowedFolder, Link, BadLink, Special, Gone };
 
 // Names and kinds in one block of memory: a folder may hold millions.
@@ -39,6 +42,7 @@ public:
         });
     }
     [[nodiscard]] std::size_t size() const { return _starts.size(); }
+    [[nodiscard]] std::size_t bytes() const { return _text.size(); }
     [[nodiscard]] const char* name(std::size_t index) const
     {
         return _text.data() + _starts[index];
@@ -276,23 +280,31 @@ private:
     void visitContent(OpenFolder folder, const struct stat& status, bool isFollowed)
     {
         _folder = std::move(folder);
-        NameList files;
         NameList subfolders;
-        readNames(files, subfolders);
-        for (std::size_t index = 0; index < files.size(); ++index)
-            visitIn(files, index);
+        for (bool hasMore = true; hasMore;) {
+            NameList files;
+            hasMore = readNames(files, subfolders);
+            files.sort();
+            for (std::size_t index = 0; index < files.size(); ++index)
+                visitIn(files, index);
+        }
+        subfolders.sort();
         _frames.push_back(
             {_path.size(), status.st_dev, status.st_ino, isFollowed, std::move(subfolders), 0});
     }
 
-    void readNames(NameList& files, NameList& subfolders)
+    // False when the folder has been read to its end.
+    bool readNames(NameList& files, NameList& subfolders)
     {
-        for (;;) {
+        while (files.bytes() < sortedBytes) {
             errno = 0;
             // Each folder is read by the one thread that has opened it.
             const dirent* entry = readdir(_folder.get()); // NOLINT(concurrency-mt-unsafe)
-            if (entry == nullptr)
-                break;
+            if (entry == nullptr) {
+                if (errno != 0)
+                    _visitor.warn(_path, errorText(errno));
+                return false;
+            }
             const std::string_view name(entry->d_name);
             if (name == "." || name == "..")
                 continue;
@@ -304,10 +316,7 @@ private:
             else
                 (isFolder ? subfolders : files).add(kind, name);
         }
-        if (errno != 0)
-            _visitor.warn(_path, errorText(errno));
-        files.sort();
-        subfolders.sort();
+        return true;
     }
 
     // The folder usually tells the kind; what it doesn't is asked for.

@@ -1,6 +1,8 @@
 // Walks a tree below one item in the order in which archives want it: a folder, then the files and
 // links in it, then its sub-folders one after the other, each sorted by the bytes of the names. So
-// a folder's content follows it directly, and no link is extracted through another.
+// a folder's content follows it directly, and no link is extracted through another. Of a folder
+// with hundreds of thousands of files only as many are sorted at once as memory shall hold; the
+// names of sub-folders are all held.
 //
 // Only one folder is open at a time, whatever the depth, and every step goes by a descriptor and
 // one name: paths may be longer than PATH_MAX, and nothing is followed that has not been looked at.
