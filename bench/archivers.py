@@ -363,7 +363,7 @@ def window_table(work, runs):
         print("\n| window on the screen | ms | times an empty one | million instructions before the "
               "event loop | times an empty one |")
         print("|---|---:|---:|---:|---:|")
-        counts = {p: instructions(*program, environment) for p, program in programs.items()}
+        counts = {p: instructions(command, environment) for p, (command, _) in programs.items()}
         milliseconds = {p: 1000 * statistics.median(taken[1:]) for p, taken in seconds.items()}
         empty = "an empty window of Qt"
         for program, count in counts.items():
@@ -395,16 +395,23 @@ def seconds_to_window(command, title, environment):
     return seconds
 
 
-def instructions(command, title, environment):
+def instructions(command, environment):
     """Those of the program itself from its start to its event loop, the kernel's not counted; nothing
     when they cannot be counted."""
     if not shutil.which("valgrind"):
         return None
     counts = Path(environment["HOME"]) / "counts"
+    dump = counts.with_suffix(".1")
+    dump.unlink(missing_ok=True)
     tool = ["valgrind", "--tool=callgrind", f"--callgrind-out-file={counts}",
             "--dump-before=QApplication::exec()"]
-    seconds_to_window([*tool, *command], title, environment)
-    with open(f"{counts}.1") as lines:
+    program = subprocess.Popen([*tool, *command], env=environment, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+    while not dump.exists() and program.poll() is None:
+        time.sleep(0.1)
+    program.terminate()
+    program.wait()
+    with open(dump) as lines:
         return next(int(line.split()[1]) for line in lines if line.startswith("summary:"))
 
 
