@@ -7,9 +7,10 @@ The sections are zip, tar.gz, levels, items, scale, cost and start; without any,
 
 The data (corpus.py) is composed once and lies in the page cache when it is timed. The programs take
 turns, each time in another order, so that neither a busy moment of the machine nor what one leaves
-behind falls on one alone; each begins when the disk has nothing left to do of the one before. Times are the medians of the
-runs, peaks of memory the maxima; archives are the last run's. The level is 6 where nothing else is
-said, for 7z its own default, 5. Only our tar and the program flush their archive to the disk.
+behind falls on one alone; each begins when the disk has nothing left to do of the one before. Times
+are the medians of the runs, peaks of memory the maxima; archives are the last run's. The level is 6
+where nothing else is said, for 7z its own default, 5. Only our tar and the program flush their
+archive to the disk.
 
 The limit is libdeflate alone on all cores over the same bytes in pieces of 1 MiB, nothing written.
 It deflates every byte, while ours stores what does not compress.
@@ -287,25 +288,25 @@ def items_section(data, work, notes, runs):
 
 
 def scale_section(data, work, notes, runs):
-    unit = notes["large"][1]
+    unit = notes["large"][1] // 250
+    files = {size: work / f"scaled{size}" for size in [10, 100, 1000, 4000]}
+    for size, file in files.items():
+        scaled_file(data / "large", size * unit, file)
     out = work / "out/archive.zip"
-    tasks = {}
-    for size, threads in [(10, 2), (100, 2), (1000, 2), (4000, 2), (1000, 1), (1000, 4), (1000, 8)]:
-        size = size * unit // 250
-        file = work / f"scaled{size}"
-        scaled_file(data / "large", size, file)
-        tasks[size, threads] = (zip_commands(file.name, out)["our zip"], work,
-                                os.environ | {"PARCELO_THREADS": str(threads)})
+    tasks = {(size, threads): (zip_commands(files[size].name, out)["our zip"], work,
+                               os.environ | {"PARCELO_THREADS": str(threads)})
+             for size, threads in [(10, 2), (100, 2), (1000, 2), (4000, 2),
+                                   (1000, 1), (1000, 4), (1000, 8)]}
     print("\n### our zip, by size and by threads\n")
     print("| data | threads | seconds | s per GB | processor s per GB | peak MB | wanted |")
     print("|---|---:|---:|---:|---:|---:|---:|")
     for (size, threads), result in measure(tasks, out, runs).items():
-        gigabytes = size / 10**9
-        print(f"| {size / MEGABYTE:.0f} MB | {threads} | {result.seconds:.2f} "
+        gigabytes = size * unit / 10**9
+        print(f"| {1000 * gigabytes:.0f} MB | {threads} | {result.seconds:.2f} "
               f"| {result.seconds / gigabytes:.2f} | {result.processor_seconds / gigabytes:.2f} "
               f"| {result.peak / MEGABYTE:.0f} | {wanted_peak(threads):.0f} |", flush=True)
-    for size, _ in tasks:
-        (work / f"scaled{size}").unlink(missing_ok=True)
+    for file in files.values():
+        file.unlink()
 
 
 def cost_section(data, work, notes, runs):

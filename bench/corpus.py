@@ -141,10 +141,8 @@ def compose(data, quick):
 
 
 def scaled_file(large, size, path):
-    """Makes a file of that size of parts of `large` that lie evenly over all of it, so that every size
-    compresses alike."""
-    if path.exists() and path.stat().st_size == size:
-        return
+    """Makes a file of that size of parts of `large` that lie evenly over all of it, so that every
+    size compresses alike."""
     part = 100_000
     count = size // part
     last = large.stat().st_size - part
