@@ -1,29 +1,20 @@
-#include "app/CommandLine.h"
-#include "app/CommandLineJob.h"
-#include "app/WindowedProgram.h"
+#include "app/commandline/CommandLine.h"
+#include "app/commandline/CommandLineJob.h"
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/process/StandardStreams.h"
 
 #include <csignal>
+#include <cstring>
 #include <exception>
 #include <iostream>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace
 {
 
+constexpr int exitFailed = 1;
 constexpr int exitWrongUsage = 2;
-
-// So that no file of ours gets the number of a standard stream that was closed.
-void openStandardStreams()
-{
-    int opened = 0;
-    do
-        opened = ::open("/dev/null", O_RDWR);
-    while (opened >= 0 && opened <= STDERR_FILENO);
-    if (opened > STDERR_FILENO)
-        ::close(opened);
-}
 
 int complainOfUsage(const std::string& problem)
 {
@@ -31,11 +22,22 @@ int complainOfUsage(const std::string& problem)
     return exitWrongUsage;
 }
 
+// The window is a program of its own, so that this one needs none of its libraries.
+int becomeTheWindow(char** arguments)
+{
+    const auto window = Bundle::main().bundlePath() / "parcelo-window";
+    std::signal(SIGPIPE, SIG_DFL);
+    ::execv(window.c_str(), arguments);
+    std::cerr << "parcelo: there is no window to open (" << window.native() << ": "
+              << std::strerror(errno) << "); give --to FOLDER\n";
+    return exitFailed;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 try {
-    openStandardStreams();
+    StandardStreams::open();
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away must not cost the clean-up
 
     const CommandLine line = CommandLine::parse({argv + (argc > 0 ? 1 : 0), argv + argc});
@@ -49,12 +51,12 @@ try {
         std::cout << "parcelo " PARCELO_VERSION "\n";
         return 0;
     case CommandLine::Request::window:
-        return WindowedProgram::run(argv[0], line.files);
+        return becomeTheWindow(argv);
     case CommandLine::Request::wrongUsage:
         break;
     }
     return complainOfUsage(line.problem);
 } catch (const std::exception& failure) {
     std::cerr << "parcelo: " << failure.what() << "\n";
-    return 1;
+    return exitFailed;
 }

@@ -1,8 +1,8 @@
-#include "app/CommandLine.h"
+#include "app/commandline/CommandLine.h"
 
-#include "app/ProposedName.h"
-#include "app/TerminalProgress.h"
-#include "app/ToolMessages.h"
+#include "app/commandline/TerminalProgress.h"
+#include "app/job/ProposedName.h"
+#include "app/job/ToolMessages.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/InterruptSignals.h"
+#include "platform/base/process/InterruptSignals.h"
 
 #include "tests/support/Run.h"
 

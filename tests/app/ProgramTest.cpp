@@ -32,6 +32,8 @@ protected:
         fs::create_directories(folder / "prefix/bin");
         fs::copy_file(PARCELO_PROGRAM, program);
         fs::create_directories(resources);
+        fs::create_symlink(
+            PARCELO_WINDOW_PROGRAM, folder / "prefix/libexec/parcelo/parcelo-window");
         for (const char* tool : {"zip", "tar", "ditto"})
             fs::create_symlink(PARCELO_TEST_STANDINS_DIR "/tool", resources / tool);
         for (const char* name : {"one.txt", "two.txt", "three.txt"})

@@ -1,6 +1,6 @@
-#include "platform/desktop/AppcastReader.h"
+#include "platform/desktop/updates/AppcastReader.h"
 
-#include "platform/desktop/HTMLText.h"
+#include "platform/desktop/updates/HTMLText.h"
 
 #include <QElapsedTimer>
 #include <QStringList>

@@ -1,7 +1,7 @@
-#include "platform/desktop/AppleScript.h"
+#include "platform/desktop/services/AppleScript.h"
 
-#include "platform/desktop/LoginItems.h"
-#include "platform/desktop/MailComposer.h"
+#include "platform/desktop/services/LoginItems.h"
+#include "platform/desktop/services/MailComposer.h"
 #include "tests/desktop/StandIns.h"
 
 #include <gtest/gtest.h>

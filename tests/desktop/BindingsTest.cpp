@@ -2,7 +2,7 @@
 
 #include "tests/desktop/BindingsTest.h"
 
-#include "platform/desktop/Bindings.h"
+#include "platform/desktop/settings/Bindings.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 // Controls of a form and the settings they are bound to.
 
-#include "platform/desktop/DefaultsController.h"
+#include "platform/desktop/settings/DefaultsController.h"
 
 #include "tests/support/TestFolder.h"
 

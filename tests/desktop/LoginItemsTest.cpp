@@ -1,4 +1,4 @@
-#include "platform/desktop/LoginItems.h"
+#include "platform/desktop/services/LoginItems.h"
 
 #include "tests/desktop/StandIns.h"
 #include "tests/support/Files.h"

@@ -1,4 +1,4 @@
-#include "platform/desktop/MailComposer.h"
+#include "platform/desktop/services/MailComposer.h"
 
 #include "tests/desktop/StandIns.h"
 #include "tests/support/Files.h"

@@ -1,6 +1,6 @@
-#include "platform/desktop/ProgramLauncher.h"
+#include "platform/desktop/services/ProgramLauncher.h"
 
-#include "platform/desktop/DefaultApplication.h"
+#include "platform/desktop/services/DefaultApplication.h"
 #include "tests/desktop/StandIns.h"
 
 #include <QCoreApplication>

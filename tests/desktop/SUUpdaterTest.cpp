@@ -1,6 +1,6 @@
-#include "platform/desktop/SUUpdater.h"
+#include "platform/desktop/updates/SUUpdater.h"
 
-#include "platform/desktop/Workspace.h"
+#include "platform/desktop/services/Workspace.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,6 +1,6 @@
 // The user's settings: what is stored comes back, by other instances and processes as well.
 
-#include "platform/desktop/UserDefaults.h"
+#include "platform/desktop/settings/UserDefaults.h"
 
 #include "tests/support/Files.h"
 #include "tests/support/Run.h"

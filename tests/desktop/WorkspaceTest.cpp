@@ -1,4 +1,4 @@
-#include "platform/desktop/Workspace.h"
+#include "platform/desktop/services/Workspace.h"
 
 #include "tests/desktop/StandIns.h"
 #include "tests/support/Files.h"

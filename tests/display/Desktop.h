@@ -1,3 +1,6 @@
+// A desktop to run the program on: one display and one bus for all tests, and for each
+// test a fresh home, with stand-ins for the programs that open mail, pages and folders. They write
+// down what they are called with.
 #pragma once
 
 #include "tests/display/DesktopSession.h"
@@ -16,9 +19,6 @@
 
 class FileManagerService;
 
-// A desktop to run the program on: one display and one bus for all tests, and for each
-// test a fresh home, with stand-ins for the programs that open mail, pages and folders. They write
-// down what they are called with.
 class Desktop : public ::testing::Test
 {
 protected:

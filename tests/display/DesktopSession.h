@@ -1,3 +1,5 @@
+// A display in memory with a window manager, and a session bus on which nobody starts services.
+// They end with the process that made them, however it ends.
 #pragma once
 
 #include "tests/support/Run.h"
@@ -13,8 +15,6 @@ struct Point {
     int y = 0;
 };
 
-// A display in memory with a window manager, and a session bus on which nobody starts services.
-// They end with the process that made them, however it ends.
 class DesktopSession
 {
 public:

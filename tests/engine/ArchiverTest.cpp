@@ -1,14 +1,14 @@
 // The engine with stand-ins for its tools: what they are asked, and what the delegate is told.
 
-#include "shared/Library/Archiver.h"
+#include "shared/Library/Archiver/Archiver.h"
 
-#include "platform/base/AlertPanel.h"
-#include "platform/base/AssertionHandler.h"
-#include "platform/base/Bundle.h"
-#include "platform/base/MainQueue.h"
-#include "platform/base/Task.h"
-#include "shared/Library/DataArchiverConvenience.h"
-#include "shared/Library/FileManagerArchiverConvenience.h"
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/process/Task.h"
+#include "platform/base/seams/AlertPanel.h"
+#include "platform/base/seams/AssertionHandler.h"
+#include "platform/base/seams/MainQueue.h"
+#include "shared/Library/Archiver/DataArchiverConvenience.h"
+#include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 

@@ -1,4 +1,4 @@
-#include "platform/base/DetachedProcess.h"
+#include "platform/base/process/DetachedProcess.h"
 
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"

@@ -1,8 +1,8 @@
 // A disk image, with stand-ins for the tools that play a whole session and record what they are
 // asked.
 
-#include "platform/base/Bundle.h"
-#include "shared/Library/Archiver.h"
+#include "platform/base/bundle/Bundle.h"
+#include "shared/Library/Archiver/Archiver.h"
 #include "tests/support/Files.h"
 #include "tests/support/Run.h"
 #include "tests/support/TestFolder.h"

@@ -2,11 +2,11 @@
 
 #include "tests/support/Files.h"
 
-#include "platform/base/FileCopy.h"
-#include "platform/base/FileMove.h"
-#include "platform/base/FileTree.h"
-#include "platform/base/PathString.h"
-#include "platform/base/ScratchFolder.h"
+#include "platform/base/files/FileCopy.h"
+#include "platform/base/files/FileMove.h"
+#include "platform/base/files/FileTree.h"
+#include "platform/base/files/ScratchFolder.h"
+#include "system/PathString.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TreeSnapshot.h"
 

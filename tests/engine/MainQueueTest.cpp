@@ -1,9 +1,9 @@
 // Blocks on the main thread: the run loop, and the engine's way to it.
 
-#include "platform/base/MainQueue.h"
+#include "platform/base/seams/MainQueue.h"
 
-#include "platform/base/RunLoop.h"
-#include "shared/Library/QKUtility.h"
+#include "app/commandline/RunLoop.h"
+#include "shared/Library/Extras/QKUtility.h"
 
 #include <limits>
 #include <string>

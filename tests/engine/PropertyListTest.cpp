@@ -1,9 +1,9 @@
 // Property lists: both ways between our reader and writer and Python's, and what is refused.
 
-#include "platform/base/PropertyList.h"
+#include "platform/base/bundle/PropertyList.h"
 
-#include "platform/base/Bundle.h"
-#include "platform/base/TextNumber.h"
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/bundle/TextNumber.h"
 #include "tests/support/Files.h"
 #include "tests/support/Run.h"
 #include "tests/support/TestFolder.h"

@@ -1,4 +1,4 @@
-#include "platform/base/ScriptReader.h"
+#include "platform/desktop/services/ScriptReader.h"
 
 #include <gtest/gtest.h>
 

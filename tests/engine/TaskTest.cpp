@@ -1,4 +1,4 @@
-#include "platform/base/Task.h"
+#include "platform/base/process/Task.h"
 
 #include "tests/support/TestFolder.h"
 

@@ -1,5 +1,5 @@
-#include "platform/desktop/AppcastReader.h"
-#include "platform/desktop/HTMLText.h"
+#include "platform/desktop/updates/AppcastReader.h"
+#include "platform/desktop/updates/HTMLText.h"
 #include "tests/fuzz/Fuzzing.h"
 
 #include <QByteArrayList>

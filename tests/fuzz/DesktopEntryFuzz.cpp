@@ -1,4 +1,4 @@
-#include "platform/base/DesktopEntry.h"
+#include "platform/desktop/services/DesktopEntry.h"
 #include "tests/fuzz/Fuzzing.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
+#include "system/FileDescriptor.h"
 #include "tests/fuzz/Fuzzing.h"
 #include "tools/common/Failure.h"
-#include "tools/common/OpenDescriptor.h"
 #include "tools/zip/ExistingArchive.h"
 
 #include <optional>
@@ -23,7 +23,7 @@ struct Read {
 // Nothing when the archive is refused. Any other exception ends the program.
 std::optional<Read> read(std::span<const std::byte> bytes)
 {
-    const OpenDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
+    const FileDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
     const auto size = static_cast<::ssize_t>(bytes.size());
     require(::pwrite(file.get(), bytes.data(), bytes.size(), 0) == size, "memory holds the input");
     SpillBuffer records("/tmp"); // which an input of this size never takes

@@ -1,8 +1,8 @@
-#include "platform/base/Bundle.h"
-#include "platform/base/PropertyList.h"
-#include "platform/base/ScratchFolder.h"
-#include "shared/Library/UserDefaultsExtras.h"
-#include "shared/Library/ValueCoding.h"
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/bundle/PropertyList.h"
+#include "platform/base/files/ScratchFolder.h"
+#include "shared/Library/Extras/UserDefaultsExtras.h"
+#include "shared/Library/Extras/ValueCoding.h"
 #include "tests/fuzz/Fuzzing.h"
 
 #include <fstream>

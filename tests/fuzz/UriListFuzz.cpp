@@ -1,4 +1,4 @@
-#include "platform/base/UriList.h"
+#include "platform/desktop/services/UriList.h"
 #include "tests/fuzz/Fuzzing.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "shared/Library/DateExtras.h"
+#include "shared/Library/Extras/DateExtras.h"
 
 #include <QDebug>
 

@@ -1,4 +1,4 @@
-#include "shared/Library/FileManagerExtras.h"
+#include "shared/Library/Extras/FileManagerExtras.h"
 
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"

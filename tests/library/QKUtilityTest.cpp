@@ -1,8 +1,8 @@
-#include "shared/Library/QKUtility.h"
+#include "shared/Library/Extras/QKUtility.h"
 
-#include "platform/base/Bundle.h"
-#include "platform/base/PropertyList.h"
-#include "platform/base/Task.h"
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/bundle/PropertyList.h"
+#include "platform/base/process/Task.h"
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 

@@ -1,6 +1,6 @@
-#include "shared/Library/QKWebsite.h"
+#include "shared/Library/Extras/QKWebsite.h"
 
-#include "platform/desktop/Workspace.h"
+#include "platform/desktop/services/Workspace.h"
 
 #include <QDebug>
 #include <QStringList>

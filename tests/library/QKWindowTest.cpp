@@ -1,10 +1,10 @@
-#include "shared/Library/QKWindow.h"
+#include "shared/Library/Extras/QKWindow.h"
 
-#include "platform/desktop/AlertPanelWindow.h"
-#include "platform/desktop/NotificationCenter.h"
-#include "platform/desktop/Sheets.h"
-#include "platform/desktop/Tag.h"
-#include "shared/Library/ViewSize.h"
+#include "platform/desktop/panels/AlertPanelWindow.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/panels/Tag.h"
+#include "platform/desktop/services/NotificationCenter.h"
+#include "shared/Library/Extras/ViewSize.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-#include "shared/Library/StringExtras.h"
+#include "shared/Library/Extras/StringExtras.h"
 
 #include <QDebug>
 

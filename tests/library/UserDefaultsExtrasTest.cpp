@@ -1,10 +1,10 @@
 // Typed values in the settings and in dictionaries, with what they lose there.
 
-#include "shared/Library/UserDefaultsExtras.h"
+#include "shared/Library/Extras/UserDefaultsExtras.h"
 
-#include "platform/base/Bundle.h"
-#include "shared/Library/DictionaryAccess.h"
-#include "shared/Library/ValueCoding.h"
+#include "platform/base/bundle/Bundle.h"
+#include "shared/Library/Extras/DictionaryAccess.h"
+#include "shared/Library/Extras/ValueCoding.h"
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 

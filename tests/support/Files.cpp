@@ -1,6 +1,6 @@
 #include "tests/support/Files.h"
 
-#include "platform/base/FileDescriptor.h"
+#include "system/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/base/FileDescriptor.h"
+#include "system/FileDescriptor.h"
 #include "tests/support/Files.h"
 
 #include <chrono>

@@ -1,3 +1,5 @@
+// A fresh empty folder for one test, removed with everything in it by the destructor, whatever
+// permissions and depth the test left there. It lies in $TMPDIR, or in /tmp.
 #pragma once
 
 #include <filesystem>
@@ -6,8 +8,6 @@
 namespace support
 {
 
-// A fresh empty folder for one test, removed with everything in it by the destructor, whatever
-// permissions and depth the test left there. It lies in $TMPDIR, or in /tmp.
 class TestFolder
 {
 public:

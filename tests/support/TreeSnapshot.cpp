@@ -1,6 +1,6 @@
 #include "tests/support/TreeSnapshot.h"
 
-#include "platform/base/FileDescriptor.h"
+#include "system/FileDescriptor.h"
 #include "tests/support/Files.h"
 
 #include <climits>

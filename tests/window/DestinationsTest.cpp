@@ -1,8 +1,8 @@
-#include "app/Destinations.h"
+#include "app/window/Destinations.h"
 
-#include "app/DropView.h"
-#include "platform/base/PathString.h"
-#include "platform/desktop/UserDefaults.h"
+#include "app/window/DropView.h"
+#include "platform/desktop/settings/UserDefaults.h"
+#include "system/PathString.h"
 #include "tests/support/Files.h"
 #include "tests/window/Program.h"
 

@@ -1,8 +1,8 @@
-#include "app/DropView.h"
+#include "app/window/DropView.h"
 
-#include "app/AdvertTextView.h"
-#include "platform/desktop/SavePanel.h"
-#include "shared/Library/BezierPathExtras.h"
+#include "app/window/AdvertTextView.h"
+#include "platform/desktop/panels/SavePanel.h"
+#include "shared/Library/Extras/BezierPathExtras.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>

@@ -1,9 +1,9 @@
-#include "app/AboutController.h"
-#include "app/AdvertTextView.h"
-#include "app/DropView.h"
-#include "platform/desktop/Sheets.h"
-#include "platform/desktop/UserDefaults.h"
-#include "shared/Library/QKUtility.h"
+#include "app/window/AboutController.h"
+#include "app/window/AdvertTextView.h"
+#include "app/window/DropView.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/settings/UserDefaults.h"
+#include "shared/Library/Extras/QKUtility.h"
 #include "tests/window/Program.h"
 
 #include <QApplication>

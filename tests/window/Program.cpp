@@ -1,8 +1,8 @@
 #include "tests/window/Program.h"
 
-#include "platform/desktop/AlertPanelWindow.h"
-#include "platform/desktop/Sheets.h"
-#include "platform/desktop/UserDefaults.h"
+#include "platform/desktop/panels/AlertPanelWindow.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/settings/UserDefaults.h"
 
 #include <QDeadlineTimer>
 #include <QTest>

@@ -1,10 +1,11 @@
+// The program with its window in this process, with settings of its own that begin empty.
 #pragma once
 
-#include "app/AppController.h"
-#include "app/MainInterface.h"
-#include "platform/desktop/MailComposer.h"
-#include "platform/desktop/MainQueueTimers.h"
-#include "platform/desktop/Workspace.h"
+#include "app/window/AppController.h"
+#include "app/window/MainInterface.h"
+#include "platform/desktop/services/MailComposer.h"
+#include "platform/desktop/services/MainQueueTimers.h"
+#include "platform/desktop/services/Workspace.h"
 #include "tests/support/TestFolder.h"
 
 #include <QDialog>
@@ -49,7 +50,6 @@ public:
     std::vector<std::filesystem::path> mailed;
 };
 
-// The program with its window in this process, with settings of its own that begin empty.
 class Program : public ::testing::Test
 {
 protected:

@@ -1,6 +1,6 @@
-#include "platform/desktop/Sheets.h"
-#include "platform/desktop/Tag.h"
-#include "platform/desktop/UserDefaults.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/panels/Tag.h"
+#include "platform/desktop/settings/UserDefaults.h"
 #include "tests/support/Files.h"
 #include "tests/window/Program.h"
 

@@ -61,7 +61,8 @@ TEST(Translations, areCompleteAndKeepPlaceholdersAndLineBreaks)
     const auto wanted = messagesIn(fresh);
     ASSERT_GT(wanted.size(), 100u);
     for (const char* language : {"de", "fr", "es", "ja"}) {
-        const auto messages = messagesIn(sources + "/app/translations/parcelo_" + language + ".ts");
+        const auto messages
+            = messagesIn(sources + "/app/window/translations/parcelo_" + language + ".ts");
         EXPECT_EQ(messages.size(), wanted.size()) << language;
         for (const auto& [key, unused] : wanted) {
             const auto message = messages.find(key);
@@ -73,7 +74,7 @@ TEST(Translations, areCompleteAndKeepPlaceholdersAndLineBreaks)
                 << language << ": " << key;
         }
     }
-    const auto english = messagesIn(sources + "/app/translations/parcelo_en.ts");
+    const auto english = messagesIn(sources + "/app/window/translations/parcelo_en.ts");
     for (const auto& [key, unused] : wanted)
         EXPECT_EQ(english.contains(key), key.starts_with("Localizable|")) << key;
 }

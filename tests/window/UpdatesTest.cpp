@@ -1,5 +1,5 @@
-#include "platform/desktop/Sheets.h"
-#include "platform/desktop/UserDefaults.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/settings/UserDefaults.h"
 #include "tests/window/Program.h"
 
 #include <QLabel>

@@ -1,3 +1,5 @@
+// A queue between threads. After close() nothing can be put in any more and what is in it is
+// dropped: closing is the one signal to stop. finish() lets what is in it be taken first.
 #pragma once
 
 #include <condition_variable>
@@ -6,8 +8,6 @@
 #include <optional>
 #include <utility>
 
-// A queue between threads. After close() nothing can be put in any more and what is in it is
-// dropped: closing is the one signal to stop. finish() lets what is in it be taken first.
 template <class Value> class BlockingQueue
 {
 public:

@@ -1,3 +1,4 @@
+// Appends numbers in little-endian order, as zip and gzip want them.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <string_view>
 #include <vector>
 
-// Appends numbers in little-endian order, as zip and gzip want them.
 class ByteWriter
 {
 public:

@@ -1,6 +1,6 @@
 #include "tools/common/Messages.h"
 
-#include "tools/common/Utf8.h"
+#include "system/Utf8.h"
 
 #include <cerrno>
 #include <mutex>

@@ -1,9 +1,9 @@
 #include "tools/common/OutputFile.h"
 
+#include "system/Utf8.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Interrupt.h"
 #include "tools/common/Messages.h"
-#include "tools/common/Utf8.h"
 
 #include <array>
 #include <cerrno>
@@ -74,8 +74,8 @@ void removeAbandoned(const SplitPath& path)
         if (!name.starts_with(prefix) || name.size() != prefix.size() + suffixSize)
             continue;
         const int flags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-        const OpenDescriptor file(openat(dirfd(folder.get()), entry->d_name, flags));
-        if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0)
+        const FileDescriptor file(openat(dirfd(folder.get()), entry->d_name, flags));
+        if (file && flock(file.number(), LOCK_EX | LOCK_NB) == 0)
             unlinkat(dirfd(folder.get()), entry->d_name, 0);
     }
 }
@@ -112,7 +112,7 @@ bool sync(int descriptor)
 } // namespace
 
 OutputFile::OutputFile(
-    OpenDescriptor file, const struct stat& status, std::string path, std::string hiddenPath)
+    FileDescriptor file, const struct stat& status, std::string path, std::string hiddenPath)
     : _file(std::move(file))
     , _path(std::move(path))
     , _hiddenPath(std::move(hiddenPath))
@@ -145,16 +145,16 @@ OutputFile OutputFile::createBeside(const std::string& path)
     removeAbandoned(parts);
     for (;;) {
         const std::string hidden = parts.folder + hiddenPrefixFor(parts.name) + randomSuffix();
-        OpenDescriptor file(open(hidden.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        FileDescriptor file(open(hidden.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
         if (!file && (errno == EEXIST || errno == EINTR))
             continue;
         if (!file)
             cannotCreate(path);
         // Best effort: without locks nothing abandoned can be told from what is in use.
-        flock(file.get(), LOCK_EX | LOCK_NB);
+        flock(file.number(), LOCK_EX | LOCK_NB);
         struct stat status {
         };
-        const bool isKnown = fstat(file.get(), &status) == 0;
+        const bool isKnown = fstat(file.number(), &status) == 0;
         if (isKnown && status.st_nlink > 0)
             return {std::move(file), status, path, hidden};
         if (isKnown)
@@ -169,7 +169,7 @@ OutputFile OutputFile::createBeside(const std::string& path)
 std::optional<OutputFile> OutputFile::openExisting(const std::string& path)
 {
     for (;;) {
-        OpenDescriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+        FileDescriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
         if (!file && errno == ENOENT) {
             struct stat link {
             };
@@ -180,7 +180,7 @@ std::optional<OutputFile> OutputFile::openExisting(const std::string& path)
         }
         struct stat status {
         };
-        if (!file || fstat(file.get(), &status) != 0)
+        if (!file || fstat(file.number(), &status) != 0)
             cannotCreate(path);
         OutputFile output(std::move(file), status, path, "");
         if (!S_ISREG(output._status.st_mode))
@@ -202,7 +202,7 @@ void OutputFile::append(std::span<const std::byte> bytes)
     _position += bytes.size();
     if (_position - _writebackEnd >= writebackSize) {
         // A hint only: whatever fails here fails again where it is waited for.
-        sync_file_range(_file.get(), static_cast<off_t>(_writebackEnd),
+        sync_file_range(_file.number(), static_cast<off_t>(_writebackEnd),
             static_cast<off_t>(_position - _writebackEnd), SYNC_FILE_RANGE_WRITE);
         _writebackEnd = _position;
     }
@@ -212,7 +212,7 @@ void OutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes)
 {
     while (!bytes.empty()) {
         const ssize_t written
-            = pwrite(_file.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            = pwrite(_file.number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0)
@@ -224,7 +224,7 @@ void OutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes)
 
 void OutputFile::truncateHere()
 {
-    while (ftruncate(_file.get(), static_cast<off_t>(_position)) != 0)
+    while (ftruncate(_file.number(), static_cast<off_t>(_position)) != 0)
         if (errno != EINTR)
             cannotWrite(_path);
 }
@@ -238,7 +238,7 @@ bool OutputFile::isSameFile(const struct stat& status) const
 // with.
 void OutputFile::flush()
 {
-    OpenDescriptor another(fcntl(_file.get(), F_DUPFD_CLOEXEC, 0));
+    FileDescriptor another(fcntl(_file.number(), F_DUPFD_CLOEXEC, 0));
     if (!another || !another.close())
         cannotWrite(_path);
 }
@@ -252,13 +252,13 @@ void OutputFile::commit(Existing existing)
 bool OutputFile::commitDurably(Existing existing)
 {
     const std::string folderPath = split(_path).folder;
-    const OpenDescriptor folder(
+    const FileDescriptor folder(
         open(folderPath.empty() ? "." : folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder || !sync(_file.get()))
+    if (!folder || !sync(_file.number()))
         cannotWrite(_path);
     flush();
     rename(existing);
-    if (sync(folder.get()))
+    if (sync(folder.number()))
         return true;
     Messages::warn(_path, "may be lost in a power cut: " + errorText(errno));
     return false;

@@ -5,7 +5,7 @@
 // All operations throw Failure; those of a hidden file that is not committed leave nothing behind.
 #pragma once
 
-#include "tools/common/OpenDescriptor.h"
+#include "system/FileDescriptor.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -44,7 +44,7 @@ public:
     void truncateHere();
 
     [[nodiscard]] bool isInPlace() const { return _hiddenPath.empty(); }
-    [[nodiscard]] int descriptor() const { return _file.get(); }
+    [[nodiscard]] int descriptor() const { return _file.number(); }
     // Whether `status` describes this very file.
     [[nodiscard]] bool isSameFile(const struct stat& status) const;
     // Size and identity when the file was opened.
@@ -63,11 +63,11 @@ public:
 
 private:
     OutputFile(
-        OpenDescriptor file, const struct stat& status, std::string path, std::string hiddenPath);
+        FileDescriptor file, const struct stat& status, std::string path, std::string hiddenPath);
     void discard();
     void rename(Existing existing);
 
-    OpenDescriptor _file;
+    FileDescriptor _file;
     std::string _path;
     std::string _hiddenPath; // empty for a file in place
     struct stat _status {

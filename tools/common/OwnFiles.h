@@ -1,3 +1,5 @@
+// What of a walked tree is the run's own doing and must not get into the archive: the archive that
+// is being written, and the program's scratch folder when the dropped item contains it.
 #pragma once
 
 #include "tools/common/OutputFile.h"
@@ -7,8 +9,6 @@
 
 #include <sys/stat.h>
 
-// What of a walked tree is the run's own doing and must not get into the archive: the archive that
-// is being written, and the program's scratch folder when the dropped item contains it.
 class OwnFiles
 {
 public:

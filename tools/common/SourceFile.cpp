@@ -1,8 +1,8 @@
 #include "tools/common/SourceFile.h"
 
+#include "system/FileBytes.h"
 #include "tools/common/Compressor.h"
 #include "tools/common/Failure.h"
-#include "tools/common/FileInput.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -32,12 +32,12 @@ bool hasChanged(const struct stat& before, const struct stat& after)
 SourceFile::SourceFile(const TreeItem& item)
 {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    _file = OpenDescriptor(
+    _file = FileDescriptor(
         openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
     if (!_file && errno == ELOOP && !item.isFollowed) {
         _isUnreadable = true;
         _problem = "was replaced by a link while its folder was read";
-    } else if (!_file || fstat(_file.get(), &_status) != 0) {
+    } else if (!_file || fstat(_file.number(), &_status) != 0) {
         fail(errno);
     } else if (!S_ISREG(_status.st_mode)) {
         _isUnreadable = true;
@@ -49,7 +49,7 @@ std::size_t SourceFile::read(std::span<std::byte> buffer)
 {
     const auto wanted
         = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), remaining()));
-    const std::ptrdiff_t count = readFully(_file.get(), buffer.first(wanted));
+    const std::ptrdiff_t count = FileBytes::readFully(_file.number(), buffer.first(wanted));
     if (count < 0) {
         fail(errno);
         return 0;
@@ -72,7 +72,8 @@ bool SourceFile::looksIncompressible() const
     std::vector<std::byte> buffer(sampleSize);
     const std::uint64_t stride = (remaining() - sampleSize) / (sampleCount - 1);
     for (std::size_t sample = 0; sample < sampleCount; ++sample) {
-        const std::ptrdiff_t count = readFullyAt(_file.get(), _offset + sample * stride, buffer);
+        const std::ptrdiff_t count
+            = FileBytes::readFullyAt(_file.number(), _offset + sample * stride, buffer);
         if (count != static_cast<std::ptrdiff_t>(sampleSize) || !::looksIncompressible(buffer))
             return false;
     }
@@ -85,14 +86,14 @@ void SourceFile::finish()
         return;
     struct stat now {
     };
-    if (fstat(_file.get(), &now) != 0)
+    if (fstat(_file.number(), &now) != 0)
         fail(errno);
     else if (now.st_size > _status.st_size)
         _problem = "grew while it was read; stored up to its earlier size";
     else if (hasChanged(_status, now))
         _problem = "changed while it was read";
     // Files of the system's own making (/proc) give no size, but content.
-    else if (std::byte more{}; size() == 0 && readFully(_file.get(), {&more, 1}) > 0)
+    else if (std::byte more{}; size() == 0 && FileBytes::readFully(_file.number(), {&more, 1}) > 0)
         _problem = "does not tell its size; stored empty";
 }
 

@@ -2,7 +2,7 @@
 // not, read up to the size it had when it was opened, and compared with that in the end.
 #pragma once
 
-#include "tools/common/OpenDescriptor.h"
+#include "system/FileDescriptor.h"
 #include "tools/common/TreeWalk.h"
 
 #include <cstddef>
@@ -19,7 +19,7 @@ public:
     // Opens what the walk has found; if that fails, problem() tells why.
     explicit SourceFile(const TreeItem& item);
 
-    [[nodiscard]] int descriptor() const { return _file.get(); }
+    [[nodiscard]] int descriptor() const { return _file.number(); }
     [[nodiscard]] const struct stat& status() const { return _status; }
     [[nodiscard]] std::uint64_t size() const { return static_cast<std::uint64_t>(_status.st_size); }
     [[nodiscard]] std::uint64_t remaining() const { return size() - _offset; }
@@ -42,7 +42,7 @@ public:
 private:
     void fail(int error);
 
-    OpenDescriptor _file;
+    FileDescriptor _file;
     struct stat _status {
     };
     std::uint64_t _offset = 0;

@@ -1,8 +1,8 @@
 #include "tools/common/TreeWalk.h"
 
+#include "system/FileDescriptor.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Interrupt.h"
-#include "tools/common/OpenDescriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -63,10 +63,10 @@ using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 OpenFolder openFolder(int parent, const char* name, bool isFollowed)
 {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isFollowed ? 0 : O_NOFOLLOW);
-    OpenDescriptor opened(openat(parent, name, flags));
+    FileDescriptor opened(openat(parent, name, flags));
     if (!opened)
         return nullptr;
-    OpenFolder folder(fdopendir(opened.get()));
+    OpenFolder folder(fdopendir(opened.number()));
     if (folder)
         (void)opened.release(); // the folder closes it
     return folder;

@@ -1,10 +1,10 @@
+// What one run is asked to do:  ditto -V -c -k --keepParent --sequesterRsrc ./ITEM ARCHIVE
+//                         or:  ditto -rsrcFork SOURCE TARGET
 #pragma once
 
 #include <span>
 #include <string>
 
-// What one run is asked to do:  ditto -V -c -k --keepParent --sequesterRsrc ./ITEM ARCHIVE
-//                         or:  ditto -rsrcFork SOURCE TARGET
 struct DittoOptions {
     bool makesArchive = false;
     std::string source; // for an archive, one name in the current folder

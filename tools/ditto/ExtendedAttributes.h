@@ -1,3 +1,4 @@
+// The extended attributes of an open file or folder.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-// The extended attributes of an open file or folder.
 namespace ExtendedAttributes
 {
 

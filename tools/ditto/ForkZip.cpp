@@ -54,10 +54,10 @@ protected:
 
     void storedFolder(const TreeItem& item, const struct stat& status) override
     {
-        const OpenDescriptor folder(
+        const FileDescriptor folder(
             openat(item.folder, item.name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (folder) // else the walk warns, too
-            addAttributes(item, status, folder.get());
+            addAttributes(item, status, folder.number());
     }
 
 private:

@@ -61,7 +61,7 @@ public:
     {
         unlinkat(_folder, _name.c_str(), 0); // of a process of that number that was killed
         const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-        _file = OpenDescriptor(openat(_folder, _name.c_str(), flags, S_IRUSR | S_IWUSR));
+        _file = FileDescriptor(openat(_folder, _name.c_str(), flags, S_IRUSR | S_IWUSR));
         _isThere = static_cast<bool>(_file);
     }
     HiddenFile(const HiddenFile&) = delete;
@@ -72,11 +72,11 @@ public:
             unlinkat(_folder, _name.c_str(), 0);
     }
 
-    [[nodiscard]] int descriptor() const { return _file.get(); }
+    [[nodiscard]] int descriptor() const { return _file.number(); }
     [[nodiscard]] bool write(std::span<const std::byte> bytes) const
     {
         while (!bytes.empty()) {
-            const ssize_t count = ::write(_file.get(), bytes.data(), bytes.size());
+            const ssize_t count = ::write(_file.number(), bytes.data(), bytes.size());
             if (count < 0 && errno != EINTR)
                 return false;
             bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
@@ -92,7 +92,7 @@ public:
 private:
     const int _folder;
     const std::string _name = ".parcelo-ditto-" + std::to_string(getpid());
-    OpenDescriptor _file;
+    FileDescriptor _file;
     bool _isThere = false;
 };
 
@@ -125,16 +125,16 @@ public:
         const std::optional<std::string> link = readLink(item, status);
         const char* name = nameOf(item);
         const auto make
-            = [&] { return link && symlinkat(link->c_str(), _folder.get(), name) == 0; };
+            = [&] { return link && symlinkat(link->c_str(), _folder.number(), name) == 0; };
         const auto replace
-            = [&] { return errno == EEXIST && unlinkat(_folder.get(), name, 0) == 0 && make(); };
+            = [&] { return errno == EEXIST && unlinkat(_folder.number(), name, 0) == 0 && make(); };
         if (!make() && !replace()) {
             warn(item.path, errorText(errno));
             return;
         }
         ++_copied;
-        (void)!fchownat(_folder.get(), name, status.st_uid, status.st_gid, AT_SYMLINK_NOFOLLOW);
-        utimensat(_folder.get(), name, timesOf(status).data(), AT_SYMLINK_NOFOLLOW);
+        (void)!fchownat(_folder.number(), name, status.st_uid, status.st_gid, AT_SYMLINK_NOFOLLOW);
+        utimensat(_folder.number(), name, timesOf(status).data(), AT_SYMLINK_NOFOLLOW);
     }
 
     bool visitFolder(const TreeItem& item, const struct stat& status) override
@@ -146,21 +146,21 @@ public:
             warn(item.path, "is the folder that is being copied to");
             return false;
         }
-        if (mkdirat(_folder.get(), name, S_IRWXU) != 0 && errno != EEXIST) {
+        if (mkdirat(_folder.number(), name, S_IRWXU) != 0 && errno != EEXIST) {
             warn(item.path, errorText(errno));
             return false;
         }
         const int flags = _levels.empty() ? folderFlags : folderFlags | O_NOFOLLOW;
-        OpenDescriptor entered(openat(_folder.get(), name, flags));
-        if (!entered || (_levels.empty() && fstat(entered.get(), &_target) != 0)) {
+        FileDescriptor entered(openat(_folder.number(), name, flags));
+        if (!entered || (_levels.empty() && fstat(entered.number(), &_target) != 0)) {
             warn(item.path, "cannot be copied to what is there: " + errorText(errno));
             return false;
         }
         if (_levels.empty() && isTarget(status))
             throw Failure(FailureKind::CannotCreate, "the source and the target are one folder");
-        const OpenDescriptor source(openat(item.folder, item.name, folderFlags | O_NOFOLLOW));
+        const FileDescriptor source(openat(item.folder, item.name, folderFlags | O_NOFOLLOW));
         if (source) // else the walk tells
-            copyAttributes(item, source.get(), entered.get());
+            copyAttributes(item, source.number(), entered.number());
         _folder = std::move(entered);
         _levels.push_back({std::string(item.path), status});
         ++_copied;
@@ -208,10 +208,10 @@ private:
     void leaveFolder()
     {
         // Opened first: without its permissions there might be no way up.
-        OpenDescriptor above(openat(_folder.get(), "..", folderFlags));
+        FileDescriptor above(openat(_folder.number(), "..", folderFlags));
         if (!above)
             throw systemFailure(FailureKind::Write, "cannot complete a folder");
-        if (!applyStatus(_folder.get(), _levels.back().status))
+        if (!applyStatus(_folder.number(), _levels.back().status))
             warn(_levels.back().path, incomplete());
         _folder = std::move(above);
         _levels.pop_back();
@@ -219,7 +219,7 @@ private:
 
     void copyFile(const TreeItem& item, SourceFile& source)
     {
-        HiddenFile target(_folder.get());
+        HiddenFile target(_folder.number());
         if (target.descriptor() < 0) {
             warn(item.path, errorText(errno));
             return;
@@ -255,7 +255,7 @@ private:
     }
 
     const std::string _name;
-    OpenDescriptor _folder;
+    FileDescriptor _folder;
     std::vector<Level> _levels; // from the top to the folder that is open; none: it is above
     struct stat _target {
     }; // the top, when it is a folder

@@ -1,3 +1,6 @@
+// The entries of files that have several names, to store the other names as hard links to. Forgets
+// a file when all its names have come, and remembers no more when there are very many: other names
+// are then stored as files of their own.
 #pragma once
 
 #include <cstddef>
@@ -7,9 +10,6 @@
 
 #include <sys/stat.h>
 
-// The entries of files that have several names, to store the other names as hard links to. Forgets
-// a file when all its names have come, and remembers no more when there are very many: other names
-// are then stored as files of their own.
 class HardLinks
 {
 public:

@@ -1,3 +1,4 @@
+// What goes through the pipeline: the next bytes of the tar stream, then the same compressed.
 #pragma once
 
 #include "tools/common/Compressor.h"
@@ -9,7 +10,6 @@
 #include <string>
 #include <vector>
 
-// What goes through the pipeline: the next bytes of the tar stream, then the same compressed.
 struct StreamBlock {
     StreamBlock()
         : input(std::make_unique_for_overwrite<std::byte[]>(pieceSize))

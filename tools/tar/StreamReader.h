@@ -1,20 +1,20 @@
+// The reader's end of the pipeline: turns what the walk finds into a tar stream, cut in blocks.
+// Warns of everything that does not get into the archive as it is, and counts both.
 #pragma once
 
 #include "tools/common/OwnFiles.h"
 #include "tools/common/Pipeline.h"
 #include "tools/common/SourceFile.h"
-#include "tools/common/TarFormat.h"
 #include "tools/common/TreeWalk.h"
 #include "tools/tar/HardLinks.h"
 #include "tools/tar/StreamBlock.h"
+#include "tools/tar/TarFormat.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
-// The reader's end of the pipeline: turns what the walk finds into a tar stream, cut in blocks.
-// Warns of everything that does not get into the archive as it is, and counts both.
 class StreamReader : public TreeVisitor
 {
 public:

@@ -1,9 +1,9 @@
+// What one run is asked to do:  tar [--exclude .DS_Store] -zhcf ARCHIVE FOLDER
 #pragma once
 
 #include <span>
 #include <string>
 
-// What one run is asked to do:  tar [--exclude .DS_Store] -zhcf ARCHIVE FOLDER
 struct TarOptions {
     std::string archive;
     std::string folder; // one name in the current folder

@@ -1,7 +1,8 @@
+// What goes through the pipeline: several whole entries, or one piece.
 #pragma once
 
 #include "tools/common/Compressor.h"
-#include "tools/common/ZipFormat.h"
+#include "tools/zip/ZipFormat.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +26,6 @@ struct Member {
     [[nodiscard]] bool isWhole() const { return isFirst && isLast; }
 };
 
-// What goes through the pipeline: several whole entries, or one piece.
 struct Block {
     Block()
         : input(std::make_unique_for_overwrite<std::byte[]>(pieceSize))

@@ -1,3 +1,5 @@
+// A worker of the pipeline: checksums and compresses a block, and lays whole entries out as they
+// will be written.
 #pragma once
 
 #include "tools/common/Compressor.h"
@@ -5,8 +7,6 @@
 
 #include <optional>
 
-// A worker of the pipeline: checksums and compresses a block, and lays whole entries out as they
-// will be written.
 class BlockCompressor
 {
 public:

@@ -1,3 +1,5 @@
+// The reader's end of the pipeline: fills blocks with what the walk finds. Warns of everything that
+// does not get into the archive as it is, and counts both.
 #pragma once
 
 #include "tools/common/OwnFiles.h"
@@ -11,8 +13,6 @@
 #include <span>
 #include <string>
 
-// The reader's end of the pipeline: fills blocks with what the walk finds. Warns of everything that
-// does not get into the archive as it is, and counts both.
 class BlockReader : public TreeVisitor
 {
 public:

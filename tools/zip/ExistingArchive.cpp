@@ -1,8 +1,8 @@
 #include "tools/zip/ExistingArchive.h"
 
+#include "system/FileBytes.h"
 #include "tools/common/ByteWriter.h"
 #include "tools/common/Failure.h"
-#include "tools/common/FileInput.h"
 
 #include <algorithm>
 #include <optional>
@@ -24,7 +24,8 @@ Failure bad(const std::string& what)
 
 void readAt(int descriptor, std::uint64_t offset, std::span<std::byte> bytes)
 {
-    if (readFullyAt(descriptor, offset, bytes) != static_cast<std::ptrdiff_t>(bytes.size()))
+    if (FileBytes::readFullyAt(descriptor, offset, bytes)
+        != static_cast<std::ptrdiff_t>(bytes.size()))
         throw bad("can't be read");
 }
 

@@ -6,8 +6,8 @@
 // directory is encrypted or signed.
 #pragma once
 
-#include "tools/common/SpillBuffer.h"
-#include "tools/common/ZipFormat.h"
+#include "tools/zip/SpillBuffer.h"
+#include "tools/zip/ZipFormat.h"
 
 #include <cstddef>
 #include <cstdint>

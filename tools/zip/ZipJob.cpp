@@ -1,5 +1,6 @@
 #include "tools/zip/ZipJob.h"
 
+#include "system/FileName.h"
 #include "tools/common/Failure.h"
 #include "tools/common/ItemName.h"
 #include "tools/common/Messages.h"
@@ -23,7 +24,7 @@ std::string storedName(const ZipOptions& options, const ExistingArchive& existin
     const bool isFolder = lstat(options.item.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     const auto taken = existing.setOfTopNames();
     const auto isTaken = [&](const std::string& name) { return taken.contains(name); };
-    std::string name = nextFreeName(options.item, isFolder, isTaken);
+    std::string name = FileName::nextFree(options.item, isFolder, isTaken);
     Messages::tell(Messages::readableName(options.item)
         + ": the archive has this name already; stored as " + Messages::readableName(name));
     return name;

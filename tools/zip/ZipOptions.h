@@ -1,9 +1,9 @@
+// What one run is asked to do:  zip [-0…-9] -y -r ARCHIVE ./ITEM [-x '*/.DS_Store']
 #pragma once
 
 #include <span>
 #include <string>
 
-// What one run is asked to do:  zip [-0…-9] -y -r ARCHIVE ./ITEM [-x '*/.DS_Store']
 struct ZipOptions {
     int level = 6;
     std::string archive;

@@ -9,9 +9,9 @@
 #pragma once
 
 #include "tools/common/OutputFile.h"
-#include "tools/common/SpillBuffer.h"
 #include "tools/zip/Block.h"
 #include "tools/zip/ExistingArchive.h"
+#include "tools/zip/SpillBuffer.h"
 
 #include <cstdint>
 #include <functional>

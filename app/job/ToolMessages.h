@@ -1,0 +1,40 @@
+// Keeps what the tools of a job said besides their progress, as lines to be shown when the job has
+// ended. Memory is bounded: a line has its longest, and after a number of lines the rest are only
+// counted.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+class ToolMessages
+{
+public:
+    // The tool's name for the messages about it.
+    explicit ToolMessages(std::string tool);
+
+    // Output of the running tool, in pieces of any kind.
+    void addOutput(std::string_view bytes);
+
+    // The running tool has ended, and with it its last line.
+    void taskCompleted(int status);
+
+    // A line that comes from no tool.
+    void add(const std::string& line);
+
+    // "zip ended with status 18: warning: a: Permission denied", "zip: ..." for words of a tool
+    // that ended well; at last how many lines are missing here.
+    [[nodiscard]] std::vector<std::string> lines() const;
+
+    // Whether a byte could do something to a terminal besides being shown.
+    static bool isControl(char byte);
+
+private:
+    void _endLine();
+
+    std::string _tool;
+    std::string _line; // not yet ended
+    std::vector<std::string> _words; // of the running tool
+    std::vector<std::string> _kept;
+    std::size_t _left = 0; // lines not kept
+};

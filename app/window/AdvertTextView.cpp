@@ -1,0 +1,144 @@
+#include "app/window/AdvertTextView.h"
+
+#include "platform/desktop/services/Workspace.h"
+#include "shared/Library/Extras/QKWebsite.h"
+
+#include <QMouseEvent>
+#include <QTextCursor>
+#include <QWindow>
+
+#include <map>
+
+namespace
+{
+
+// What stands where the blurb would be.
+constexpr auto missingObject = QLatin1String("(null)");
+
+} // namespace
+
+AdvertTextView::AdvertTextView(QWidget* parent)
+    : QTextBrowser(parent)
+{
+    setOpenLinks(false);
+    setFrameShape(QFrame::NoFrame);
+    setLineWrapMode(QTextEdit::NoWrap);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    setFocusPolicy(Qt::TabFocus);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(0);
+    setAccessibleName(tr("About the maker's products"));
+    _attributes.setForeground(Qt::black);
+    _attributes.setFontUnderline(false);
+    connect(this, &QTextBrowser::anchorClicked, this,
+        [](const QUrl& address) { Workspace::sharedWorkspace().openURL(address); });
+}
+
+void AdvertTextView::setTextAttributes(const QTextCharFormat& attributes)
+{
+    _attributes = attributes;
+    viewport()->update();
+}
+
+void AdvertTextView::setShortVersion(bool flag)
+{
+    _shortVersion = flag;
+    viewport()->update();
+}
+
+void AdvertTextView::setProductId(std::int32_t productId)
+{
+    setProductName(QKWebsite::productNameForProductId(productId),
+        QKWebsite::productDirForProductId(productId), _blurpForProductId(productId));
+    _productId = productId;
+    viewport()->update();
+}
+
+void AdvertTextView::setProductName(const std::optional<QString>& name,
+    const std::optional<QString>& directory, const std::optional<QString>& blurp)
+{
+    clear();
+    QTextCursor line(document());
+    if (!_shortVersion)
+        line.insertText(tr("Brought to you by "), _attributes);
+    if (const auto link = _linkStringForProductName(name, directory))
+        line.insertFragment(*link);
+    line.insertText(QLatin1String(" - ") + blurp.value_or(missingObject), _attributes);
+    QTextBlockFormat centred;
+    centred.setAlignment(Qt::AlignCenter);
+    line.setBlockFormat(centred); // last: a fragment at the beginning brings its own
+}
+
+std::optional<QTextDocumentFragment> AdvertTextView::_linkStringForProductName(
+    const std::optional<QString>& productName, const std::optional<QString>& directory) const
+{
+    const QUrl address(
+        QLatin1String(PARCELO_SITE) + directory.value_or(missingObject) + QLatin1Char('/'),
+        QUrl::StrictMode);
+    if (!address.isValid())
+        return std::nullopt;
+    QTextCharFormat link = _attributes;
+    link.setAnchor(true);
+    link.setAnchorHref(address.toString());
+    link.setForeground(Qt::white);
+    link.setFontUnderline(false);
+    QTextDocument text;
+    QTextCursor(&text).insertText(productName.value_or(missingObject), link);
+    return QTextDocumentFragment(&text);
+}
+
+std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId)
+{
+    static const std::map<std::int32_t, QString> blurps{
+        {0, tr("Puts your downloads folder in order")},
+        {1, tr("Notes that you find again")},
+        {2, tr("Frames and resizes pictures in one go")},
+        {3, tr("Sends large files without the fuss")},
+        {4, tr("A calm timer for busy days")},
+        {20, tr("Weaves your pages into one document")},
+        {21, tr("Draws charts from plain tables")},
+        {22, tr("Free and easy zip utility")},
+        {40, tr("Ready for Ridgeline: everything at half price")},
+    };
+    const auto found = blurps.find(productId);
+    return found == blurps.end() ? std::nullopt : std::optional(found->second);
+}
+
+QSize AdvertTextView::sizeHint() const
+{
+    return {fontMetrics().averageCharWidth() * 40, fontMetrics().height() + 2};
+}
+
+QSize AdvertTextView::minimumSizeHint() const
+{
+    return {0, sizeHint().height()};
+}
+
+void AdvertTextView::mousePressEvent(QMouseEvent* event)
+{
+    const bool isOnLink = !anchorAt(event->pos()).isEmpty();
+    if (!isOnLink && event->button() == Qt::LeftButton && window()->windowHandle() != nullptr)
+        window()->windowHandle()->startSystemMove();
+    else
+        QTextBrowser::mousePressEvent(event);
+}
+
+// Straight to the link: the text around it would be a stop of its own, at which nothing can be
+// done.
+void AdvertTextView::focusInEvent(QFocusEvent* event)
+{
+    QTextBrowser::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        QTextBrowser::focusNextPrevChild(event->reason() == Qt::TabFocusReason);
+}
+
+// The one link has the focus already.
+bool AdvertTextView::focusNextPrevChild(bool next)
+{
+    return QTextEdit::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
+}

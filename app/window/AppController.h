@@ -1,0 +1,264 @@
+// The program's centre: owns what lives as long as the program, and answers to the main window, its
+// menus, the drop box and the desktop. One object, on the main thread, except where a comment says
+// otherwise. Its source is split by theme, as this header is grouped.
+#pragma once
+
+#include "app/window/BackgroundWork.h"
+#include "platform/desktop/panels/PopUpButton.h"
+#include "shared/Library/Archiver/Archiver.h"
+#include "system/FileDescriptor.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QStringList>
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+class AboutController;
+class AdvertTextView;
+class DropView;
+class PreferenceController;
+class QDialog;
+class QKWindow;
+class QLabel;
+class QMenuBar;
+class QProgressBar;
+class SavePanel;
+class SUUpdater;
+
+enum DestinationTag : std::int32_t {
+    DestinationTagSameAsSource = 0, // the folder that holds the first dropped item
+    DestinationTagEmail = 1, // a new mail message
+    DestinationTagFirstFolder = 2, // and upward: the remembered folders in their order
+};
+
+class AppController : public QObject, public MenuItemValidation
+{
+    Q_OBJECT
+    Q_PROPERTY(QString appName READ appName CONSTANT)
+    Q_PROPERTY(QString bundleIdentifier READ bundleIdentifier CONSTANT)
+    Q_PROPERTY(int runCount READ runCount CONSTANT)
+    Q_PROPERTY(QString tmpdir READ _tmpdirText CONSTANT)
+    Q_PROPERTY(QString appSupportPath READ _appSupportPathText CONSTANT)
+    Q_PROPERTY(QString filename READ filename WRITE setFilename NOTIFY filenameChanged)
+    Q_PROPERTY(bool filenameIsValid READ filenameIsValid NOTIFY filenameChanged)
+    Q_PROPERTY(QString destinationDirectory READ _destinationDirectoryText)
+    Q_PROPERTY(QString previewText READ previewText NOTIFY previewTextChanged)
+    Q_PROPERTY(int selectedDestination READ selectedDestination WRITE setSelectedDestination NOTIFY
+            selectedDestinationChanged)
+    Q_PROPERTY(bool acceptsFiles READ acceptsFiles NOTIFY acceptsFilesChanged)
+    Q_PROPERTY(int archiveType READ archiveType WRITE setArchiveType NOTIFY archiveTypeChanged)
+
+public:
+    using Path = std::filesystem::path;
+
+    // What the interface files hold and the controller works with; all borrowed.
+    struct Interface {
+        QMenuBar* mainMenu = nullptr;
+        QKWindow* mainWindow = nullptr;
+        PopUpButton* destinationPop = nullptr;
+        AdvertTextView* advertTextView = nullptr;
+        QDialog* emailWindow = nullptr; // asks for the name of an archive to be mailed
+        QWidget* accessoryView = nullptr; // of the save panel
+        QDialog* progressWindow = nullptr;
+        QProgressBar* progress = nullptr;
+        QLabel* statusTF = nullptr;
+        DropView* saveDropView = nullptr;
+    };
+    enum class TerminateReply { now };
+
+    // --- Settings, start-up and shut-down (AppController.cpp) ---
+
+    AppController();
+    ~AppController() override;
+
+    // In this order, once: the interface has been loaded; documents given at launch arrive after
+    // it; launching has ended.
+    void awakeFromNib(const Interface& interface);
+    void applicationDidFinishLaunching();
+
+    // Never lets the window close: hides the program or ends it.
+    bool windowShouldClose(QObject* sender);
+
+    // Ends the program; a job that is under way ends first, and its archive is not delivered.
+    void terminate(QObject* sender);
+    TerminateReply applicationShouldTerminate();
+
+    [[nodiscard]] QKWindow* mainWindow() const { return _interface.mainWindow; }
+    [[nodiscard]] QWidget* accessoryView() const { return _interface.accessoryView; }
+    [[nodiscard]] DropView* saveDropView() const { return _interface.saveDropView; }
+
+    [[nodiscard]] static QString appName();
+    [[nodiscard]] static QString bundleIdentifier();
+
+    // The number of this start, counted from 1: the first call advances the stored count.
+    int runCount();
+    void incrementRunCount(); // a hook
+    void incrementUsageCount();
+    void migrateCheckAtStartup();
+
+    // Where archives for e-mail are made: private to the process, removed when the program ends.
+    // Any thread once it has been called.
+    const Path& tmpFolder();
+
+    // The engine's working folder, which outlives the process; nothing when it cannot be made.
+    const Path& tmpdirString();
+    std::optional<Path> tmpdir();
+    bool cleanupTmpdir();
+
+    // Where the program may keep files of its own.
+    std::optional<Path> appSupportPath();
+
+    // Resets the window's title: now, or in five seconds when no sender is given.
+    Q_INVOKABLE void clearWindowTitle(QObject* sender);
+
+    // --- The destination menu (AppControllerDestinations.cpp) ---
+
+    void setupDestinations();
+    [[nodiscard]] int selectedDestination() const;
+    void setSelectedDestination(int tag);
+
+    // The folder that a request begins with, expanded.
+    std::optional<Path> destinationDirectory();
+
+    Q_INVOKABLE void addDestination(QObject* sender);
+    void addDestinationPath(const QString& path);
+    Q_INVOKABLE void removeDestination(QObject* sender);
+    Q_INVOKABLE void dummy(QObject* /*sender*/) { } // of the blank items
+    [[nodiscard]] bool validateMenuItem(const PopUpMenuItem& item) const override;
+
+    // --- A request, from the drop to the delivered archive (AppControllerRequests.cpp) ---
+
+    // A document opened through the program's icon or named on the command line. All that arrive
+    // within 0.05 s become one archive.
+    bool applicationOpenFile(const Path& path);
+
+    // Tells that documents to be opened are not there.
+    void couldNotOpen(const std::vector<Path>& missing);
+
+    void startProcessing(QObject* sender);
+    void runSavePanelSheet(const std::optional<QString>& proposedName);
+    SavePanel& savePanel();
+
+    // Waits for the answer: the tag of the button pressed, 1 or more to go on.
+    int runEmailSheet(const std::optional<QString>& proposedName);
+    void dismissSheet(QObject* sender);
+
+    // The worker's part of a request: shows the progress sheet, makes the archive, delivers it.
+    // On a worker thread; what it does to the interface it has the main thread do.
+    void archiveToPath(const Path& path);
+
+    void composeEmailWithAttachment(const Path& path);
+    void cancel(QObject* sender);
+
+    // What the engine tells its delegate, on the worker thread.
+    void setNumberOfFiles(int count);
+    void progressBy(int lines);
+    void archiverCompletedWithStatus(int status);
+
+    // Made on first use. Any thread once it has been called.
+    Archiver& archiver();
+
+    [[nodiscard]] QString filename() const { return _filename; }
+    void setFilename(const QString& filename);
+    [[nodiscard]] bool filenameIsValid() const { return !_filename.isEmpty(); }
+    [[nodiscard]] QString previewText() const;
+    [[nodiscard]] int archiveType() const;
+    void setArchiveType(int type);
+
+    // Whether the box is open: not from the confirmation of a request until it is delivered, for
+    // its files are read from the box.
+    [[nodiscard]] bool acceptsFiles() const;
+
+    // Files without a drag: chosen in a panel, or pasted.
+    void chooseFiles(QObject* sender);
+    void chooseFolder(QObject* sender);
+    void paste(QObject* sender);
+
+    // --- Updates, prompts and links (AppControllerPrompts.cpp) ---
+
+    SUUpdater& updater();
+    void checkForUpdates(QObject* sender);
+    void checkForUpdatesInBackground();
+    void checkForUpdatesInBackgroundLastAttempt();
+
+    // Each asks at most until it is told not to. The first makes a special offer for a time.
+    void sellSendora();
+    void sellSendora(const QDateTime& now);
+    void runShareOnFacebookSheet();
+    void runRateOnAppStoreSheet();
+
+    void showHelp(QObject* sender);
+    void visitWebsite(QObject* sender); // the sender's tag chooses the page
+    void visitShop(QObject* sender);
+    void showAbout(QObject* sender);
+    void showPreference(QObject* sender);
+    void preferenceDidChange();
+    void debug(QObject* /*sender*/) { }
+
+    // Changes with time.
+    [[nodiscard]] static std::int32_t randomProductId();
+    [[nodiscard]] static std::int32_t randomProductId(double secondsSinceReferenceDate);
+
+Q_SIGNALS:
+    void terminated(); // the program may end now
+    void filenameChanged();
+    void previewTextChanged();
+    void selectedDestinationChanged();
+    void archiveTypeChanged();
+    void acceptsFilesChanged();
+
+private:
+    struct Prompt;
+
+    // Properties are texts; empty ones where there is no folder.
+    QString _tmpdirText();
+    QString _appSupportPathText();
+    QString _destinationDirectoryText();
+
+    // QKUtility::afterDelay() for a block that uses this object: it does not run without it.
+    void _afterDelay(double seconds, std::function<void()> runBlock);
+
+    void _followDestinations();
+    void _tellWhatIsLeftOut();
+    void _setAcceptsFiles(bool flag);
+    void _startArchiving(const Path& path);
+    std::optional<Path> _runArchiver(const Path& path);
+    void _deliver(const Path& archive);
+    void _fail(const std::string& reason);
+    void _chose(const std::vector<Path>& paths);
+    void _runPrompt(const Prompt& prompt);
+    void _tell(const QString& title, const QString& message);
+    void _hearDesktop();
+    void _quitWhenNothingIsTold();
+
+    Interface _interface;
+    std::unique_ptr<PreferenceController> _preferenceController;
+    std::int32_t _dockDropCount = 0; // documents opened through the icon
+    bool _shouldAutoQuit = false; // quit when the archive is done; settled at launch
+    bool _hasMailed = false; // an archive of this process: quitting would take it away
+    QString _filename; // of the archive being asked for
+
+    // Made on first use, kept for the process.
+    std::optional<Path> _tmpFolder;
+    FileDescriptor _tmpFolderHold; // the lock of the former, once it is made
+    std::optional<Path> _tmpdirString;
+    FileDescriptor _tmpdirHold; // the working folder's lock, once it is made
+    std::optional<Path> _appSupportPath;
+    std::unique_ptr<Archiver> _archiver;
+    std::unique_ptr<SUUpdater> _updater;
+    std::unique_ptr<AboutController> _aboutController;
+    SavePanel* _savePanel = nullptr; // the main window's child
+    std::int32_t _runCount = -1; // not read yet
+
+    std::atomic<bool> _isCancelled = false; // since the progress sheet is up
+    std::mutex _engineMutex; // held for the length of a job: there is one engine
+    BackgroundWork _work; // last: its threads use all of the above
+};

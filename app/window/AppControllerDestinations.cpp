@@ -1,0 +1,177 @@
+// The destination menu: beside the source, by e-mail, or one of the folders that were chosen
+// before.
+
+#include "app/window/AppController.h"
+#include "app/window/Destinations.h"
+#include "app/window/DropView.h"
+#include "platform/desktop/panels/OpenPanel.h"
+#include "platform/desktop/services/PathText.h"
+#include "platform/desktop/settings/UserDefaults.h"
+#include "shared/Library/Extras/PopUpButtonExtras.h"
+#include "shared/Library/Extras/QKWindow.h"
+#include "system/PathString.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+using PopUpButtonExtras::addItemWithTitle;
+
+namespace
+{
+
+const QString destinationsKey = QStringLiteral("Destinations");
+const QString selectedDestinationKey = QStringLiteral("SelectedDestination");
+
+QStringList storedDestinations()
+{
+    return UserDefaults::standardUserDefaults()
+        .stringArrayForKey(destinationsKey)
+        .value_or(QStringList());
+}
+
+void storeDestinations(const QStringList& folders)
+{
+    UserDefaults::standardUserDefaults().setObject(folders, destinationsKey);
+}
+
+// By position alone, which is intended: with folders in the menu the first has none and the second
+// has "3".
+void giveKeyEquivalents(PopUpButton& menu)
+{
+    constexpr int firstOfFolders = 3;
+    constexpr int fewestItems = 7;
+    constexpr int lastDigit = 9;
+    menu.setKeyEquivalentAtIndex(0, QStringLiteral("1"));
+    menu.setKeyEquivalentAtIndex(1, QStringLiteral("2"));
+    if (menu.numberOfItems() < fewestItems)
+        return;
+    const int last = std::min(menu.numberOfItems() - 4, lastDigit);
+    for (int index = firstOfFolders; index <= last; ++index)
+        menu.setKeyEquivalentAtIndex(index, QString::number(index));
+}
+
+} // namespace
+
+void AppController::setupDestinations()
+{
+    const QStringList folders
+        = Destinations::removeDuplicatesAndAbbreviateWithTilde(storedDestinations());
+    storeDestinations(folders);
+
+    PopUpButton& menu = *_interface.destinationPop;
+    const bool keepsFirst = menu.numberOfItems() > 0 && menu.itemAtIndex(0).submenu != nullptr;
+    while (menu.numberOfItems() > (keepsFirst ? 1 : 0))
+        menu.removeItemAtIndex(menu.numberOfItems() - 1);
+
+    addItemWithTitle(menu, tr("Same as source"), DestinationTagSameAsSource);
+    addItemWithTitle(menu, tr("Email"), DestinationTagEmail);
+    addItemWithTitle(menu, QString(), this, "dummy");
+    int tag = DestinationTagFirstFolder;
+    for (const QString& folder : folders)
+        addItemWithTitle(menu, Destinations::abbreviatedWithTilde(folder), tag++);
+    if (!folders.isEmpty())
+        addItemWithTitle(menu, QString(), this, "dummy"); // takes the place of the first blank
+    addItemWithTitle(menu, tr("Remove Selected Entry"), this, "removeDestination");
+    addItemWithTitle(menu, tr("Choose a Folder ..."), this, "addDestination");
+
+    menu.selectItemWithTag(selectedDestination());
+    menu.sizeToFit();
+    giveKeyEquivalents(menu);
+}
+
+// Whoever changes the settings, be it another program of ours: the menu shows what they hold.
+void AppController::_followDestinations()
+{
+    connect(&UserDefaults::standardUserDefaults(), &UserDefaults::didChange, this,
+        [this](const QString& key) {
+            if (key == destinationsKey) {
+                setupDestinations();
+            } else if (key == selectedDestinationKey) {
+                Q_EMIT selectedDestinationChanged();
+                Q_EMIT previewTextChanged();
+            }
+        });
+}
+
+// A tag left by a longer list falls back to the source's folder; a negative one stays as it is.
+int AppController::selectedDestination() const
+{
+    const auto tag = static_cast<std::int32_t>(
+        UserDefaults::standardUserDefaults().integerForKey(selectedDestinationKey));
+    const auto count = static_cast<int>(storedDestinations().size());
+    return tag < count + DestinationTagFirstFolder ? tag : int{DestinationTagSameAsSource};
+}
+
+void AppController::setSelectedDestination(int tag)
+{
+    UserDefaults::standardUserDefaults().setInteger(tag, selectedDestinationKey);
+}
+
+std::optional<AppController::Path> AppController::destinationDirectory()
+{
+    std::optional<Path> folder;
+    switch (const int tag = selectedDestination()) {
+    case DestinationTagEmail:
+        folder = tmpFolder();
+        break;
+    case DestinationTagSameAsSource:
+        folder = _interface.saveDropView->folder();
+        break;
+    default:
+        if (tag >= DestinationTagFirstFolder)
+            folder = PathText::pathOf(storedDestinations().value(tag - DestinationTagFirstFolder));
+    }
+    if (folder)
+        folder = PathString::stringByExpandingTildeInPath(folder->native());
+    return folder;
+}
+
+QString AppController::_destinationDirectoryText()
+{
+    return PathText::textOf(destinationDirectory().value_or(Path()));
+}
+
+void AppController::addDestination(QObject* /*sender*/)
+{
+    OpenPanel::beginForFolder(
+        _interface.mainWindow, PathText::pathOf(QDir::homePath()), [this](const auto& paths) {
+            if (paths.empty()) {
+                _interface.destinationPop->selectItemWithTag(selectedDestination());
+                return;
+            }
+            _afterDelay(
+                0, [this, path = PathText::textOf(paths.front())] { addDestinationPath(path); });
+        });
+}
+
+// A folder that is in the list already moves to its top: the menu, which follows what is stored,
+// takes the second mention out.
+void AppController::addDestinationPath(const QString& path)
+{
+    UserDefaults::standardUserDefaults().synchronize(); // another program may have added one
+    QStringList folders = storedDestinations();
+    folders.prepend(Destinations::abbreviatedWithTilde(path));
+    storeDestinations(folders);
+    setSelectedDestination(DestinationTagFirstFolder);
+}
+
+void AppController::removeDestination(QObject* /*sender*/)
+{
+    const int index = selectedDestination() - DestinationTagFirstFolder;
+    if (index < 0 || index >= storedDestinations().size())
+        return;
+    const QString folder = storedDestinations().at(index);
+    UserDefaults::standardUserDefaults().synchronize(); // another program may have moved it
+    QStringList folders = storedDestinations();
+    folders.removeOne(folder);
+    storeDestinations(folders);
+    setSelectedDestination(DestinationTagSameAsSource);
+}
+
+bool AppController::validateMenuItem(const PopUpMenuItem& item) const
+{
+    if (item.action == "removeDestination") // a negative tag counts as a large one
+        return static_cast<std::uint32_t>(selectedDestination()) > DestinationTagEmail;
+    return !item.title.isEmpty();
+}

@@ -1,0 +1,15 @@
+// The list of remembered destination folders as it is stored.
+#pragma once
+
+#include <QStringList>
+
+namespace Destinations
+{
+
+// "~" in place of the home folder that a path begins with.
+[[nodiscard]] QString abbreviatedWithTilde(const QString& path);
+
+// Each folder abbreviated, the first of equal ones, no empty ones; the order is kept.
+[[nodiscard]] QStringList removeDuplicatesAndAbbreviateWithTilde(const QStringList& paths);
+
+} // namespace Destinations

@@ -1,0 +1,96 @@
+#include "app/window/MainInterface.h"
+
+#include "app/window/AppController.h"
+#include "app/window/ArchiveNameValidator.h"
+#include "platform/desktop/settings/Bindings.h"
+#include "shared/Library/Archiver/Archiver.h"
+#include "ui_AccessoryView.h"
+#include "ui_EmailWindow.h"
+#include "ui_MainWindow.h"
+#include "ui_ProgressWindow.h"
+
+namespace
+{
+
+void connectMenus(const Ui::MainWindow& form, AppController& controller, QKWindow& window)
+{
+    using Action = void (AppController::*)(QObject*);
+    const std::pair<QAction*, Action> actions[] = {
+        {form.chooseFiles, &AppController::chooseFiles},
+        {form.chooseFolder, &AppController::chooseFolder},
+        {form.terminate, &AppController::terminate},
+        {form.debug, &AppController::debug},
+        {form.paste, &AppController::paste},
+        {form.showPreference, &AppController::showPreference},
+        {form.showHelp, &AppController::showHelp},
+        {form.visitHomePage, &AppController::visitWebsite},
+        {form.visitForum, &AppController::visitWebsite},
+        {form.visitSharePage, &AppController::visitWebsite},
+        {form.visitCommentPage, &AppController::visitWebsite},
+        {form.visitShop, &AppController::visitShop},
+        {form.checkForUpdates, &AppController::checkForUpdates},
+        {form.showAbout, &AppController::showAbout},
+    };
+    for (const auto& [item, action] : actions)
+        QObject::connect(item, &QAction::triggered, &controller,
+            [item = item, action = action, &controller] { (controller.*action)(item); });
+    QObject::connect(form.performClose, &QAction::triggered, &window, &QWidget::close);
+    QObject::connect(
+        form.performMiniaturize, &QAction::triggered, &window, &QWidget::showMinimized);
+    QObject::connect(form.performZoom, &QAction::triggered, &window,
+        [&window, item = form.performZoom] { window.zoom(item); });
+}
+
+} // namespace
+
+MainInterface::MainInterface(AppController& controller)
+    : _emailWindow(new QDialog(&_window))
+    , _progressWindow(new ProgressSheet(&_window))
+    , _accessoryView(new QWidget(&_window))
+{
+    Ui::MainWindow window;
+    window.setupUi(&_window);
+    Ui::EmailWindow email;
+    email.setupUi(_emailWindow);
+    email.nameField->setValidator(new ArchiveNameValidator(_emailWindow));
+    Ui::ProgressWindow progress;
+    progress.setupUi(_progressWindow);
+    Ui::AccessoryView accessory;
+    accessory.setupUi(_accessoryView);
+    _accessoryView->hide(); // until the panel takes it in
+    accessory.typePop->addItem(
+        QCoreApplication::translate("AccessoryView", "Zip"), int{ArchiveTypePlainZip});
+    accessory.typePop->addItem(
+        QCoreApplication::translate("AccessoryView", "Zip with extended attributes"),
+        int{ArchiveTypeMacZip});
+
+    connectMenus(window, controller, _window);
+    _window.setDelegate({.windowShouldClose
+        = [&controller](QObject* sender) { return controller.windowShouldClose(sender); }});
+    window.saveDropView->setAppController(&controller);
+    QObject::connect(window.saveDropView, &DropView::clicked, &controller,
+        [&controller, box = window.saveDropView] { controller.chooseFiles(box); });
+    for (QPushButton* button : {email.confirmButton, email.cancelButton})
+        QObject::connect(button, &QPushButton::clicked, &controller,
+            [&controller, button] { controller.dismissSheet(button); });
+    QObject::connect(progress.cancelButton, &QPushButton::clicked, &controller,
+        [&controller, button = progress.cancelButton] { controller.cancel(button); });
+    QObject::connect(_progressWindow, &ProgressSheet::cancelled, &controller,
+        [&controller, sheet = _progressWindow] { controller.cancel(sheet); });
+
+    controller.awakeFromNib({.mainMenu = window.mainMenu,
+        .mainWindow = &_window,
+        .destinationPop = window.destinationPop,
+        .advertTextView = window.advertTextView,
+        .emailWindow = _emailWindow,
+        .accessoryView = _accessoryView,
+        .progressWindow = _progressWindow,
+        .progress = progress.progress,
+        .statusTF = progress.statusTF,
+        .saveDropView = window.saveDropView});
+    for (QWidget* form :
+        {static_cast<QWidget*>(&_window), static_cast<QWidget*>(_emailWindow), _accessoryView})
+        Bindings::bindAll(form, &controller);
+}
+
+MainInterface::~MainInterface() = default;

@@ -1,0 +1,27 @@
+// The sheet of the progress bar. Escape does not close it: it asks for a cancel, and the sheet goes
+// when the job has ended.
+#pragma once
+
+#include <QDialog>
+
+class ProgressSheet : public QDialog
+{
+    Q_OBJECT
+
+public:
+    using QDialog::QDialog;
+
+    void reject() override { Q_EMIT cancelled(); }
+
+protected:
+    // It comes up by itself: keys meant for what was there before must not press Cancel.
+    void showEvent(QShowEvent* event) override
+    {
+        QDialog::showEvent(event);
+        setFocusPolicy(Qt::ClickFocus);
+        setFocus();
+    }
+
+Q_SIGNALS:
+    void cancelled();
+};

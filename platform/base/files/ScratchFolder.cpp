@@ -1,0 +1,95 @@
+#include "platform/base/files/ScratchFolder.h"
+
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/files/FileTree.h"
+#include "platform/base/files/SearchPaths.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+using FileStatus = struct stat; // a name of its own, beside the function
+
+const std::string prefix = std::string(Bundle::bundleIdentifier) + "-";
+
+FileDescriptor openFolder(const fs::path& path)
+{
+    return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+bool lock(const FileDescriptor& folder)
+{
+    return ::flock(folder.number(), LOCK_EX | LOCK_NB) == 0;
+}
+
+bool isOurs(const FileDescriptor& folder)
+{
+    FileStatus status{};
+    return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid();
+}
+
+// Whether the locked folder is still there under its path.
+bool isAt(const fs::path& path, const FileDescriptor& locked)
+{
+    FileStatus there{};
+    FileStatus ours{};
+    return ::lstat(path.c_str(), &there) == 0 && ::fstat(locked.number(), &ours) == 0
+        && there.st_dev == ours.st_dev && there.st_ino == ours.st_ino;
+}
+
+} // namespace
+
+ScratchFolder::ScratchFolder()
+{
+    const fs::path parent = SearchPaths::temporaryDirectory();
+    removeStaleFolders(parent);
+
+    // Between the making and the locking another process may take the folder for a stale one and
+    // remove it: then a new one is made. Where nothing can be locked, nothing is removed either.
+    do {
+        std::string name = parent / (prefix + std::to_string(::getpid()) + "-XXXXXX");
+        const bool made = ::mkdtemp(name.data()) != nullptr;
+        _lock = made ? openFolder(name) : FileDescriptor();
+        if (!_lock && (!made || errno != ENOENT))
+            throw ScratchFolderFailure(
+                "cannot make a working folder in " + parent.native() + ": " + std::strerror(errno));
+        _path = name;
+    } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || !isAt(_path, _lock));
+}
+
+void ScratchFolder::removeStaleFolders(const fs::path& parent)
+{
+    std::error_code unreadable; // then there is nothing to tidy up
+    fs::directory_iterator entry(parent, unreadable);
+    while (!unreadable && entry != fs::directory_iterator()) {
+        const fs::path path = entry->path();
+        entry.increment(unreadable);
+        if (path.filename().native().rfind(prefix, 0) != 0)
+            continue;
+        const FileDescriptor folder = openFolder(path);
+        if (folder && isOurs(folder) && lock(folder))
+            (void)FileTree::remove(path, FileTree::Permissions::overridden);
+    }
+}
+
+FileDescriptor ScratchFolder::hold(const fs::path& folder)
+{
+    FileDescriptor held = openFolder(folder);
+    if (held && (!isOurs(held) || !lock(held)))
+        held = FileDescriptor();
+    return held;
+}
+
+ScratchFolder::~ScratchFolder()
+{
+    (void)FileTree::remove(_path, FileTree::Permissions::overridden);
+}

@@ -1,0 +1,39 @@
+// A private folder below the temporary directory, which lives as long as this object and goes with
+// everything in it. It is locked for that time: a folder of ours that nobody has locked belonged to
+// a process that was killed, and the next one made removes it.
+#pragma once
+
+#include "system/FileDescriptor.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+// "cannot make a working folder in X: reason".
+class ScratchFolderFailure : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class ScratchFolder
+{
+public:
+    // Throws ScratchFolderFailure.
+    ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ~ScratchFolder();
+
+    [[nodiscard]] const std::filesystem::path& path() const { return _path; }
+
+    // Locks another private folder in the same way, as long as the descriptor is open. None when
+    // the folder is not there, is not this user's, or another process holds it.
+    [[nodiscard]] static FileDescriptor hold(const std::filesystem::path& folder);
+
+    // Removes the folders of ours in there that nobody holds.
+    static void removeStaleFolders(const std::filesystem::path& parent);
+
+private:
+    std::filesystem::path _path;
+    FileDescriptor _lock; // never inherited by a child, which would prolong it
+};

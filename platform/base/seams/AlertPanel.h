@@ -1,0 +1,28 @@
+// The alert seam: a modal message with up to three buttons. How it looks is the program's choice.
+// Main thread only.
+#pragma once
+
+#include <functional>
+#include <string>
+
+class AlertPanel
+{
+public:
+    struct Alert {
+        std::string title = {};
+        std::string message = {};
+        std::string defaultButton = {};
+        std::string alternateButton = {}; // an empty title: no such button
+        std::string otherButton = {};
+    };
+    enum Answer : int { answerOther = -1, answerAlternate = 0, answerDefault = 1 };
+    using Presenter = std::function<int(const Alert&)>;
+
+    static void setPresenter(Presenter presenter);
+
+    // The pressed button's Answer; without a presenter nobody is asked and the default is taken.
+    static int runAlertPanel(const Alert& alert);
+
+private:
+    static Presenter& _presenter();
+};

@@ -1,0 +1,22 @@
+// The desktop's own panel for choosing what is there already, as a sheet on a window. It returns at
+// once; the handler is called once, with nothing when the user cancels.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+class QWidget;
+
+namespace OpenPanel
+{
+
+using CompletionHandler = std::function<void(const std::vector<std::filesystem::path>& paths)>;
+
+void beginForFiles(QWidget* window, CompletionHandler completionHandler);
+
+// One folder; new ones can be made in the panel.
+void beginForFolder(
+    QWidget* window, const std::filesystem::path& startingIn, CompletionHandler completionHandler);
+
+} // namespace OpenPanel

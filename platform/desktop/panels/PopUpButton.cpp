@@ -1,0 +1,215 @@
+#include "platform/desktop/panels/PopUpButton.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
+
+#include <algorithm>
+
+namespace
+{
+
+// Wide enough for most folders' paths, narrow enough for the window.
+constexpr int widestInCharacters = 48;
+constexpr int narrowestInCharacters = 12;
+
+QString withoutMnemonic(QString title)
+{
+    return title.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
+
+PopUpButton::PopUpButton(QWidget* parent)
+    : QPushButton(parent)
+    , _group(new QActionGroup(this))
+{
+    setMenu(new QMenu(this));
+    setFocusPolicy(Qt::StrongFocus);
+    connect(menu(), &QMenu::aboutToShow, this, [this] {
+        _validate();
+        menu()->setMinimumWidth(width());
+        if (_selected >= 0)
+            menu()->setActiveAction(_rows[_selected].action);
+    });
+}
+
+PopUpButton::~PopUpButton() = default;
+
+void PopUpButton::addItemWithTitle(const QString& title)
+{
+    const auto same
+        = std::ranges::find(_rows, title, [](const Row& row) { return row.item.title; });
+    if (same != _rows.end())
+        _removeRow(static_cast<int>(same - _rows.begin()));
+
+    auto* action = new QAction(withoutMnemonic(title), this);
+    connect(action, &QAction::triggered, this, [this, action] { _choose(action); });
+    action->setActionGroup(_group);
+    menu()->addAction(action);
+    addAction(action);
+    _rows.push_back({.item = {.title = title}, .action = action});
+    if (_selected < 0)
+        selectItemAtIndex(0);
+}
+
+void PopUpButton::removeItemAtIndex(int index)
+{
+    _removeRow(index);
+}
+
+void PopUpButton::_removeRow(int index)
+{
+    // Deleted later: it may be the very action that leads here.
+    QAction* action = _rows[index].action;
+    menu()->removeAction(action);
+    removeAction(action);
+    action->deleteLater();
+    _rows.erase(_rows.begin() + index);
+    if (index == _selected)
+        _selected = _rows.empty() ? -1 : 0;
+    else if (index < _selected)
+        --_selected;
+    update();
+}
+
+PopUpMenuItem PopUpButton::itemAtIndex(int index) const
+{
+    return _rows.at(index).item;
+}
+
+bool PopUpButton::isItemEnabledAtIndex(int index) const
+{
+    return _isEnabled(_rows.at(index).item);
+}
+
+void PopUpButton::setItemAtIndex(int index, const PopUpMenuItem& item)
+{
+    Row& row = _rows.at(index);
+    const QString title = row.item.title;
+    row.item = item;
+    row.item.title = title;
+    row.action->setMenu(item.submenu);
+    setKeyEquivalentAtIndex(index, item.keyEquivalent);
+}
+
+void PopUpButton::setKeyEquivalentAtIndex(int index, const QString& keyEquivalent)
+{
+    Row& row = _rows.at(index);
+    row.item.keyEquivalent = keyEquivalent;
+    row.action->setShortcut(keyEquivalent.isEmpty()
+            ? QKeySequence()
+            : QKeySequence(QLatin1String("Ctrl+") + keyEquivalent));
+}
+
+int PopUpButton::selectedTag() const
+{
+    return _selected < 0 ? -1 : _rows[_selected].item.tag;
+}
+
+void PopUpButton::selectItemWithTag(int tag)
+{
+    const auto found = std::ranges::find(_rows, tag, [](const Row& row) { return row.item.tag; });
+    if (found != _rows.end())
+        selectItemAtIndex(static_cast<int>(found - _rows.begin()));
+}
+
+void PopUpButton::selectItemAtIndex(int index)
+{
+    _selected = index;
+    setAccessibleDescription(_rows.at(index).item.title);
+    update();
+}
+
+void PopUpButton::_choose(const QAction* action)
+{
+    const auto found = std::ranges::find(_rows, action, [](const Row& row) { return row.action; });
+    if (found == _rows.end() || !_isEnabled(found->item))
+        return;
+    if (found->item.action.isEmpty()) {
+        selectItemAtIndex(static_cast<int>(found - _rows.begin()));
+        Q_EMIT selectedTagChanged(selectedTag());
+        return;
+    }
+    const QByteArray method = found->item.action; // the row may go with what it does
+    [[maybe_unused]] const bool isInvoked
+        = QMetaObject::invokeMethod(found->item.target, method.constData(), Q_ARG(QObject*, this));
+    Q_ASSERT_X(isInvoked, "the target has no action", method.constData());
+}
+
+bool PopUpButton::_isEnabled(const PopUpMenuItem& item) const
+{
+    const auto* validation = dynamic_cast<const MenuItemValidation*>(item.target);
+    return !_autoenablesItems || validation == nullptr || validation->validateMenuItem(item);
+}
+
+void PopUpButton::_validate()
+{
+    for (const Row& row : _rows) {
+        row.action->setEnabled(_isEnabled(row.item));
+        row.action->setCheckable(row.item.action.isEmpty() && row.item.submenu == nullptr);
+        row.action->setChecked(_selected >= 0 && row.action == _rows[_selected].action);
+    }
+}
+
+void PopUpButton::sizeToFit()
+{
+    updateGeometry();
+    adjustSize();
+}
+
+QSize PopUpButton::sizeHint() const
+{
+    const int unit = fontMetrics().averageCharWidth();
+    int width = narrowestInCharacters * unit;
+    for (const Row& row : _rows)
+        width = std::max(width, fontMetrics().horizontalAdvance(row.item.title));
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    const QSize contents(std::min(width, widestInCharacters * unit), fontMetrics().height());
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
+}
+
+QSize PopUpButton::minimumSizeHint() const
+{
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    const QSize contents(
+        narrowestInCharacters * fontMetrics().averageCharWidth(), fontMetrics().height());
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
+}
+
+void PopUpButton::paintEvent(QPaintEvent* /*event*/)
+{
+    QStylePainter painter(this);
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    option.subControls = QStyle::SC_All;
+    option.frame = true;
+    if (isDown())
+        option.state |= QStyle::State_Sunken;
+    const QString title = _selected < 0 ? QString() : _rows[_selected].item.title;
+    const QRect text
+        = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    // The end of a path tells most.
+    option.currentText = fontMetrics().elidedText(title, Qt::ElideMiddle, text.width());
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
+void PopUpButton::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        showMenu();
+        break;
+    default:
+        QPushButton::keyPressEvent(event);
+    }
+}

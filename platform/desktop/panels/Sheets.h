@@ -1,0 +1,21 @@
+// Sheets: dialogs that belong to one window and keep it from input while they are up.
+#pragma once
+
+class QDialog;
+class QWidget;
+
+namespace Sheets
+{
+
+// Shows the dialog as a sheet on the window and returns at once. The sheet becomes the window's
+// child, but stays the caller's to delete.
+void begin(QDialog* sheet, QWidget* onWindow);
+
+// The same, then serves events until the sheet is done; the result is what done() was given, 0 when
+// the sheet was dismissed with Escape or the program ends.
+int runModal(QDialog* sheet, QWidget* onWindow);
+
+// The sheet that is up on the window; nothing when there is none.
+[[nodiscard]] QDialog* attachedSheet(const QWidget* window);
+
+} // namespace Sheets

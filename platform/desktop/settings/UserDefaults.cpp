@@ -1,0 +1,264 @@
+// QSettings locks the file, merges what other processes have written, and replaces it at once. But
+// in an INI file it turns an empty list to an invalid value and a list of one to its element. So a
+// list is stored with a "[" in front and a "]" behind: it never has fewer than two elements, and no
+// text is mistaken for it.
+
+#include "platform/desktop/settings/UserDefaults.h"
+
+#include "platform/base/bundle/TextNumber.h"
+#include "platform/desktop/services/PathText.h"
+
+#include <QEvent>
+#include <QLocale>
+#include <QMutexLocker>
+#include <QSettings>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+const QString listStart = QStringLiteral("[");
+const QString listEnd = QStringLiteral("]");
+
+// Does not write by itself when the event loop gets to it, which could be while another thread
+// reads: we call sync().
+class SettingsFile : public QSettings
+{
+public:
+    using QSettings::QSettings;
+
+protected:
+    bool event(QEvent* event) override
+    {
+        return event->type() == QEvent::UpdateRequest || QSettings::event(event);
+    }
+};
+
+bool isList(const QVariant& object)
+{
+    return object.typeId() == QMetaType::QVariantList || object.typeId() == QMetaType::QStringList;
+}
+
+bool isNumber(const QVariant& object)
+{
+    switch (object.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isReal(const QVariant& object)
+{
+    return object.typeId() == QMetaType::Double || object.typeId() == QMetaType::Float;
+}
+
+bool isBoolOrNumber(const QVariant& object)
+{
+    return object.typeId() == QMetaType::Bool || isNumber(object);
+}
+
+// Exact, with a point in every language.
+QString textOf(const QVariant& scalar)
+{
+    return isReal(scalar) ? QString::number(scalar.toDouble(), 'g', QLocale::FloatingPointShortest)
+                          : scalar.toString();
+}
+
+QVariant storedForm(const QVariant& object)
+{
+    if (isBoolOrNumber(object))
+        return textOf(object);
+    if (!isList(object))
+        return object;
+    QStringList list{listStart};
+    for (const QVariant& element : object.toList())
+        list.append(textOf(element));
+    return list << listEnd;
+}
+
+QVariant objectOfStoredForm(const QVariant& stored)
+{
+    if (!isList(stored))
+        return stored;
+    QVariantList list = stored.toList();
+    if (list.size() < 2 || list.first() != listStart || list.last() != listEnd)
+        return list; // written by hand
+    return list.mid(1, list.size() - 2);
+}
+
+std::unique_ptr<UserDefaults>& standard()
+{
+    static std::unique_ptr<UserDefaults> defaults;
+    return defaults;
+}
+
+} // namespace
+
+UserDefaults::UserDefaults(fs::path file)
+    : _path(std::move(file))
+    , _file(std::make_unique<SettingsFile>(PathText::textOf(_path), QSettings::IniFormat))
+{
+}
+
+UserDefaults::~UserDefaults() = default;
+
+UserDefaults& UserDefaults::standardUserDefaults()
+{
+    static QMutex making; // of the one object, when several threads ask for it first
+    const QMutexLocker lock(&making);
+    if (!standard()) {
+        const QString folder
+            = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+        standard()
+            = std::make_unique<UserDefaults>(PathText::pathOf(folder) / "parcelo" / "parcelo.conf");
+    }
+    return *standard();
+}
+
+void UserDefaults::setStandardUserDefaults(std::unique_ptr<UserDefaults> defaults)
+{
+    standard() = std::move(defaults);
+}
+
+QVariantMap UserDefaults::_objects() const
+{
+    QVariantMap objects = _fallbacks;
+    for (const QString& key : _file->allKeys())
+        if (!key.isEmpty()) // only a broken file has such
+            objects.insert(key, _objectForKey(key));
+    return objects;
+}
+
+// Makes a change while the mutex is locked, and then tells which keys read differently.
+template <typename Change> void UserDefaults::_change(Change change)
+{
+    QMutexLocker lock(&_mutex);
+    const QVariantMap before = _objects();
+    change();
+    const QVariantMap after = _objects();
+    lock.unlock();
+
+    QVariantMap either = before;
+    either.insert(after);
+    for (const QString& key : either.keys())
+        if (before.value(key) != after.value(key))
+            Q_EMIT didChange(key);
+}
+
+void UserDefaults::_write()
+{
+    std::error_code unmakeable; // then QSettings cannot write either
+    fs::create_directories(_path.parent_path().parent_path(), unmakeable);
+    ::mkdir(_path.parent_path().c_str(), S_IRWXU);
+    _file->sync();
+}
+
+void UserDefaults::registerDefaults(const QVariantMap& fallbacks)
+{
+    _change([&] { _fallbacks.insert(fallbacks); });
+}
+
+QVariant UserDefaults::_objectForKey(const QString& key) const
+{
+    const QVariant stored = _file->value(key);
+    return stored.isValid() ? objectOfStoredForm(stored) : _fallbacks.value(key);
+}
+
+QVariant UserDefaults::objectForKey(const QString& key) const
+{
+    const QMutexLocker lock(&_mutex);
+    return _objectForKey(key);
+}
+
+std::optional<QString> UserDefaults::stringForKey(const QString& key) const
+{
+    const QVariant object = objectForKey(key);
+    const bool hasText = object.typeId() == QMetaType::QString || isBoolOrNumber(object);
+    return hasText ? std::optional(textOf(object)) : std::nullopt;
+}
+
+bool UserDefaults::boolForKey(const QString& key) const
+{
+    const QVariant object = objectForKey(key);
+    if (object.typeId() == QMetaType::QString)
+        return TextNumber::boolValue(object.toString().toStdString());
+    return isBoolOrNumber(object) && object.toBool();
+}
+
+qint64 UserDefaults::integerForKey(const QString& key) const
+{
+    const QVariant object = objectForKey(key);
+    if (object.typeId() == QMetaType::QString) {
+        const std::string text = object.toString().toStdString();
+        return text == "true" ? 1 : TextNumber::integerValue(text); // as a boolean is stored
+    }
+    if (isReal(object))
+        return TextNumber::truncated(object.toDouble());
+    return isBoolOrNumber(object) ? object.toLongLong() : 0;
+}
+
+std::optional<QVariantList> UserDefaults::arrayForKey(const QString& key) const
+{
+    const QVariant object = objectForKey(key);
+    return isList(object) ? std::optional(object.toList()) : std::nullopt;
+}
+
+std::optional<QStringList> UserDefaults::stringArrayForKey(const QString& key) const
+{
+    const auto list = arrayForKey(key);
+    const auto isText
+        = [](const QVariant& element) { return element.typeId() == QMetaType::QString; };
+    if (!list || !std::ranges::all_of(*list, isText))
+        return std::nullopt;
+    return QVariant(*list).toStringList();
+}
+
+void UserDefaults::setObject(const QVariant& object, const QString& forKey)
+{
+    if (!object.isValid()) {
+        removeObjectForKey(forKey);
+        return;
+    }
+    _change([&] {
+        _file->setValue(forKey, storedForm(object));
+        _write();
+    });
+}
+
+void UserDefaults::setBool(bool value, const QString& forKey)
+{
+    setObject(value, forKey);
+}
+
+void UserDefaults::setInteger(qint64 value, const QString& forKey)
+{
+    setObject(value, forKey);
+}
+
+void UserDefaults::removeObjectForKey(const QString& key)
+{
+    _change([&] {
+        _file->remove(key);
+        _write();
+    });
+}
+
+void UserDefaults::synchronize()
+{
+    _change([&] { _write(); });
+}

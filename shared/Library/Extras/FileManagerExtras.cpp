@@ -1,0 +1,263 @@
+#include "shared/Library/Extras/FileManagerExtras.h"
+
+#include "platform/base/files/FileCopy.h"
+#include "platform/base/files/FileTree.h"
+#include "system/PathString.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+constexpr const char* extensionHiddenAttribute = "user.org.parcelo.extension-hidden";
+
+bool somethingExists(const fs::path& path)
+{
+    std::error_code unreachable;
+    return fs::exists(path, unreachable);
+}
+
+void store(std::error_code* error, std::error_code failure)
+{
+    if (error != nullptr)
+        *error = failure;
+}
+
+// The first of "BEFORE 2AFTER", "BEFORE 3AFTER" … at which nothing exists.
+fs::path firstFreePath(const std::string& before, const std::string& after)
+{
+    for (int number = 2;; ++number) {
+        std::string candidate = before;
+        candidate.append(" ").append(std::to_string(number)).append(after);
+        if (!somethingExists(candidate))
+            return candidate;
+    }
+}
+
+bool isInside(const fs::path& path, const fs::path& folder)
+{
+    std::error_code missing;
+    const fs::path inner = fs::weakly_canonical(path, missing);
+    const fs::path outer = fs::weakly_canonical(folder, missing);
+    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first
+        == outer.end();
+}
+
+// Qt decodes names as UTF-8, which not all are; escaped bytes stay what they are.
+std::optional<QUrl> firstURL(SearchPaths::Directory directory)
+{
+    const auto found = SearchPaths::directories(directory, SearchPaths::DomainMask::user);
+    if (found.empty())
+        return std::nullopt;
+    const QByteArray path = QByteArray::fromStdString(found.front().native());
+    return QUrl::fromEncoded("file://" + path.toPercentEncoding("/"), QUrl::StrictMode);
+}
+
+bool setExtensionHidden(const fs::path& path, const char* value)
+{
+    return ::setxattr(path.c_str(), extensionHiddenAttribute, value, 1, 0) == 0;
+}
+
+// Of the path itself, if it leads to something.
+std::optional<struct statx> attributesOfItem(const fs::path& path)
+{
+    struct statx attributes = {};
+    constexpr unsigned wanted = STATX_MTIME | STATX_BTIME;
+    if (!somethingExists(path)
+        || ::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, wanted, &attributes) != 0)
+        return std::nullopt;
+    return attributes;
+}
+
+QDateTime dateOf(const statx_timestamp& time)
+{
+    return QDateTime::fromMSecsSinceEpoch(time.tv_sec * 1000 + time.tv_nsec / 1000000);
+}
+
+using Identity = std::pair<dev_t, ino_t>;
+
+// `above` are the folders that the path was reached through.
+std::int64_t sizeOf(const fs::path& path, std::set<Identity>& above)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
+        return ::lstat(path.c_str(), &status) == 0 ? status.st_size : 0;
+
+    const Identity identity(status.st_dev, status.st_ino);
+    if (!above.insert(identity).second)
+        return 0;
+    std::int64_t sum = 0;
+    std::error_code unreadable;
+    for (fs::directory_iterator entry(path, unreadable);
+         !unreadable && entry != fs::directory_iterator(); entry.increment(unreadable))
+        sum += sizeOf(entry->path(), above);
+    above.erase(identity);
+    return sum;
+}
+
+} // namespace
+
+std::optional<fs::path> FileManagerExtras::findOrCreateDirectory(SearchPaths::Directory directory,
+    SearchPaths::DomainMask inDomain, const std::optional<std::string>& appendPathComponent,
+    std::error_code* error)
+{
+    store(error, {});
+    const auto found = SearchPaths::directories(directory, inDomain);
+    if (found.empty())
+        return std::nullopt;
+    fs::path path = found.front();
+    if (appendPathComponent)
+        path = PathString::stringByAppendingPathComponent(path.native(), *appendPathComponent);
+
+    std::error_code failure;
+    if (isDirectory(path))
+        return path;
+    if (somethingExists(path))
+        failure = FileTree::remove(path);
+    if (!failure)
+        fs::create_directories(path, failure);
+    if (!failure)
+        return path;
+    store(error, failure);
+    return std::nullopt;
+}
+
+bool FileManagerExtras::isDirectory(const fs::path& path)
+{
+    std::error_code unreachable;
+    return fs::is_directory(path, unreachable);
+}
+
+fs::path FileManagerExtras::resolveSymbolicLinkAtPath(const fs::path& path)
+{
+    fs::path current = path;
+    std::set<fs::path> passed;
+    std::error_code noLink;
+    while (passed.insert(current).second) {
+        fs::path next = fs::read_symlink(current, noLink);
+        if (noLink)
+            break;
+        current = std::move(next);
+    }
+    if (current.is_absolute())
+        return current;
+    return PathString::stringByAppendingPathComponent(
+        PathString::stringByDeletingLastPathComponent(path.native()), current.native());
+}
+
+fs::path FileManagerExtras::firstNonExistPathForPath(const fs::path& path)
+{
+    const std::string expanded = PathString::stringByExpandingTildeInPath(path.native());
+    if (!somethingExists(expanded))
+        return expanded;
+    return firstFreePath(
+        PathString::stringByDeletingPathExtension(expanded), PathString::dottedExtension(expanded));
+}
+
+std::optional<fs::path> FileManagerExtras::firstExistDirectoryForPath(const fs::path& path)
+{
+    if (path.empty())
+        return std::nullopt;
+    if (isDirectory(path))
+        return path;
+    return firstExistDirectoryForPath(PathString::stringByDeletingLastPathComponent(path.native()));
+}
+
+bool FileManagerExtras::copyPath(
+    const fs::path& path, const fs::path& toPath, bool appendNumber, fs::path* finalPath)
+{
+    const fs::path destination
+        = appendNumber && somethingExists(toPath) ? firstFreePath(toPath.native(), {}) : toPath;
+    if (finalPath != nullptr)
+        *finalPath = destination;
+    std::error_code missing;
+    const bool isFolder = fs::is_directory(fs::symlink_status(path, missing));
+    if (somethingExists(destination) || (isFolder && isInside(destination, path)))
+        return false;
+    bool isOurs = true;
+    const auto note = [&](const fs::path& item, std::error_code reason) {
+        if (item == path && reason == std::errc::file_exists)
+            isOurs = false; // somebody was quicker
+    };
+    const bool isCopied = !FileCopy::copyItem(path, destination, {.onFailure = note});
+    if (!isCopied && isOurs)
+        (void)FileTree::remove(destination, FileTree::Permissions::overridden); // half a copy
+    return isCopied;
+}
+
+bool FileManagerExtras::removeEmptyFolderAtPath(const fs::path& path)
+{
+    std::error_code failure;
+    if (!isDirectory(path) || fs::directory_iterator(path, failure) != fs::directory_iterator())
+        return false;
+    return fs::remove(path, failure); // not with what came in meanwhile
+}
+
+bool FileManagerExtras::removeItemIfExistsAtPath(const fs::path& path, std::error_code* error)
+{
+    if (!somethingExists(path))
+        return true;
+    if (isDirectory(path))
+        return false;
+    const std::error_code failure = FileTree::remove(path);
+    if (failure)
+        store(error, failure);
+    return !failure;
+}
+
+std::optional<QUrl> FileManagerExtras::desktopDirectoryURL()
+{
+    return firstURL(SearchPaths::Directory::desktop);
+}
+
+std::optional<QUrl> FileManagerExtras::applicationSupportDirectoryURL()
+{
+    return firstURL(SearchPaths::Directory::applicationSupport);
+}
+
+bool FileManagerExtras::hideFileExtensionAtPath(const fs::path& path)
+{
+    return setExtensionHidden(path, "1");
+}
+
+bool FileManagerExtras::unhideFileExtensionAtPath(const fs::path& path)
+{
+    return setExtensionHidden(path, "0");
+}
+
+std::optional<QDateTime> FileManagerExtras::modificationDateOfItemAtPath(const fs::path& path)
+{
+    const auto attributes = attributesOfItem(path);
+    return attributes ? std::optional(dateOf(attributes->stx_mtime)) : std::nullopt;
+}
+
+std::optional<QDateTime> FileManagerExtras::creationDateOfItemAtPath(const fs::path& path)
+{
+    const auto attributes = attributesOfItem(path);
+    if (!attributes)
+        return std::nullopt;
+    const bool isRecorded = (attributes->stx_mask & STATX_BTIME) != 0;
+    return dateOf(isRecorded ? attributes->stx_btime : attributes->stx_mtime);
+}
+
+std::int64_t FileManagerExtras::fileSizeAtPath(const fs::path& path)
+{
+    std::set<Identity> above;
+    return sizeOf(path, above);
+}
+
+std::int64_t FileManagerExtras::fileSizeAtPaths(const std::vector<fs::path>& paths)
+{
+    std::int64_t sum = 0;
+    for (const fs::path& path : paths)
+        sum += fileSizeAtPath(path);
+    return sum;
+}

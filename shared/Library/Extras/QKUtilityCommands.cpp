@@ -1,0 +1,92 @@
+// The part of QKUtility that runs programs.
+
+#include "platform/base/bundle/Bundle.h"
+#include "platform/base/process/DetachedProcess.h"
+#include "platform/base/process/Task.h"
+#include "shared/Library/Extras/QKUtility.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+#include <unistd.h>
+
+namespace
+{
+
+// quit() would ask the windows, which may refuse.
+QKUtility::Terminator& terminator()
+{
+    static QKUtility::Terminator current = [] { QCoreApplication::exit(); };
+    return current;
+}
+
+std::vector<std::string> ourEnvironment()
+{
+    std::vector<std::string> entries;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
+        entries.emplace_back(*entry);
+    return entries;
+}
+
+// What has too many digits becomes the largest number.
+std::int32_t numberIn(const std::string& digits)
+{
+    std::int32_t number = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::int32_t>::max()
+                                                       : number;
+}
+
+} // namespace
+
+std::string QKUtility::runCommand(const std::filesystem::path& command,
+    const std::vector<std::string>& withArguments,
+    const std::optional<std::filesystem::path>& currentDirectoryPath,
+    std::int32_t* terminationStatus)
+{
+    Task task({.launchPath = command,
+        .arguments = withArguments,
+        .environment = ourEnvironment(),
+        .currentDirectory = currentDirectoryPath.value_or(std::filesystem::path()),
+        .input = Task::Input::emptyPipe,
+        .output = Task::Output::standardErrorIsOurs});
+    std::string output;
+    task.launch();
+    task.readToEndOfOutput([&](Task::Stream, std::string_view bytes) { output += bytes; });
+    if (terminationStatus != nullptr)
+        *terminationStatus = task.terminationStatus();
+    return output;
+}
+
+std::string QKUtility::runCommand(
+    const std::filesystem::path& command, const std::vector<std::string>& withArguments)
+{
+    return runCommand(command, withArguments, std::nullopt, nullptr);
+}
+
+void QKUtility::restartApplication()
+{
+    qWarning("WARNING: Deprecated");
+    const DetachedProcess anew({.program = Bundle::executablePath()});
+    terminator()();
+}
+
+void QKUtility::setTerminator(Terminator newTerminator)
+{
+    terminator() = std::move(newTerminator);
+}
+
+std::int32_t QKUtility::residentSetSize()
+try {
+    const std::string output = runCommand("/bin/ps", {"-p" + std::to_string(::getpid()), "-orss"});
+    std::string digits;
+    std::copy_if(output.begin(), output.end(), std::back_inserter(digits),
+        [](char byte) { return byte >= '0' && byte <= '9'; });
+    return numberIn(digits);
+} catch (const std::exception&) {
+    return 0;
+}
