@@ -1,6 +1,7 @@
 #include "platform/desktop/updates/SUUpdater.h"
 
-#include "platform/desktop/services/Workspace.h"
+#include "tests/support/FeedServer.h"
+#include "tests/support/NotingDesktop.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -8,8 +9,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
 
@@ -18,73 +17,15 @@
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
+using support::FeedServer;
+using Strings = std::vector<std::string>;
 
 namespace
 {
 
-// Answers each request on the loopback interface with the next of its answers, or else the last.
-class FeedServer : public QTcpServer
-{
-public:
-    explicit FeedServer(const QList<QByteArray>& answers)
-        : _answers(answers)
-    {
-        EXPECT_TRUE(listen(QHostAddress::LocalHost));
-        QObject::connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket* socket = nextPendingConnection();
-            QObject::connect(
-                socket, &QTcpSocket::readyRead, this, [this, socket] { _answer(*socket); });
-        });
-    }
-
-    QString url() const
-    {
-        return QStringLiteral("http://127.0.0.1:%1/appcast.xml").arg(serverPort());
-    }
-
-    QByteArrayList requests;
-
-private:
-    void _answer(QTcpSocket& socket)
-    {
-        requests << socket.readAll();
-        const QByteArray answer = _answers.size() > 1 ? _answers.takeFirst() : _answers.front();
-        if (answer.isEmpty())
-            return; // leaves the client waiting
-        socket.write(answer);
-        socket.disconnectFromHost();
-    }
-
-    QList<QByteArray> _answers;
-};
-
-QByteArray answerWith(const QByteArray& body, const QByteArray& more = {})
-{
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size())
-        + "\r\nConnection: close\r\n" + more + "\r\n" + body;
-}
-
-QByteArray feedWith(const QByteArray& version, const QByteArray& more = {})
-{
-    return "<rss xmlns:s='urn:x'><channel><item><s:version>" + version + "</s:version>" + more
-        + "</item></channel></rss>";
-}
-
-const QByteArray newer = feedWith("1.3",
+const QByteArray newer = FeedServer::feedWith("1.3",
     "<link>http://a.example/get</link><description>&lt;b&gt;Fast&lt;/b&gt;er "
     "&lt;img src='http://a.example/spy'&gt;</description>");
-
-class Recorder : public Workspace
-{
-public:
-    bool openURL(const QUrl& url) override
-    {
-        opened << url.toString();
-        return true;
-    }
-
-    QStringList opened;
-};
 
 class SUUpdaterTest : public testing::Test
 {
@@ -93,12 +34,9 @@ protected:
     {
         QCoreApplication::setApplicationName(QStringLiteral("parcelo"));
         QCoreApplication::setApplicationVersion(QStringLiteral("1.2"));
-        Workspace::setSharedWorkspace(&workspace);
         window.show();
         updater.setParentWindow(&window);
     }
-
-    ~SUUpdaterTest() override { Workspace::setSharedWorkspace(nullptr); }
 
     void serve(const QList<QByteArray>& answers)
     {
@@ -143,7 +81,7 @@ protected:
 
     QWidget window;
     QMap<QString, QVariant> defaults;
-    Recorder workspace;
+    support::NotingWorkspace workspace;
     std::unique_ptr<FeedServer> server;
     SUUpdater updater{{.objectForKey = [this](const QString& key) { return defaults.value(key); },
                           .setObject = [this](const QString& key,
@@ -164,18 +102,20 @@ TEST_F(SUUpdaterTest, alwaysAnswersTheUser)
         const char* text; // is in the answer
     };
     const Case cases[] = {
-        {"newer", {answerWith(newer)}, "Parcelo 1.3 can be downloaded; you have 1.2."},
-        {"same", {answerWith(feedWith("1.2.0"))}, "up to date"},
-        {"older", {answerWith(feedWith("1.2~rc"))}, "up to date"},
-        {"none", {answerWith("<rss><channel/></rss>")}, "up to date"},
-        {"malformed", {answerWith("<rss><channel>")}, "cannot be read"},
-        {"doctype", {answerWith("<!DOCTYPE x>" + newer)}, "cannot be read"},
-        {"cut short", {answerWith(newer + QByteArray(9, ' ')).chopped(60)}, "not possible"},
+        {"newer", {FeedServer::answerWith(newer)}, "Parcelo 1.3 can be downloaded; you have 1.2."},
+        {"same", {FeedServer::answerWith(FeedServer::feedWith("1.2.0"))}, "up to date"},
+        {"older", {FeedServer::answerWith(FeedServer::feedWith("1.2~rc"))}, "up to date"},
+        {"none", {FeedServer::answerWith("<rss><channel/></rss>")}, "up to date"},
+        {"malformed", {FeedServer::answerWith("<rss><channel>")}, "cannot be read"},
+        {"doctype", {FeedServer::answerWith("<!DOCTYPE x>" + newer)}, "cannot be read"},
+        {"cut short", {FeedServer::answerWith(newer + QByteArray(9, ' ')).chopped(60)},
+            "not possible"},
         {"huge", {endless}, "too large"},
         {"silent", {QByteArray()}, "in time"},
         {"gone", {"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"},
             "error 404"},
-        {"redirected", {redirect + "Location: /other\r\n\r\n", answerWith(newer)}, "1.3 can be"},
+        {"redirected", {redirect + "Location: /other\r\n\r\n", FeedServer::answerWith(newer)},
+            "1.3 can be"},
         {"in a circle", {redirect + "Location: /other\r\n\r\n"}, "not possible"},
         {"to a file", {redirect + "Location: file:///etc/passwd\r\n\r\n"}, "not possible"},
         {"no HTTP", {"hello\r\n\r\n"}, "not possible"},
@@ -193,7 +133,7 @@ TEST_F(SUUpdaterTest, alwaysAnswersTheUser)
         defaults[QStringLiteral("SUFeedURL")] = QLatin1String(address);
         EXPECT_TRUE(answer().contains(u"No address"_qs)) << address;
     }
-    EXPECT_EQ(workspace.opened, QStringList());
+    EXPECT_EQ(workspace.opened, Strings());
 }
 
 TEST_F(SUUpdaterTest, givesUpOnAServerThatDribbles)
@@ -214,7 +154,7 @@ TEST_F(SUUpdaterTest, givesUpOnAServerThatDribbles)
 
 TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
 {
-    serve({answerWith(newer)});
+    serve({FeedServer::answerWith(newer)});
     updater.checkForUpdates(nullptr);
     QDialog* found = sheet();
     ASSERT_TRUE(found);
@@ -225,7 +165,7 @@ TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
     updater.checkForUpdates(nullptr); // is up already
     EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
     QTest::keyClick(found, Qt::Key_Return);
-    EXPECT_EQ(workspace.opened, QStringList(QStringLiteral("http://a.example/get")));
+    EXPECT_EQ(workspace.opened, Strings{"http://a.example/get"});
     EXPECT_EQ(server->requests.size(), 1);
 
     // Only pages of the web can be opened.
@@ -239,7 +179,7 @@ TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
                  "https://a.example/b"}}) {
         workspace.opened.clear();
         EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<QDialog*>(); }));
-        serve({answerWith(feedWith("2", each.item))});
+        serve({FeedServer::answerWith(FeedServer::feedWith("2", each.item))});
         updater.checkForUpdates(nullptr);
         found = sheet();
         ASSERT_TRUE(found) << each.item;
@@ -249,13 +189,13 @@ TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
             button->click();
         else
             found->findChild<QPushButton*>(QStringLiteral("notNow"))->click();
-        EXPECT_EQ(workspace.opened.value(0), QLatin1String(each.page)) << each.item;
+        EXPECT_EQ(workspace.opened, each.page ? Strings{each.page} : Strings()) << each.item;
     }
 }
 
 TEST_F(SUUpdaterTest, tellsTheServerNothingButNameAndVersion)
 {
-    serve({answerWith(newer, "ETag: \"a1\"\r\nSet-Cookie: id=7\r\n"),
+    serve({FeedServer::answerWith(newer, "ETag: \"a1\"\r\nSet-Cookie: id=7\r\n"),
         "HTTP/1.1 304 Not Modified\r\nConnection: close\r\n\r\n"});
     EXPECT_TRUE(answer().contains(u"1.3"_qs));
     EXPECT_TRUE(answer().contains(u"1.3"_qs)); // from what was kept
@@ -280,8 +220,8 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
     };
     using Result = std::pair<bool, bool>; // it spoke, it asked
 
-    for (const QByteArray& answer :
-        {answerWith(feedWith("1.2")), answerWith("<rss>"), QByteArray("HTTP/1.1 500 No\r\n\r\n")}) {
+    for (const QByteArray& answer : {FeedServer::answerWith(FeedServer::feedWith("1.2")),
+             FeedServer::answerWith("<rss>"), QByteArray("HTTP/1.1 500 No\r\n\r\n")}) {
         defaults.clear();
         serve({answer});
         EXPECT_EQ(check(400ms), Result(false, true));
@@ -292,7 +232,7 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
     EXPECT_EQ(check(600ms), Result(false, true));
     EXPECT_FALSE(lastCheck().isValid());
 
-    serve({answerWith(newer)});
+    serve({FeedServer::answerWith(newer)});
     EXPECT_EQ(check(5s), Result(true, true));
     const auto since2001 = QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC)
                                .secsTo(QDateTime::currentDateTimeUtc());
@@ -318,7 +258,7 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
 
 TEST_F(SUUpdaterTest, speaksUnaskedOnlyOnAWindowThatIsOnScreen)
 {
-    serve({answerWith(feedWith("2"))});
+    serve({FeedServer::answerWith(FeedServer::feedWith("2"))});
     window.hide();
     updater.checkForUpdatesInBackground();
     QTest::qWait(400);
@@ -329,10 +269,11 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOnAWindowThatIsOnScreen)
 
 TEST_F(SUUpdaterTest, leadsToTheNotesWhereThereAreNone)
 {
-    serve({answerWith(feedWith("2", "<releaseNotesLink>https://a.example/n</releaseNotesLink>"))});
+    serve({FeedServer::answerWith(
+        FeedServer::feedWith("2", "<releaseNotesLink>https://a.example/n</releaseNotesLink>"))});
     updater.checkForUpdates(nullptr);
     ASSERT_TRUE(sheet());
     sheet()->findChild<QPushButton*>(QStringLiteral("openNotes"))->click();
-    EXPECT_EQ(workspace.opened, QStringList(QStringLiteral("https://a.example/n")));
+    EXPECT_EQ(workspace.opened, Strings{"https://a.example/n"});
     EXPECT_TRUE(sheet()->isVisible());
 }

@@ -1,7 +1,7 @@
 #include "tests/desktop/StandIns.h"
 
 #include "tests/support/Files.h"
-#include "tests/support/Run.h"
+#include "tests/support/PrivateBus.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -13,7 +13,7 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <memory>
+#include <optional>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -24,44 +24,24 @@ using namespace std::chrono_literals;
 namespace
 {
 
-// No service of the machine can be started by this one.
-constexpr const char* busConfiguration = R"(<busconfig>
-  <type>session</type>
-  <listen>unix:path=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
-
 // Runs from before the first test to behind the last one.
-class PrivateBus : public ::testing::Environment
+class BusForAllTests : public ::testing::Environment
 {
 public:
     void SetUp() override
     {
-        const std::string socket = _folder / "bus";
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + socket).c_str(), 1);
-        if (std::getenv("PARCELO_TEST_WITHOUT_BUS"))
-            return;
-        support::writeFile(_folder / "configuration",
-            QString::fromLatin1(busConfiguration).arg(socket.c_str()).toStdString());
-        _daemon = std::make_unique<support::RunningProgram>(
-            std::vector<std::string>{"dbus-daemon", "--nofork", "--print-address",
-                "--config-file=" + (_folder / "configuration").native()});
-        // The socket is there before anybody listens to it, the address is told afterwards.
-        ASSERT_TRUE(support::waitUntil([&] { return !_daemon->out().empty(); })) << _daemon->err();
+        if (!std::getenv("PARCELO_TEST_WITHOUT_BUS"))
+            _bus.emplace();
+        const std::string address = _bus ? _bus->address() : "unix:path=/no/such/bus";
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     }
-    void TearDown() override { _daemon.reset(); }
+    void TearDown() override { _bus.reset(); }
 
 private:
-    const support::TestFolder _folder;
-    std::unique_ptr<support::RunningProgram> _daemon;
+    std::optional<support::PrivateBus> _bus;
 };
 
-const auto* const privateBus = ::testing::AddGlobalTestEnvironment(new PrivateBus);
+const auto* const busForAllTests = ::testing::AddGlobalTestEnvironment(new BusForAllTests);
 
 using Descriptors = QList<QDBusUnixFileDescriptor>;
 
