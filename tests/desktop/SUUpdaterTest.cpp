@@ -1,5 +1,6 @@
 #include "platform/desktop/updates/SUUpdater.h"
 
+#include "platform/desktop/panels/Sheets.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/NotingDesktop.h"
 
@@ -11,7 +12,6 @@
 #include <QPushButton>
 #include <QTest>
 
-#include <algorithm>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -58,14 +58,7 @@ protected:
 
     QVariant& lastCheck() { return defaults["SULastCheckTime"]; }
 
-    // The dialog on the window that is up.
-    QDialog* sheet() const
-    {
-        const auto dialogs = window.findChildren<QDialog*>();
-        const auto isUp = [](const QDialog* dialog) { return dialog->isVisible(); };
-        const auto found = std::ranges::find_if(dialogs, isUp);
-        return found == dialogs.end() ? nullptr : *found;
-    }
+    QDialog* sheet() const { return Sheets::attachedSheet(&window); }
 
     void waitForSheet()
     {
