@@ -1,11 +1,9 @@
-// Blocks on the main thread: the run loop, and the engine's way to it.
+// Blocks on the main thread: the run loop, and the way to it.
 
 #include "platform/base/seams/MainQueue.h"
 
 #include "app/commandline/RunLoop.h"
-#include "shared/Library/Extras/QKUtility.h"
 
-#include <limits>
 #include <string>
 #include <thread>
 
@@ -23,14 +21,12 @@ protected:
     MainQueueTest()
     {
         MainQueue::setSubmitter([this](std::chrono::nanoseconds delay, MainQueue::Block block) {
-            lastDelay = delay;
             loop.submitAfter(delay, std::move(block));
         });
     }
     ~MainQueueTest() override { MainQueue::setSubmitter({}); }
 
     RunLoop loop;
-    std::chrono::nanoseconds lastDelay{};
 };
 
 } // namespace
@@ -47,26 +43,14 @@ TEST_F(MainQueueTest, blocksOfAWorkerRunHereOnceAndNotBeforeTheirTime)
         };
     };
     std::jthread([&] {
-        QKUtility::afterDelay(0.05, block('d', 50ms));
-        QKUtility::afterDelay(0.02, block('c', 20ms));
-        QKUtility::afterDelay(0, block('a', 0ms));
-        QKUtility::afterDelay(-7, block('b', 0ms));
+        MainQueue::dispatchAfter(50ms, block('d', 50ms));
+        MainQueue::dispatchAfter(20ms, block('c', 20ms));
+        MainQueue::dispatchAfter(0ms, block('a', 0ms));
+        MainQueue::dispatchAfter(-7s, block('b', 0ms));
     }).join();
     EXPECT_EQ(order, "");
     loop.drain();
     EXPECT_EQ(order, "abcd");
-}
-
-TEST_F(MainQueueTest, delaysBecomeWholeNanosecondsOf64Bits)
-{
-    using std::chrono::nanoseconds;
-    const std::pair<double, nanoseconds> cases[]
-        = {{1e-10, 0ns}, {1.9e-9, 1ns}, {0.2, 200ms}, {-1.9e-9, -1ns}, {1e300, nanoseconds::max()},
-            {std::numeric_limits<double>::quiet_NaN(), 0ns}};
-    for (const auto& [seconds, delay] : cases) {
-        QKUtility::afterDelay(seconds, [] {});
-        EXPECT_EQ(lastDelay, delay) << seconds;
-    }
 }
 
 TEST_F(MainQueueTest, theLoopWakesForADescriptorAndForABlockOfAnotherThread)
@@ -77,13 +61,14 @@ TEST_F(MainQueueTest, theLoopWakesForADescriptorAndForABlockOfAnotherThread)
         std::uint64_t count = 0;
         isRead = read(event.number(), &count, sizeof count) == sizeof count;
     });
-    QKUtility::afterDelay(1e300, [] { ADD_FAILURE() << "ran before its time"; });
+    MainQueue::dispatchAfter(
+        std::chrono::nanoseconds::max(), [] { ADD_FAILURE() << "ran before its time"; });
     loop.runUntil([&] { return isRead; });
 
     bool isEnded = false;
     std::jthread worker([&] {
         std::this_thread::sleep_for(20ms);
-        QKUtility::afterDelay(0, [&] { isEnded = true; });
+        MainQueue::dispatchAfter(0ms, [&] { isEnded = true; });
     });
     loop.runUntil([&] { return isEnded; });
 }

@@ -3,6 +3,7 @@
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/bundle/PropertyList.h"
 #include "platform/base/process/Task.h"
+#include "platform/base/seams/MainQueue.h"
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 
@@ -14,6 +15,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -223,4 +225,19 @@ TEST(QKUtility, startsTheProgramAnewAndEnds)
     EXPECT_TRUE(support::waitUntil([&] { return std::filesystem::exists(mark); }));
     EXPECT_EQ(support::readFile(mark), "1"); // its own name, and no arguments
     ::unsetenv(restartMark);
+}
+
+TEST(QKUtility, delaysBecomeWholeNanosecondsOf64Bits)
+{
+    using std::chrono::nanoseconds;
+    nanoseconds told{};
+    MainQueue::setSubmitter([&](nanoseconds delay, const MainQueue::Block&) { told = delay; });
+    const std::pair<double, nanoseconds> cases[] = {{1e-10, nanoseconds(0)},
+        {1.9e-9, nanoseconds(1)}, {0.2, nanoseconds(200'000'000)}, {-1.9e-9, nanoseconds(-1)},
+        {1e300, nanoseconds::max()}, {std::numeric_limits<double>::quiet_NaN(), nanoseconds(0)}};
+    for (const auto& [seconds, delay] : cases) {
+        QKUtility::afterDelay(seconds, [] {});
+        EXPECT_EQ(told, delay) << seconds;
+    }
+    MainQueue::setSubmitter({});
 }
