@@ -27,16 +27,15 @@ struct FileManagerExtrasTest : testing::Test {
 
 TEST_F(FileManagerExtrasTest, findsOrMakesAFolder)
 {
-    const auto find = [&](const std::string& name) {
-        return findOrCreateDirectory(Directory::applicationSupport, DomainMask::user, name, &error);
-    };
     writeFile(home / "file", "");
-    EXPECT_EQ(find("file/below"), std::nullopt);
-    EXPECT_TRUE(error);
-    for (const char* name : {"new/below", "new", "file"}) {
-        EXPECT_EQ(find(name), home / name);
-        EXPECT_TRUE(fs::is_directory(home / name));
-        EXPECT_FALSE(error);
+    const std::pair<const char*, bool> cases[]
+        = {{"file/below", false}, {"new/below", true}, {"new", true}, {"file", true}};
+    for (const auto& [name, isFound] : cases) {
+        const auto found
+            = findOrCreateDirectory(Directory::applicationSupport, DomainMask::user, name, &error);
+        EXPECT_EQ(found, isFound ? std::optional(home / name) : std::nullopt) << name;
+        EXPECT_EQ(fs::is_directory(home / name), isFound) << name;
+        EXPECT_EQ(!error, isFound) << name;
     }
     EXPECT_TRUE(fs::exists(home / "new/below")) << "a folder that was there is emptied";
 }
@@ -45,8 +44,7 @@ TEST_F(FileManagerExtrasTest, asksTheDesktopForItsFolders)
 {
     const std::pair<const char*, fs::path> cases[] = {{"", home / "Desktop"},
         {"# XDG_DESKTOP_DIR=\"/no\"\nXDG_DESKTOP_DIR=\"$HOME/Tisch\"\n", home / "Tisch"},
-        {"XDG_DESKTOP_DIR=\"/a\"\nXDG_DESKTOP_DIR=\"/b\"\nXDG_DESKTOP_DIRX=\"/c\"", "/b"},
-        {"XDG_DESKTOP_DIR=\"not/absolute\"", home / "Desktop"},
+        {"XDG_DESKTOP_DIR=\"not/absolute\"\nXDG_DESKTOP_DIRX=\"/c\"", home / "Desktop"},
         {" XDG_DESKTOP_DIR=\"/a b/\\\"c\\\"/\xff%\"", "/a b/\"c\"/\xff%"}};
     for (const auto& [text, desktop] : cases) {
         writeFile(home / "user-dirs.dirs", text);
@@ -54,7 +52,7 @@ TEST_F(FileManagerExtrasTest, asksTheDesktopForItsFolders)
         EXPECT_EQ(found, std::vector{desktop});
     }
     EXPECT_EQ(desktopDirectoryURL()->toEncoded(), "file:///a%20b/%22c%22/%FF%25");
-    EXPECT_EQ(applicationSupportDirectoryURL()->toLocalFile().toStdString(), home);
+    EXPECT_EQ(applicationSupportDirectoryURL(), QUrl::fromLocalFile(QString::fromStdString(home)));
 }
 
 TEST_F(FileManagerExtrasTest, findsPathsThatAreFreeOrThere)
@@ -126,8 +124,7 @@ TEST_F(FileManagerExtrasTest, tellsSizesDatesAndWishes)
     EXPECT_EQ(creationDateOfItemAtPath(folder / "missing"), std::nullopt);
 
     char wish = 0;
-    EXPECT_TRUE(hideFileExtensionAtPath(file));
-    EXPECT_TRUE(unhideFileExtensionAtPath(file));
+    EXPECT_TRUE(hideFileExtensionAtPath(file) && unhideFileExtensionAtPath(file));
     EXPECT_EQ(::getxattr(file.c_str(), "user.org.parcelo.extension-hidden", &wish, 1), 1);
     EXPECT_EQ(wish, '0');
     EXPECT_FALSE(hideFileExtensionAtPath(folder / "missing"));
