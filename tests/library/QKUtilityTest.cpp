@@ -57,10 +57,9 @@ TEST_F(QKUtilityTest, keepsTheAgentFlagInTheBundle)
 {
     const Bundle former = Bundle::main();
     Bundle::setMain(Bundle(folder.path()));
+    const std::string start = "<plist><dict><key>Kept</key><true/><key>LSUIElement</key>";
     for (const std::string value : {"<integer>2</integer>", "<array/>", "<string>1</string>"}) {
-        support::writeFile(folder / "Contents/Info.plist",
-            "<plist><dict><key>Kept</key><true/><key>LSUIElement</key>" + value
-                + "</dict></plist>");
+        support::writeFile(folder / "Contents/Info.plist", start + value + "</dict></plist>");
         EXPECT_EQ(QKUtility::isHeadless(), value == "<string>1</string>") << value;
     }
     support::setTime(folder.path(), 1000);
