@@ -1,6 +1,7 @@
 // The part of QKUtility that runs programs.
 
 #include "platform/base/bundle/Bundle.h"
+#include "platform/base/bundle/TextNumber.h"
 #include "platform/base/process/DetachedProcess.h"
 #include "platform/base/process/Task.h"
 #include "shared/Library/Extras/QKUtility.h"
@@ -9,8 +10,6 @@
 #include <QDebug>
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 
 #include <unistd.h>
 
@@ -30,15 +29,6 @@ std::vector<std::string> ourEnvironment()
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
         entries.emplace_back(*entry);
     return entries;
-}
-
-// What has too many digits becomes the largest number.
-std::int32_t numberIn(const std::string& digits)
-{
-    std::int32_t number = 0;
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::int32_t>::max()
-                                                       : number;
 }
 
 } // namespace
@@ -86,7 +76,7 @@ try {
     std::string digits;
     std::copy_if(output.begin(), output.end(), std::back_inserter(digits),
         [](char byte) { return byte >= '0' && byte <= '9'; });
-    return numberIn(digits);
+    return TextNumber::intValue(digits);
 } catch (const std::exception&) {
     return 0;
 }
