@@ -2,8 +2,8 @@
 
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/bundle/PropertyList.h"
-#include "platform/base/bundle/TextNumber.h"
 #include "shared/Library/Extras/ValueCoding.h"
+#include "system/TextNumber.h"
 
 #include <chrono>
 #include <stdexcept>
