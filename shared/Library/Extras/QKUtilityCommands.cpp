@@ -2,6 +2,7 @@
 
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/process/DetachedProcess.h"
+#include "platform/base/process/Environment.h"
 #include "platform/base/process/Task.h"
 #include "shared/Library/Extras/QKUtility.h"
 
@@ -24,14 +25,6 @@ QKUtility::Terminator& terminator()
     return current;
 }
 
-std::vector<std::string> ourEnvironment()
-{
-    std::vector<std::string> entries;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
-        entries.emplace_back(*entry);
-    return entries;
-}
-
 // What has too many digits becomes the largest number.
 std::int32_t numberIn(const std::string& digits)
 {
@@ -50,13 +43,13 @@ std::string QKUtility::runCommand(const std::filesystem::path& command,
 {
     Task task({.launchPath = command,
         .arguments = withArguments,
-        .environment = ourEnvironment(),
+        .environment = Environment::ours(),
         .currentDirectory = currentDirectoryPath.value_or(std::filesystem::path()),
         .input = Task::Input::emptyPipe,
         .output = Task::Output::standardErrorIsOurs});
     std::string output;
     task.launch();
-    task.readToEndOfOutput([&](Task::Stream, std::string_view bytes) { output += bytes; });
+    task.readToEndOfOutput([&](std::string_view bytes) { output += bytes; });
     if (terminationStatus != nullptr)
         *terminationStatus = task.terminationStatus();
     return output;
