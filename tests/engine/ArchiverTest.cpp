@@ -1,138 +1,14 @@
 // The engine with stand-ins for its tools: what they are asked, and what the delegate is told.
 
-#include "shared/Library/Archiver/Archiver.h"
-
-#include "platform/base/bundle/Bundle.h"
 #include "platform/base/process/Task.h"
-#include "platform/base/seams/AlertPanel.h"
 #include "platform/base/seams/AssertionHandler.h"
-#include "platform/base/seams/MainQueue.h"
+#include "tests/engine/EngineTest.h"
 #include "tests/engine/FailingCalls.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
-
-#include <thread>
-
-#include <gtest/gtest.h>
-
-using namespace support;
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 namespace
 {
 
-// One for the whole process, like the answer to where the zip tool is.
-void useStandIns()
-{
-    static const TestFolder bundle;
-    const fs::path resources = bundle / "Contents/Resources";
-    if (!fs::create_directories(resources))
-        return;
-    for (const char* tool : {"zip", "tar", "ditto"})
-        fs::create_symlink(PARCELO_TEST_STANDINS_DIR "/tool", resources / tool);
-    Bundle::setMain(Bundle(bundle.path()));
-}
-
-class ArchiverTest : public testing::Test
-{
-protected:
-    ArchiverTest()
-    {
-        useStandIns();
-        setenv("TMPDIR", folder.path().c_str(), 1);
-        for (const char* name : {"a/one", "b/two", "c/three"})
-            writeFile(folder / name, name);
-        fs::create_directories(folder / "scratch");
-        fs::create_directories(folder / "out");
-        MainQueue::setSubmitter(
-            [this](std::chrono::nanoseconds delay, const MainQueue::Block& block) {
-                EXPECT_EQ(delay, std::chrono::milliseconds(100));
-                deferred.push_back(block);
-            });
-        AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-            alerts.push_back(alert.title + ": " + alert.message + " [" + alert.defaultButton + "|"
-                + alert.alternateButton + "|" + alert.otherButton + "]");
-            return 1;
-        });
-        archiver->setDelegate(noting());
-    }
-    ~ArchiverTest() override
-    {
-        MainQueue::setSubmitter({});
-        AlertPanel::setPresenter({});
-        unsetenv("TMPDIR");
-    }
-
-    // What the stand-ins do besides recording, in shell; $4 is a zip's archive.
-    void plan(const std::string& script) const { writeFile(folder / "plan", script + "\n"); }
-
-    // A delegate that notes what it is told.
-    ArchiverDelegate noting()
-    {
-        const auto number = [this](const char* word) {
-            return [this, word](int value) { told.push_back(word + std::to_string(value)); };
-        };
-        return {.setNumberOfFiles = number("files "),
-            .progressBy = number("progress "),
-            .taskCompletedWithStatusCode = number("task "),
-            .archiverCompletedWithStatus = number("completed ")};
-    }
-
-    Archiver::ArchiveFiles job(int type) const
-    {
-        return {.files = {folder / "a/one", folder / "b/two", folder / "c/three"},
-            .name = "Demo",
-            .type = type,
-            .toFolder = folder / "out"};
-    }
-
-    // Runs a job while another thread does something as soon as a tool has started, and again and
-    // again until the job has ended.
-    void archiveDuring(const Archiver::ArchiveFiles& request, const std::function<void()>& action)
-    {
-        fs::remove(folder / "started");
-        std::jthread other([&](const std::stop_token& ended) {
-            EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "started"); }));
-            do
-                action();
-            while (!waitUntil([&] { return ended.stop_requested(); }, 50ms));
-        });
-        archiver->archiveFiles(request);
-    }
-
-    // The alerts that are shown when the main thread comes to it, after the job.
-    Lines shownAlerts()
-    {
-        EXPECT_EQ(alerts, Lines{}) << "shown too soon";
-        for (const MainQueue::Block& block : deferred)
-            block();
-        deferred.clear();
-        return std::exchange(alerts, {});
-    }
-
-    // A file of lines in the test's folder, with that folder as "@".
-    Lines linesIn(const char* name) const
-    {
-        std::string text = fs::exists(folder / name) ? readFile(folder / name) : "";
-        const std::string& path = folder.path().native();
-        for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
-            text.replace(at, path.size(), "@");
-        Lines lines;
-        for (std::size_t end = 0; (end = text.find('\n')) != std::string::npos;
-             text.erase(0, end + 1))
-            lines.push_back(text.substr(0, end));
-        return lines;
-    }
-    Lines runs() const { return linesIn("record"); }
-
-    const TestFolder folder;
-    std::unique_ptr<Archiver> archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
-    Lines told;
-    std::vector<MainQueue::Block> deferred;
-    Lines alerts;
-};
+using ArchiverTest = EngineTest;
 
 constexpr const char* startAndStay
     = R"([ "${0##*/}" != zip ] || printf x >>"$4"; : >"$TMPDIR/started"; exec sleep 30)";
@@ -272,7 +148,10 @@ TEST_F(ArchiverTest, aCancelEndsTheToolAndOfAPlainZipAlsoTheJob)
         writeFile(folder / "out/Demo.zip", "older");
         told.clear();
         archiver->cancel(); // of no job: forgotten
-        archiveDuring(job(each.type), [&] { archiver->cancel(); });
+        archiveDuring(job(each.type), [&] {
+            archiver->cancel();
+            return false;
+        });
         EXPECT_EQ(told, each.told);
         EXPECT_TRUE(fs::is_empty(folder / "scratch"));
         EXPECT_EQ(fs::exists(folder / "out/Demo.zip"), each.type == ArchiveTypeTarGz);
@@ -300,7 +179,10 @@ TEST_F(ArchiverTest, anAbandonedJobDeliversNothingAndLeavesNothing)
             writeFile(folder / name, "older");
         if (each.plan) {
             plan(each.plan);
-            archiveDuring(job(each.type), [&] { archiver->abandon(); });
+            archiveDuring(job(each.type), [&] {
+                archiver->abandon();
+                return true;
+            });
         } else {
             archiver->abandon();
             archiver->archiveFiles(job(each.type));
@@ -438,7 +320,7 @@ TEST_F(ArchiverTest, aToolThatCannotBeLaunchedLeavesNothingAndAnEngineThatWorks)
     zip.files = {folder / "a/one", folder / "gone/two", folder / "gone/two"};
     EXPECT_THROW(archiver->archiveFiles(zip), LaunchFailure);
     const Bundle former = Bundle::main();
-    Bundle::setMain(Bundle(folder / "none")); // there is no tar
+    Bundle::setMain(Bundle(folder / "none")); // no tar
     EXPECT_THROW(archiver->archiveFiles(job(ArchiveTypeTarGz)), LaunchFailure);
     EXPECT_EQ(Archiver::missingTool(ArchiveTypeMacZip), "/usr/bin/ditto");
     told.clear();
