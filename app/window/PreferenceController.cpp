@@ -1,6 +1,5 @@
 #include "app/window/PreferenceController.h"
 
-#include "app/window/AppController.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/ButtonDefaultsAdditions.h"
@@ -14,8 +13,7 @@ const QString hideAdvertKey = QStringLiteral("HideAdvert");
 
 } // namespace
 
-PreferenceController::PreferenceController(AppController* appController)
-    : _appController(appController)
+PreferenceController::PreferenceController()
 {
     _defaultsController.setAppliesImmediately(false);
 }
@@ -73,7 +71,7 @@ void PreferenceController::sheetDidEnd(QDialog* /*sheet*/, int returnCode)
     } else {
         _defaultsController.revert();
     }
-    _appController->preferenceDidChange();
+    Q_EMIT sheetEnded();
 }
 
 void PreferenceController::_readDefaults()

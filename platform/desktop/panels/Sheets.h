@@ -1,7 +1,10 @@
 // Sheets: dialogs that belong to one window and keep it from input while they are up.
 #pragma once
 
+#include <functional>
+
 class QDialog;
+class QObject;
 class QWidget;
 
 namespace Sheets
@@ -17,5 +20,9 @@ int runModal(QDialog* sheet, QWidget* onWindow);
 
 // The sheet that is up on the window; nothing when there is none.
 [[nodiscard]] QDialog* attachedSheet(const QWidget* window);
+
+// Calls the block once the sheet that is up has gone and no other is there; not without the
+// context.
+void whenNoneIsUp(QWidget* onWindow, QObject* context, std::function<void()> block);
 
 } // namespace Sheets
