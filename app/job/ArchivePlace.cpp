@@ -16,14 +16,21 @@ namespace
 
 using FileStatus = struct stat; // a name of its own, beside the function
 
-// What is no file, or may not be read, has nothing that could be flushed.
-std::error_code flush(const std::filesystem::path& path, int flags)
+// The contents alone: that costs nothing where the tool has seen to it, while all of a file that
+// was renamed since would be one more turn of the disk.
+std::error_code flushContents(const std::filesystem::path& path)
 {
-    const FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags));
-    if (!opened)
-        return lastError();
-    const auto failure = errorOf(retryOnInterrupt([&] { return ::fsync(opened.number()); }));
-    return failure == std::errc::invalid_argument ? std::error_code() : failure;
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    return file ? errorOf(retryOnInterrupt([&] { return ::fdatasync(file.number()); }))
+                : lastError();
+}
+
+// Without a result: the archive has its name already, and "failed" would be the wrong word for it.
+void flushFolder(const std::filesystem::path& path)
+{
+    const FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder)
+        ::fsync(folder.number());
 }
 
 std::error_code swap(const std::filesystem::path& one, const std::filesystem::path& other)
@@ -55,11 +62,11 @@ bool ArchivePlace::_isFormer(const Path& path) const
 
 std::error_code ArchivePlace::put(const Path& made)
 {
-    if (const auto failure = flush(made, O_NOFOLLOW))
+    if (const auto failure = flushContents(made))
         return failure;
     std::error_code failure = _former ? _exchange(made) : _takeFreeName(made);
     if (!failure)
-        (void)flush(_path.parent_path(), O_DIRECTORY); // it has its name already
+        flushFolder(_path.parent_path());
     return failure;
 }
 

@@ -400,6 +400,26 @@ TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)
     }
 }
 
+// A power cut may come at any time.
+TEST_F(Program, isOnTheDiskBeforeItHasItsName)
+{
+    useTool("zip");
+    const std::string out = fs::canonical(folder / "out");
+    Lines traced = command({"--to=../out", "--name=Demo", "one.txt"});
+    traced.insert(traced.begin() + 2, "ASAN_OPTIONS=detect_leaks=0"); // it cannot under a tracer
+    traced.insert(traced.begin(),
+        {"strace", "-f", "-y", "-o", "../tmp/trace", "-e",
+            "trace=fsync,fdatasync,rename,renameat2"});
+    ASSERT_EQ(run(traced, options()).status, 0);
+    const std::string trace = readFile(folder / "tmp/trace");
+    const auto named = trace.find("\"" + out + "/Demo.zip\"");
+    const auto onDisk = trace.find("fdatasync(");
+    ASSERT_NE(named, std::string::npos) << trace;
+    EXPECT_LT(onDisk, named) << trace;
+    EXPECT_EQ(trace.find("/Demo.zip>) = 0", onDisk), trace.find(">) = 0", onDisk) - 9) << trace;
+    EXPECT_NE(trace.find("<" + out + ">) = 0", named), std::string::npos) << trace;
+}
+
 // The tools themselves, with no room for what they write.
 TEST_F(Program, anOlderArchiveStandsWhenThereIsNoRoom)
 {

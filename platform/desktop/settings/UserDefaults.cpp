@@ -5,8 +5,8 @@
 
 #include "platform/desktop/settings/UserDefaults.h"
 
-#include "platform/base/bundle/TextNumber.h"
 #include "platform/desktop/services/PathText.h"
+#include "system/TextNumber.h"
 
 #include <QEvent>
 #include <QLocale>
