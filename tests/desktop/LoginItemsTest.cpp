@@ -121,8 +121,9 @@ TEST_F(LoginItemsTest, removesWhatIsSoNamedAndASystemsItemForTheUserAlone)
             EXPECT_EQ(LoginItems::remove(name), isRemoved) << name;
             EXPECT_EQ(LoginItems::list().empty(), isRemoved) << name;
             EXPECT_EQ(readFile(users("off.desktop")), off);
-            if (fs::exists(file))
+            if (fs::exists(file)) {
                 EXPECT_EQ(readFile(file), content);
+            }
             fs::remove(users("own.desktop"));
         }
     }

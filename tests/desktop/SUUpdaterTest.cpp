@@ -188,10 +188,9 @@ TEST_F(SUUpdaterTest, offersPagesOfTheWebAndWhatIsNewAsPlainText)
         EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
         const bool hasPage = each.button == std::string_view("openPage");
         EXPECT_EQ(sheet()->findChild<QPushButton*>("openPage") != nullptr, hasPage);
-        if (auto* notes = sheet()->findChild<QPlainTextEdit*>("whatIsNew"))
-            EXPECT_EQ(notes->toPlainText(), "Faster");
-        else
-            EXPECT_FALSE(each.item.contains(description));
+        const auto* notes = sheet()->findChild<QPlainTextEdit*>("whatIsNew");
+        EXPECT_EQ(
+            notes ? notes->toPlainText() : "", each.item.contains(description) ? "Faster" : "");
         if (hasPage)
             QTest::keyClick(sheet(), Qt::Key_Return);
         else
