@@ -2,6 +2,7 @@
 
 #include "tests/support/Files.h"
 
+#include "platform/base/bundle/PropertyList.h"
 #include "platform/base/files/FileCopy.h"
 #include "platform/base/files/FileMove.h"
 #include "platform/base/files/FileTree.h"
@@ -37,26 +38,6 @@ dev_t deviceOf(const fs::path& path)
     return makedev(status.stx_dev_major, status.stx_dev_minor);
 }
 
-// A folder on another file system.
-class OtherFileSystem
-{
-public:
-    OtherFileSystem()
-    {
-        setenv("TMPDIR", "/dev/shm", 1);
-        _folder.emplace();
-        unsetenv("TMPDIR");
-    }
-    [[nodiscard]] bool isAnother(const TestFolder& than) const
-    {
-        return deviceOf(_folder->path()) != deviceOf(than.path());
-    }
-    fs::path operator/(std::string_view name) const { return *_folder / name; }
-
-private:
-    std::optional<TestFolder> _folder;
-};
-
 } // namespace
 
 TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
@@ -89,11 +70,27 @@ TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
     }
 }
 
+TEST(FileMove, namesNothingThatIsNotOnTheDisk)
+{
+    const TestFolder folder;
+    writeFile(folder / "from", "new");
+    writeFile(folder / "list", "old");
+    inThread([&] {
+        letFail(SYS_fsync, EIO);
+        EXPECT_EQ(FileMove::moveItem(folder / "from", folder / "to"), std::errc::io_error);
+        EXPECT_FALSE(PropertyList::writeToFile({}, folder / "list"));
+    });
+    EXPECT_EQ(namesIn(folder.path()), (Names{"from", "list"}));
+    EXPECT_EQ(readFile(folder / "list"), "old");
+}
+
 TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
 {
     const TestFolder folder;
-    const OtherFileSystem other;
-    if (!other.isAnother(folder))
+    setenv("TMPDIR", "/dev/shm", 1);
+    const TestFolder other;
+    unsetenv("TMPDIR");
+    if (deviceOf(folder.path()) == deviceOf(other.path()))
         GTEST_SKIP() << "no second file system";
     const std::string content = randomBytes(3'000'000, 1);
     const std::string longName(255, 'n');
@@ -118,6 +115,10 @@ TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
         EXPECT_EQ(FileMove::moveItem(folder / "from", to), std::errc::file_too_large);
         setrlimit(RLIMIT_FSIZE, &former);
         signal(SIGXFSZ, handler);
+    });
+    inThread([&] {
+        letFail(SYS_fsync, EIO);
+        EXPECT_EQ(FileMove::moveItem(folder / "from", to), std::errc::io_error);
     });
     EXPECT_EQ(namesIn(other / "to"), Names{"taken"});
     EXPECT_EQ(readFile(folder / "from"), content);
