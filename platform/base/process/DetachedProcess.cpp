@@ -44,7 +44,8 @@ void reapLater(pid_t pid)
 
 DetachedProcess::DetachedProcess(const Setup& setup)
 {
-    const SpawnPlan plan({.error = STDERR_FILENO}, SpawnPlan::Group::ofItsOwnSession);
+    const SpawnPlan plan(
+        {.output = setup.output, .error = STDERR_FILENO}, SpawnPlan::Group::ofItsOwnSession);
     std::vector<std::string> vector = setup.arguments;
     vector.insert(vector.begin(), setup.program);
     std::vector<std::string> environment = Environment::ours(setup.changedEnvironment);

@@ -5,13 +5,12 @@
 #include "platform/base/process/Environment.h"
 #include "platform/base/process/Task.h"
 #include "shared/Library/Extras/QKUtility.h"
+#include "system/TextNumber.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 
 #include <unistd.h>
 
@@ -23,15 +22,6 @@ QKUtility::Terminator& terminator()
 {
     static QKUtility::Terminator current = [] { QCoreApplication::exit(); };
     return current;
-}
-
-// What has too many digits becomes the largest number.
-std::int32_t numberIn(const std::string& digits)
-{
-    std::int32_t number = 0;
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::int32_t>::max()
-                                                       : number;
 }
 
 } // namespace
@@ -79,7 +69,7 @@ try {
     std::string digits;
     std::copy_if(output.begin(), output.end(), std::back_inserter(digits),
         [](char byte) { return byte >= '0' && byte <= '9'; });
-    return numberIn(digits);
+    return TextNumber::intValue(digits);
 } catch (const std::exception&) {
     return 0;
 }
