@@ -71,10 +71,9 @@ TEST_F(UserDefaultsExtrasTest, pointsAndDatesLosePrecision)
     EXPECT_EQ(pointForKey(defaults, key), QPointF(0, 0));
     setPoint(defaults, {0.1, -1e20}, key);
     EXPECT_EQ(pointForKey(UserDefaults(file), key), QPointF(0.1F, -1e20F));
-    QVariantMap dictionary; // keeps what it is given
-    DictionaryAccess::setFloat(dictionary, 0.1F, u"float"_qs);
+    QVariantMap dictionary;
     DictionaryAccess::setPoint(dictionary, {0.1, 2}, key);
-    EXPECT_EQ(dictionary, (QVariantMap{{u"float"_qs, 0.1F}, {key, QVariantList{0.1, 2.0}}}));
+    EXPECT_EQ(dictionary[key].toList().front(), 0.1);
     defaults.setObject(dictionary[key], key);
     EXPECT_EQ(pointForKey(defaults, key), QPointF(0.1F, 2));
     defaults.setObject(QVariantList{1}, key);
@@ -101,6 +100,6 @@ TEST_F(UserDefaultsExtrasTest, countsIn32BitsAndWithOtherPrograms)
         EXPECT_EQ(incrementIntegerForKey(defaults, key), next);
         EXPECT_EQ(UserDefaults(file).integerForKey(key), next);
     }
-    EXPECT_EQ(
-        stringForKey(defaults, key, u"x"_qs) + stringForKey(defaults, u"no"_qs, u"x"_qs), u"1x");
+    EXPECT_EQ(stringForKey(defaults, key, u"x"_qs), u"1");
+    EXPECT_EQ(stringForKey(defaults, u"no"_qs, u"x"_qs), u"x");
 }
