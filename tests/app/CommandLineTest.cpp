@@ -1,6 +1,5 @@
 #include "app/commandline/CommandLine.h"
 
-#include "app/commandline/TerminalProgress.h"
 #include "app/job/ProposedName.h"
 #include "app/job/ToolMessages.h"
 
@@ -53,23 +52,6 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
     }
 }
 
-TEST(CommandLine, takesOptionsInBothForms)
-{
-    const CommandLine plain = CommandLine::parse({"a", "--to", "d", "--", "-b"});
-    EXPECT_EQ(plain.type, ArchiveTypePlainZip);
-    EXPECT_EQ(plain.level, 6);
-    EXPECT_TRUE(plain.excludeDSStore);
-    EXPECT_EQ(plain.files, (std::vector<std::filesystem::path>{"a", "-b"}));
-    const CommandLine all = CommandLine::parse({"--to=--x=y", "--type", "dmg", "--level=0",
-        "--keep-ds-store", "--password-stdin", "--quiet", "--name", "Demo.dmg", "a"});
-    EXPECT_EQ(all.toFolder, "--x=y");
-    EXPECT_EQ(all.type, ArchiveTypeDiskImage);
-    EXPECT_EQ(all.level, 0);
-    EXPECT_FALSE(all.excludeDSStore);
-    EXPECT_TRUE(all.passwordFromInput && all.quiet);
-    EXPECT_EQ(all.name, "Demo");
-}
-
 TEST(CommandLine, namesArchivesThatFitAFileName)
 {
     struct Case {
@@ -101,7 +83,6 @@ TEST(CommandLine, namesArchivesThatFitAFileName)
         EXPECT_EQ(line.name.value_or(proposedName({"/x/" + each.item}, false, line.extension())),
             each.expected);
     }
-    const CommandLine line = CommandLine::parse({"--to=d", "a", "b"});
     EXPECT_EQ(proposedName({"/a", "/b"}, false, ".zip"), "Untitled");
     EXPECT_EQ(proposedName({"/"}, false, ".zip"), "Untitled");
 }
@@ -138,18 +119,4 @@ TEST(ToolMessages, keepsTheWordsOfToolsAndTheirStatuses)
     EXPECT_EQ(many.lines().size(), 201U);
     EXPECT_EQ(many.lines().back(), "… and 701 more");
     EXPECT_LT(many.lines().front().size(), 10'000U);
-}
-
-TEST(TerminalProgress, fillsTheWidthItGetsAndNoMore)
-{
-    struct Case {
-        int columns;
-        const char* text;
-    };
-    const Case cases[] = {{79, "[####################                    ]  50% 60 of 120"},
-        {30, "[######       ]  50% 60 of 120"}, {20, " 50% 60 of 120"}, {13, "50%"}, {2, ""},
-        {-1, ""}};
-    for (const Case& each : cases)
-        EXPECT_EQ(TerminalProgress::text(60, 120, each.columns), each.text) << each.columns;
-    EXPECT_EQ(TerminalProgress::text(7, 5, 11), "100% 5 of 5"); // more than was announced
 }

@@ -1,10 +1,11 @@
 // The part of QKUtility that runs programs.
 
 #include "platform/base/bundle/Bundle.h"
-#include "platform/base/bundle/TextNumber.h"
 #include "platform/base/process/DetachedProcess.h"
+#include "platform/base/process/Environment.h"
 #include "platform/base/process/Task.h"
 #include "shared/Library/Extras/QKUtility.h"
+#include "system/TextNumber.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -23,14 +24,6 @@ QKUtility::Terminator& terminator()
     return current;
 }
 
-std::vector<std::string> ourEnvironment()
-{
-    std::vector<std::string> entries;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
-        entries.emplace_back(*entry);
-    return entries;
-}
-
 } // namespace
 
 std::string QKUtility::runCommand(const std::filesystem::path& command,
@@ -40,13 +33,13 @@ std::string QKUtility::runCommand(const std::filesystem::path& command,
 {
     Task task({.launchPath = command,
         .arguments = withArguments,
-        .environment = ourEnvironment(),
+        .environment = Environment::ours(),
         .currentDirectory = currentDirectoryPath.value_or(std::filesystem::path()),
         .input = Task::Input::emptyPipe,
         .output = Task::Output::standardErrorIsOurs});
     std::string output;
     task.launch();
-    task.readToEndOfOutput([&](Task::Stream, std::string_view bytes) { output += bytes; });
+    task.readToEndOfOutput([&](std::string_view bytes) { output += bytes; });
     if (terminationStatus != nullptr)
         *terminationStatus = task.terminationStatus();
     return output;

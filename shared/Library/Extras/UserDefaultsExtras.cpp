@@ -2,9 +2,9 @@
 
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/bundle/PropertyList.h"
-#include "platform/base/bundle/TextNumber.h"
 #include "shared/Library/Extras/ValueCoding.h"
 #include "system/ReferenceDate.h"
+#include "system/TextNumber.h"
 
 #include <chrono>
 #include <stdexcept>
