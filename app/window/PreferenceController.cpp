@@ -15,7 +15,6 @@ const QString hideAdvertKey = QStringLiteral("HideAdvert");
 
 PreferenceController::PreferenceController()
 {
-    _defaultsController.setAppliesImmediately(false);
 }
 
 PreferenceController::~PreferenceController() = default;
@@ -26,9 +25,7 @@ void PreferenceController::awakeFromNib(QKWindow* onWindow)
     Ui::Preference preference;
     preference.setupUi(_nonAppStorePreferencesWindow);
     _hideAdvertBtn = preference.hideAdvertBtn;
-    [[maybe_unused]] const QStringList unbound
-        = _defaultsController.bind(_nonAppStorePreferencesWindow);
-    Q_ASSERT_X(unbound.isEmpty(), "Preference", qPrintable(unbound.join(u'\n')));
+    _defaultsController.bind(_nonAppStorePreferencesWindow);
     connect(preference.hideAdvertBtn, &QCheckBox::clicked, this,
         [this] { toggleAdvert(_hideAdvertBtn); });
     connect(preference.acceptButton, &QPushButton::clicked, this, [this] { accept(sender()); });

@@ -25,10 +25,11 @@ std::optional<Read> read(std::span<const std::byte> bytes)
 {
     const FileDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
     const auto size = static_cast<::ssize_t>(bytes.size());
-    require(::pwrite(file.get(), bytes.data(), bytes.size(), 0) == size, "memory holds the input");
+    require(
+        ::pwrite(file.number(), bytes.data(), bytes.size(), 0) == size, "memory holds the input");
     SpillBuffer records("/tmp"); // which an input of this size never takes
     try {
-        Read result{.archive = ExistingArchive::read(file.get(), bytes.size(), records)};
+        Read result{.archive = ExistingArchive::read(file.number(), bytes.size(), records)};
         records.read(records.size(), [&](std::span<const std::byte> piece) {
             result.records.insert(result.records.end(), piece.begin(), piece.end());
         });

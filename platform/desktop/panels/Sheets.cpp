@@ -16,7 +16,7 @@ void attach(QDialog* sheet, QWidget* onWindow)
     if (sheet->parentWidget() != onWindow || sheet->windowType() != Qt::Sheet)
         sheet->setParent(onWindow, flags);
     sheet->setWindowModality(Qt::WindowModal);
-    if (sheet->windowTitle().isEmpty())
+    if (sheet->windowTitle().isEmpty() && onWindow)
         sheet->setWindowTitle(onWindow->windowTitle()); // screen readers begin with it
 }
 

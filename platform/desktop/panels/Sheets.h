@@ -10,8 +10,8 @@ class QWidget;
 namespace Sheets
 {
 
-// Shows the dialog as a sheet on the window and returns at once. The sheet becomes the window's
-// child, but stays the caller's to delete.
+// Shows the dialog as a sheet on the window, or without one as a window of its own, and returns at
+// once. The sheet becomes the window's child, but stays the caller's to delete.
 void begin(QDialog* sheet, QWidget* onWindow);
 
 // The same, then serves events until the sheet is done; the result is what done() was given, 0 when

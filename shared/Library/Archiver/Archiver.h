@@ -160,7 +160,6 @@ private:
         const std::string& inMethod, const Archiver* object, int lineNumber, const char* text);
     void _stageCopy(const Path& item, const Path& entry) const;
     static std::optional<std::string> _filenameFromData(std::string_view data);
-    static int _numberOfLinesInData(std::string_view data);
     void _replaceArchive(const Path& archive, const Path& byArchive) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);

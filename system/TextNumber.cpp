@@ -1,4 +1,4 @@
-#include "platform/base/bundle/TextNumber.h"
+#include "system/TextNumber.h"
 
 #include <algorithm>
 #include <charconv>

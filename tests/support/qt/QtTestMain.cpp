@@ -1,4 +1,7 @@
-#pragma once
+// The main function of test programs whose tests take a QApplication.
+//
+// The user's own files are out of reach: the home folder and those for configuration, data, caches
+// and state are private to the run. There is no display unless QT_QPA_PLATFORM asks for one.
 
 #include "tests/support/TestFolder.h"
 
@@ -8,11 +11,6 @@
 
 #include <gtest/gtest.h>
 
-// The main function of a test program whose tests take a QApplication. Included by one file of each
-// such program; it wins over the one that the support library brings.
-//
-// The user's own files are out of reach: the home folder and those for configuration, data, caches
-// and state are private to the run. There is no display unless QT_QPA_PLATFORM asks for one.
 int main(int argc, char** argv)
 {
     const support::TestFolder home;
