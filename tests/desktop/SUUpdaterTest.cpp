@@ -1,5 +1,6 @@
 #include "platform/desktop/updates/SUUpdater.h"
 
+#include "platform/desktop/panels/Sheets.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/NotingDesktop.h"
 
@@ -11,7 +12,6 @@
 #include <QPushButton>
 #include <QTest>
 
-#include <algorithm>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -58,14 +58,7 @@ protected:
 
     QVariant& lastCheck() { return defaults["SULastCheckTime"]; }
 
-    // The dialog on the window that is up.
-    QDialog* sheet() const
-    {
-        const auto dialogs = window.findChildren<QDialog*>();
-        const auto isUp = [](const QDialog* dialog) { return dialog->isVisible(); };
-        const auto found = std::ranges::find_if(dialogs, isUp);
-        return found == dialogs.end() ? nullptr : *found;
-    }
+    QDialog* sheet() const { return Sheets::attachedSheet(&window); }
 
     void waitForSheet()
     {
@@ -195,10 +188,9 @@ TEST_F(SUUpdaterTest, offersPagesOfTheWebAndWhatIsNewAsPlainText)
         EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
         const bool hasPage = each.button == std::string_view("openPage");
         EXPECT_EQ(sheet()->findChild<QPushButton*>("openPage") != nullptr, hasPage);
-        if (auto* notes = sheet()->findChild<QPlainTextEdit*>("whatIsNew"))
-            EXPECT_EQ(notes->toPlainText(), "Faster");
-        else
-            EXPECT_FALSE(each.item.contains(description));
+        const auto* notes = sheet()->findChild<QPlainTextEdit*>("whatIsNew");
+        EXPECT_EQ(
+            notes ? notes->toPlainText() : "", each.item.contains(description) ? "Faster" : "");
         if (hasPage)
             QTest::keyClick(sheet(), Qt::Key_Return);
         else

@@ -249,18 +249,14 @@ TEST_F(ArchiverTest, collectsOutputWithoutADelegateAndStreamsItWithOne)
     EXPECT_EQ(archiver->runCommand(tar, {"x"}, std::nullopt, &status), "out\nerr\n");
     EXPECT_EQ(status, 3);
 
+    makeFifo(folder / "gate");
+    plan("echo one; read -r go <\"$TMPDIR/gate\"; printf 'two\\nthree\\n'");
     std::string output;
     auto delegate = noting();
-    delegate.toolOutput = [&](std::string_view bytes) { output += bytes; };
-    archiver->setDelegate(delegate);
-    plan("echo one; while [ ! -f \"$TMPDIR/go\" ]; do sleep 0.01; done; printf 'two\\nthree\\n'");
-    std::jthread releaser([&] {
-        EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "told"); }));
-        writeFile(folder / "go", "");
-    });
-    delegate.progressBy = [&, note = delegate.progressBy](int lines) {
-        note(lines);
-        writeFile(folder / "told", ""); // while the tool still runs
+    delegate.toolOutput = [&](std::string_view bytes) {
+        if (output.empty())
+            writeFile(folder / "gate", "go\n"); // the tool still runs
+        output += bytes;
     };
     archiver->setDelegate(delegate);
     status = -1;
@@ -291,24 +287,20 @@ TEST_F(ArchiverTest, takesNamesAndCountsFromChunks)
     for (const Case& each : cases) {
         SCOPED_TRACE(each.chunk);
         writeFile(folder / "chunk", each.chunk);
+        const auto toldOfRun = [&](const ArchiverDelegate& delegate) {
+            archiver->setDelegate(delegate);
+            archiver->runCommand(Archiver::tarPath(), {}, std::nullopt, nullptr);
+            EXPECT_EQ(told.back(), "task 0");
+            told.pop_back();
+            return std::exchange(told, {});
+        };
         auto delegate = noting();
-        told.clear();
-        archiver->setDelegate(delegate);
-        archiver->runCommand(Archiver::tarPath(), {}, std::nullopt, nullptr);
-        Lines expected{"task 0"};
-        if (each.lines > 0)
-            expected.insert(expected.begin(), "progress " + std::to_string(each.lines));
-        EXPECT_EQ(told, expected);
-
-        told.clear();
+        EXPECT_EQ(toldOfRun(delegate),
+            each.lines > 0 ? Lines{"progress " + std::to_string(each.lines)} : Lines{});
         delegate.archiverDidAddFile
             = [this](const std::string& name) { told.push_back("added " + name); };
-        archiver->setDelegate(delegate);
-        archiver->runCommand(Archiver::tarPath(), {}, std::nullopt, nullptr);
-        expected = {"task 0"};
-        if (each.added != nullptr)
-            expected.insert(expected.begin(), std::string("added ") + each.added);
-        EXPECT_EQ(told, expected);
+        EXPECT_EQ(toldOfRun(delegate),
+            each.added != nullptr ? Lines{std::string("added ") + each.added} : Lines{});
     }
 }
 

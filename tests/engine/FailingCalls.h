@@ -11,12 +11,15 @@
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 
-// Lets a system call fail from now on, in this thread for good.
-inline void letFail(unsigned call, unsigned reason)
+// Lets a system call fail from now on, in this thread for good; where its first argument is a
+// descriptor, perhaps only from one number on.
+inline void letFail(unsigned call, unsigned reason, unsigned fromDescriptor = 0)
 {
-    std::array<sock_filter, 4> program{{
+    std::array<sock_filter, 6> program{{
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args)), // its lower half
+        BPF_JUMP(BPF_JMP | BPF_JGE | BPF_K, fromDescriptor, 0, 1),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | reason),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     }};

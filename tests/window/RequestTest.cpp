@@ -47,7 +47,24 @@ protected:
         EXPECT_TRUE(box().files().empty());
     }
 
+    // From now on every message is noted, as its title and text, and put away.
+    void readMessages()
+    {
+        QObject::connect(&_reader, &QTimer::timeout, &window(), [this] {
+            QDialog* sheet = Sheets::attachedSheet(&window());
+            if (sheet == nullptr || sheet->findChild<QLabel*>("alertTitle") == nullptr)
+                return;
+            told.push_back(textOf("alertTitle") + "|" + textOf("alertMessage"));
+            sheet->reject();
+        });
+        _reader.start(5);
+    }
+
     const Path source = folder.path() / "source";
+    std::vector<std::string> told;
+
+private:
+    QTimer _reader;
 };
 
 TEST_F(Request, proposesTheNameOfASingleItem)
@@ -228,16 +245,17 @@ TEST_F(Request, tellsWhatKeepsItFromBeginning)
         {"Demo", ArchiveTypeDiskImage, "/usr/bin/hdiutil"},
     };
     start({{"SelectedDestination", DestinationTagEmail}});
-    for (const auto& [name, type, told] : cases) {
+    readMessages();
+    for (const auto& [name, type, reason] : cases) {
         store("ArchiveType", type);
-        alerts.clear();
+        told.clear();
         whenSheetIsUp([name = name](QDialog* sheet) {
             QTest::keyClicks(sheet->focusWidget(), QLatin1String(name));
             QTest::keyClick(sheet, Qt::Key_Return);
         });
         drop({source / "one.txt"});
-        ASSERT_TRUE(waitFor([&] { return !alerts.empty(); }));
-        EXPECT_NE(alerts.front().find(told), std::string::npos) << alerts.front();
+        ASSERT_TRUE(waitFor([&] { return !told.empty(); }));
+        EXPECT_NE(told.front().find(reason), std::string::npos) << told.front();
         waitForTheEnd();
     }
     EXPECT_TRUE(composer.mailed.empty());
@@ -246,17 +264,7 @@ TEST_F(Request, tellsWhatKeepsItFromBeginning)
 TEST_F(Request, tellsWhatIsLeftOutAndWhatTheDesktopCouldNotDo)
 {
     start();
-    std::vector<std::string> told; // title and message
-    QTimer reader; // of every message that comes
-    QObject::connect(&reader, &QTimer::timeout, &window(), [&] {
-        QDialog* sheet = Sheets::attachedSheet(&window());
-        if (sheet == nullptr || sheet->findChild<QLabel*>("alertTitle") == nullptr)
-            return;
-        told.push_back(sheet->findChild<QLabel*>("alertTitle")->text().toStdString() + "|"
-            + sheet->findChild<QLabel*>("alertMessage")->text().toStdString());
-        sheet->reject();
-    });
-    reader.start(5);
+    readMessages();
     std::size_t count = 0;
     const auto nextIs = [&](const std::string& title, const std::string& end) {
         ASSERT_TRUE(waitFor([&] { return told.size() > count; })) << title;
