@@ -4,9 +4,9 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QString>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QString>
 
 #include <gtest/gtest.h>
 

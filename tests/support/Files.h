@@ -1,3 +1,4 @@
+// What tests do with files. All of these throw std::system_error when the system refuses.
 #pragma once
 
 #include <chrono>
@@ -11,13 +12,9 @@
 namespace support
 {
 
-// All of these throw std::system_error when the system refuses.
-
 // Makes or replaces a file; missing parent folders are made too.
 void writeFile(const std::filesystem::path& file, std::string_view content);
 std::string readFile(const std::filesystem::path& file);
-// Everything from the current contents of an open file that can be read by position.
-std::string readFile(int descriptor);
 // The modification (and access) time; of a link itself, not of what it leads to.
 void setTime(
     const std::filesystem::path& file, std::int64_t secondsSince1970, long nanoseconds = 0);
@@ -30,7 +27,6 @@ std::string randomBytes(std::size_t sizeInBytes, unsigned seed);
 // Text that compresses to about a third, the same for the same seed.
 std::string someText(std::size_t sizeInBytes, unsigned seed = 1);
 // The names in a folder, sorted by bytes.
-std::vector<std::string> namesIn(int folder);
 std::vector<std::string> namesIn(const std::filesystem::path& folder);
 
 // Polls until `condition` holds; false when it did not come true in time.

@@ -1,3 +1,4 @@
+// Other programs that read archives.
 #pragma once
 
 #include "tests/support/TreeSnapshot.h"
@@ -9,18 +10,15 @@
 namespace support
 {
 
-// Another program that reads archives. In the commands {archive} and {folder} stand for paths.
+// In the commands {archive} and {folder} stand for paths.
 struct ForeignReader {
     std::string name;
     std::vector<std::string> test; // status 0 when the archive is whole
     std::vector<std::string> extract;
     Tolerance tolerance; // of what `extract` brings back
 };
-
-// unzip, 7z, bsdtar, python
-const std::vector<ForeignReader>& zipReaders();
-// tar, bsdtar, 7z, python
-const std::vector<ForeignReader>& tarReaders();
+const std::vector<ForeignReader>& zipReaders(); // unzip, 7z, bsdtar
+const std::vector<ForeignReader>& tarReaders(); // tar, bsdtar, 7z
 
 // What is wrong with `archive` when each of the readers tests it.
 std::vector<std::string> complaintsOf(

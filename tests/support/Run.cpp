@@ -1,9 +1,6 @@
 #include "tests/support/Run.h"
 
-#include <algorithm>
 #include <csignal>
-#include <cstdlib>
-#include <iterator>
 #include <system_error>
 
 #include <poll.h>
@@ -22,19 +19,28 @@ namespace
 constexpr int timedOut = 124;
 constexpr int cannotStart = 127;
 
-int memoryFile()
+template <typename Result> Result checked(Result result, const char* call)
 {
-    const int file = memfd_create("stream", MFD_CLOEXEC);
-    if (file < 0)
-        throw std::system_error(errno, std::generic_category(), "memfd_create");
-    return file;
+    if (result < 0)
+        throw std::system_error(errno, std::generic_category(), call);
+    return result;
+}
+
+FileDescriptor memoryFile()
+{
+    return FileDescriptor(checked(::memfd_create("stream", MFD_CLOEXEC), "memfd_create"));
+}
+
+std::string pathOf(const FileDescriptor& file)
+{
+    return "/proc/self/fd/" + std::to_string(file.number());
 }
 
 std::vector<char*> pointersTo(const std::vector<std::string>& strings)
 {
     std::vector<char*> pointers;
-    std::transform(strings.begin(), strings.end(), std::back_inserter(pointers),
-        [](const std::string& string) { return const_cast<char*>(string.c_str()); });
+    for (const std::string& string : strings)
+        pointers.push_back(const_cast<char*>(string.c_str()));
     pointers.push_back(nullptr);
     return pointers;
 }
@@ -46,57 +52,59 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOpt
     , _out(memoryFile())
     , _err(memoryFile())
 {
-    const FileDescriptor in(memoryFile());
-    writeFile("/proc/self/fd/" + std::to_string(in.number()), _options.input);
+    const FileDescriptor in = memoryFile();
+    writeFile(pathOf(in), _options.input);
     // Everything is allocated here: after fork() only plain system calls are safe.
     const std::vector<char*> argv = pointersTo(arguments);
-    const std::vector<std::string> strings
-        = _options.environment.value_or(std::vector<std::string>());
-    const std::vector<char*> given = pointersTo(strings);
+    const std::vector<char*> given
+        = _options.environment ? pointersTo(*_options.environment) : std::vector<char*>();
     char* const* environment = _options.environment ? given.data() : environ;
     const char* folder = _options.folder.empty() ? "." : _options.folder.c_str();
 
-    _pid = fork();
-    if (_pid < 0)
-        throw std::system_error(errno, std::generic_category(), "fork");
+    _pid = checked(::fork(), "fork");
     if (_pid == 0) {
-        setpgid(0, 0);
-        const bool ready = dup2(in.number(), STDIN_FILENO) == STDIN_FILENO
-            && dup2(_out.number(), STDOUT_FILENO) == STDOUT_FILENO
-            && dup2(_err.number(), STDERR_FILENO) == STDERR_FILENO && chdir(folder) == 0;
+        ::setpgid(0, 0);
+        const bool ready = ::dup2(in.number(), STDIN_FILENO) == STDIN_FILENO
+            && ::dup2(_out.number(), STDOUT_FILENO) == STDOUT_FILENO
+            && ::dup2(_err.number(), STDERR_FILENO) == STDERR_FILENO && ::chdir(folder) == 0;
         if (ready)
-            execvpe(argv[0], argv.data(), environment);
-        _exit(cannotStart);
+            ::execvpe(argv[0], argv.data(), environment);
+        ::_exit(cannotStart);
     }
-    setpgid(_pid, _pid); // whichever of the two comes first
+    ::setpgid(_pid, _pid); // whichever of the two comes first
 }
 
 RunningProgram::~RunningProgram()
 {
     if (_ended)
         return;
-    kill(-_pid, SIGKILL);
-    waitpid(_pid, nullptr, 0);
+    ::kill(-_pid, SIGKILL);
+    ::waitpid(_pid, nullptr, 0);
+}
+
+std::string RunningProgram::contentOf(const FileDescriptor& stream)
+{
+    return readFile(pathOf(stream));
 }
 
 void RunningProgram::signal(int number) const
 {
-    kill(_pid, number);
+    ::kill(_pid, number);
 }
 
 RunResult RunningProgram::wait()
 {
     // glibc 2.36 declares pidfd_open() with C++ linkage, so that it cannot be linked.
-    const FileDescriptor program(static_cast<int>(syscall(SYS_pidfd_open, _pid, 0)));
+    const FileDescriptor program(static_cast<int>(::syscall(SYS_pidfd_open, _pid, 0)));
     pollfd end = {program.number(), POLLIN, 0};
     const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(_options.timeout);
-    const bool inTime = poll(&end, 1, static_cast<int>(timeout.count())) == 1;
+    const bool inTime = ::poll(&end, 1, static_cast<int>(timeout.count())) == 1;
     if (!inTime)
-        kill(-_pid, SIGKILL);
+        ::kill(-_pid, SIGKILL);
 
     int status = 0;
     rusage usage = {};
-    wait4(_pid, &status, 0, &usage);
+    ::wait4(_pid, &status, 0, &usage);
     _ended = true;
     const int code = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     return {inTime ? code : timedOut, out(), err(), usage.ru_maxrss * 1024};

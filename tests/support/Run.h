@@ -1,3 +1,4 @@
+// Programs that tests start.
 #pragma once
 
 #include "system/FileDescriptor.h"
@@ -43,12 +44,14 @@ public:
     pid_t pid() const { return _pid; }
     // To the program alone, as a user's `kill` would.
     void signal(int number) const;
-    std::string out() const { return readFile(_out.number()); }
-    std::string err() const { return readFile(_err.number()); }
+    std::string out() const { return contentOf(_out); }
+    std::string err() const { return contentOf(_err); }
     // Waits for the end; after the timeout the whole group is killed.
     RunResult wait();
 
 private:
+    static std::string contentOf(const FileDescriptor& stream);
+
     const RunOptions _options;
     const FileDescriptor _out;
     const FileDescriptor _err;

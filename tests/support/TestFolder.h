@@ -2,8 +2,12 @@
 // permissions and depth the test left there. It lies in $TMPDIR, or in /tmp.
 #pragma once
 
+#include "tests/support/Run.h"
+
+#include <cstdlib>
 #include <filesystem>
-#include <string_view>
+#include <string>
+#include <system_error>
 
 namespace support
 {
@@ -11,8 +15,18 @@ namespace support
 class TestFolder
 {
 public:
-    TestFolder();
-    ~TestFolder();
+    TestFolder()
+    {
+        std::string name = std::filesystem::temp_directory_path() / "parcelo-test-XXXXXX";
+        if (!::mkdtemp(name.data()))
+            throw std::system_error(errno, std::generic_category(), name);
+        _path = std::filesystem::canonical(name);
+    }
+    ~TestFolder()
+    {
+        run({"sh", "-c", R"(rm -rf "$0" 2> /dev/null || { chmod -R u+rwx "$0"; rm -rf "$0"; })",
+            _path});
+    }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
 

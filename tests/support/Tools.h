@@ -1,3 +1,4 @@
+// The bundled tools, and runs of them as the program starts them.
 #pragma once
 
 #include "tests/support/ForeignReaders.h"
@@ -11,7 +12,14 @@
 namespace support
 {
 
-// A bundled tool: what its runs end with, and who reads its archives.
+using Names = std::vector<std::string>;
+inline const Names nothing = {};
+inline bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+// What the runs of a tool end with, and who reads its archives.
 struct Tool {
     std::string name;
     std::string archiveName;
@@ -24,22 +32,19 @@ struct Tool {
     int interrupted;
     const std::vector<ForeignReader>& readers;
 };
-const Tool& zipTool();
-const Tool& tarTool();
-const Tool& dittoTool();
-const Tool& toolNamed(const std::string& name);
+const Tool& toolNamed(const std::string& name); // zip, tar, ditto
 
 struct ToolOptions {
     std::string level = "-6"; // of zip
     unsigned threads = 0; // 0: one per core
     bool leaveOutDsStore = false;
-    std::vector<std::string> prefix = {}; // the program that starts the tool, with its arguments
-    std::vector<std::string> environment = {}; // all that the tool gets
+    Names prefix = {}; // the program that starts the tool, with its arguments
+    Names environment = {}; // all that the tool gets
 };
 
-// A run of a tool on one item, from the item's folder as the program starts it.
+// A run of a tool on one item, from the item's folder.
 struct ToolCall {
-    std::vector<std::string> arguments;
+    Names arguments;
     RunOptions options;
 };
 ToolCall callOf(const Tool& tool, const std::filesystem::path& archive,
@@ -48,20 +53,20 @@ RunResult run(const Tool& tool, const std::filesystem::path& archive,
     const std::filesystem::path& item, const ToolOptions& options = {});
 
 // The names in `warning: NAME: reason` lines, sorted; any other line as it stands.
-std::vector<std::string> warnedNames(const RunResult& result);
+Names warnedNames(const RunResult& result);
 
 // Everything that is not as it should be about a run that made an archive of `expected`: an entry
 // without its one line of progress, a fault in the structure of a zip, a reader that does not bring
 // the tree back. Readers in `except` are not asked.
-std::vector<std::string> faultsOf(const Tool& tool, const RunResult& result,
-    const std::filesystem::path& archive, const TreeSnapshot& expected,
-    const std::set<std::string>& except = {});
+Names faultsOf(const Tool& tool, const RunResult& result, const std::filesystem::path& archive,
+    const TreeSnapshot& expected, const std::set<std::string>& except = {});
 
-// Runs with the rights of an ordinary user. That user cannot reach every place: `tool` is copied to
-// `folder`, which is opened to all.
+// Runs with the rights of an ordinary user. That user cannot reach every place: the tool is copied
+// to `folder`, which is opened to all.
 ToolCall asOrdinaryUser(ToolCall call, const std::filesystem::path& folder);
 
-inline const std::vector<std::string> nothing = {};
+// Everything is to be tried, however long it takes, and not a sample of it: PARCELO_ALL_TESTS is 1.
+bool isFullSweep();
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool isSanitized = true; // slower, and with an address space of its own

@@ -1,3 +1,4 @@
+// A tree of files as it is at one moment, to be compared with what an archive brings back.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +19,6 @@ struct TreeEntry {
     std::uint64_t sizeInBytes = 0;
     std::uint64_t contentHash = 0;
     std::string target = {};
-    ino_t inode = 0;
 };
 
 // Everything below a folder by its path in it. Made by descriptors, so any depth will do.
@@ -29,7 +29,6 @@ TreeSnapshot snapshot(const std::filesystem::path& folder);
 struct Tolerance {
     mode_t modeMask = 07777;
     std::int64_t seconds = 0; // by how much times may differ; negative: they are not compared
-    bool linksAsFiles = false; // a link comes back as a file that holds its target
 };
 
 // One readable line per difference; none when the trees are equal.

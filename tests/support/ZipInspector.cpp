@@ -2,8 +2,6 @@
 
 #include "tests/support/Run.h"
 
-#include <algorithm>
-#include <iterator>
 #include <sstream>
 
 namespace support
@@ -12,8 +10,8 @@ namespace support
 std::vector<std::string> ZipReport::names() const
 {
     std::vector<std::string> names;
-    std::transform(entries.begin(), entries.end(), std::back_inserter(names),
-        [](const ZipEntry& entry) { return entry.name; });
+    for (const ZipEntry& entry : entries)
+        names.push_back(entry.name);
     return names;
 }
 
@@ -30,14 +28,13 @@ ZipReport inspectZip(const std::filesystem::path& archive, std::size_t foreignEn
         return field;
     };
     const auto number = [&] { return std::stoll(text()); };
-
     ZipReport report;
     for (auto left = number(); left > 0; --left)
         report.complaints.push_back(text());
     report.comment = text();
     report.hasZip64End = number() != 0;
     while (fields.peek() != std::istringstream::traits_type::eof())
-        report.entries.push_back({text(), number(), number(), number(), number(), number() != 0});
+        report.entries.push_back({text(), number(), number() != 0});
     return report;
 }
 

@@ -1,3 +1,4 @@
+// A strict look at the structure of a zip.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +11,6 @@ namespace support
 
 struct ZipEntry {
     std::string name;
-    std::int64_t size;
-    std::int64_t time; // seconds since 1970, from the extra fields
-    std::int64_t dosDate;
     std::int64_t localOffset;
     bool hasZip64Field;
 };

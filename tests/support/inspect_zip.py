@@ -2,16 +2,18 @@
 
 Local and central records must agree, the records and their data must fill the file without gap or
 overlap, and entries must be written as this program writes them: sizes in the local record, zip64
-only when a number needs it, bit 11 for the names that need it, times that do not wrap. The first
-FOREIGN entries are other programs' work: only their place is checked.
+only when a number needs it, bit 11 for the names that need it, times that do not wrap and are the
+same in both fields. The first FOREIGN entries are other programs' work: only their place is checked.
 
 Prints, each ended by a NUL: the number of complaints, these, the comment, whether there is a zip64
-end; then for each entry its name, size, time, DOS date, offset and whether it has a zip64 field.
+end; then for each entry its name, its offset and whether it has a zip64 field.
 """
 
 import mmap
+import os
 import struct
 import sys
+import time
 
 ONES = 0xFFFFFFFF
 LOCAL, CENTRAL, END = b"PK\3\4", b"PK\1\2", b"PK\5\6"
@@ -32,6 +34,17 @@ def is_utf8(name):
         return name.decode() is not None
     except UnicodeDecodeError:
         return False
+
+
+def dos_date_and_time(seconds):
+    """In the system's zone; what lies outside of what the format holds becomes the nearest."""
+    os.environ.pop("TZ", None)
+    time.tzset()
+    local = time.localtime(seconds)
+    if not 1980 <= local.tm_year <= 2107:
+        local = (1980, 1, 1, 0, 0, 0) if local.tm_year < 1980 else (2107, 12, 31, 23, 59, 59)
+    year, month, day, hour, minute, second = local[:6]
+    return (year - 1980) << 9 | month << 5 | day, hour << 11 | minute << 5 | second // 2
 
 
 class Record:
@@ -76,7 +89,6 @@ def read_central(data, at, ours):
     entry.name = data[at + 46:at + 46 + entry.name_size]
     entry.read_extras(data, at + 46 + entry.name_size)
     entry.resolve(["size", "packed", "offset"], ours)
-    entry.seconds = 0
     require(disk == 0, entry.name, "is said to be on another disk")
     if ours:
         require(made_by >> 8 == 3, entry.name, "was not made on Unix")
@@ -100,12 +112,13 @@ def check_as_ours(entry, mode):
     unix, ntfs = entry.extras.get(UNIX_TIME), entry.extras.get(NTFS)
     require((unix is None) != (ntfs is None), name, "must have one of the two time fields")
     if unix is not None:
-        entry.seconds, = struct.unpack_from("<L", unix, 1)
-        require(entry.seconds < 1 << 31, name, "has a time that wraps")
-    elif ntfs is not None:
+        seconds, = struct.unpack_from("<L", unix, 1)
+        require(seconds < 1 << 31, name, "has a time that wraps")
+    else:
         require(len(ntfs) == 32, name, "has a time field of another size")
-        entry.seconds = struct.unpack_from("<q", ntfs, 8)[0] // 10**7 - 11644473600
-        require(not 0 <= entry.seconds < 1 << 31, name, "has a long time without need")
+        seconds = struct.unpack_from("<q", ntfs, 8)[0] // 10**7 - 11644473600
+        require(not 0 <= seconds < 1 << 31, name, "has a long time without need")
+    require((entry.date, entry.time) == dos_date_and_time(seconds), name, "has another DOS time")
 
 
 def end_of_local(data, entry, ours):
@@ -168,12 +181,11 @@ def main():
         try:
             data = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
             entries, comment, zip64 = inspect(data, int(sys.argv[2]))
-        except (struct.error, ValueError) as error:
+        except (struct.error, TypeError, ValueError) as error:
             require(False, "cannot be read:", error)
     fields = [len(complaints), *complaints, comment, int(zip64)]
     for entry in entries:
-        fields += [entry.name, entry.size, entry.seconds, entry.date, entry.offset,
-                   int(ZIP64 in entry.extras)]
+        fields += [entry.name, entry.offset, int(ZIP64 in entry.extras)]
     for field in fields:
         sys.stdout.buffer.write((field if isinstance(field, bytes) else str(field).encode()) + b"\0")
 

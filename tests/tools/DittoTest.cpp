@@ -1,26 +1,21 @@
 // What only the resource-preserving tool does: extended attributes, and copies of trees.
 
-#include "tests/support/TestFolder.h"
-#include "tests/support/Tools.h"
+#include "tests/tools/ToolTest.h"
 
 #include <algorithm>
 #include <csignal>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-
-using namespace support;
-namespace fs = std::filesystem;
 
 namespace
 {
 
-using Names = std::vector<std::string>;
-
-class Ditto : public testing::Test
-{
-protected:
+struct Ditto : ToolTest {
+    Ditto()
+        : ToolTest("ditto")
+    {
+    }
     void SetUp() override
     {
         writeFile(item / "a", "a");
@@ -36,16 +31,6 @@ protected:
     {
         return run({PARCELO_TOOLS_DIR "/ditto", "-rsrcFork", source, target});
     }
-    Names copyFaults(const fs::path& target, const std::string& name = "item") const
-    {
-        TreeSnapshot expected = snapshot(item.parent_path());
-        std::erase_if(expected, [&](const auto& entry) { return !entry.first.starts_with(name); });
-        return differences(expected, snapshot(target));
-    }
-
-    const TestFolder folder;
-    const fs::path item = folder / "in/item";
-    const fs::path archive = folder / "a.zip";
 };
 
 std::string attributeOf(const fs::path& file, const char* name)
@@ -63,7 +48,7 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
     writeFile(item / "._a", "came with it");
     writeFile(item / "sub/plain", "plain");
     writeFile(item / "sub/\u00e9", "");
-    fs::create_symlink("a", item / "link");
+    link("link", "a");
     const struct {
         const char* file;
         const char* attribute;
@@ -81,9 +66,9 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
     };
     for (const auto& each : attributes)
         ASSERT_TRUE(setAttribute(each.file, each.attribute, each.value)) << each.attribute;
-    const TreeSnapshot expected = snapshot(folder / "in");
+    const TreeSnapshot expected = tree();
 
-    const RunResult result = run(dittoTool(), archive, item);
+    const RunResult result = make();
 
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(std::ranges::count(result.out, '\n'), static_cast<std::ptrdiff_t>(expected.size()));
@@ -95,10 +80,9 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
         "__MACOSX/item/._sub||longest-name-that-readers-take-=s|\n"
         "__MACOSX/item/sub/._\u00e9||com.apple.FinderInfo=not 32 bytes|\n");
     for (const ForeignReader& reader : zipReaders()) {
-        Names faults = extractionFaults(reader, archive, expected);
-        std::erase_if(
-            faults, [](const std::string& fault) { return fault.find("__MACOSX") != fault.npos; });
-        EXPECT_EQ(faults, nothing);
+        Names found = extractionFaults(reader, archive, expected);
+        std::erase_if(found, [](const std::string& fault) { return contains(fault, "__MACOSX"); });
+        EXPECT_EQ(found, nothing);
     }
 }
 
@@ -107,17 +91,17 @@ TEST_F(Ditto, attributesThatCannotBeKeptAreNamed)
     const std::string longName = "user." + std::string(128, 'n');
     ASSERT_TRUE(setAttribute("a", longName.c_str(), "x"));
     ASSERT_TRUE(setAttribute("a", "user.kept", "x"));
-    const RunResult tooLong = run(dittoTool(), archive, item);
-    EXPECT_EQ(tooLong.status, dittoTool().skipped);
+    const RunResult tooLong = make();
+    EXPECT_EQ(tooLong.status, tool.skipped);
     EXPECT_EQ(tooLong.err,
         "warning: item/a: extended attribute " + longName + " is too long to be stored\n");
-    EXPECT_NE(run({"unzip", "-l", archive}).out.find("__MACOSX/item/._a"), std::string::npos);
+    EXPECT_TRUE(contains(run({"unzip", "-l", archive}).out, "__MACOSX/item/._a"));
 
     // In a folder of the name that the side files have, they could meet files.
     fs::rename(item, folder / "in/__MACOSX");
-    const RunResult taken = run(dittoTool(), archive, folder / "in/__MACOSX");
+    const RunResult taken = run(tool, archive, folder / "in/__MACOSX");
     EXPECT_EQ(warnedNames(taken).back(), "__MACOSX/a");
-    EXPECT_EQ(taken.status, dittoTool().skipped);
+    EXPECT_EQ(taken.status, tool.skipped);
     fs::rename(folder / "in/__MACOSX", item);
 
     if (run({"strace", "-qq", "true"}).status != 0 || isSanitized)
@@ -125,8 +109,8 @@ TEST_F(Ditto, attributesThatCannotBeKeptAreNamed)
     for (const char* call : {"flistxattr", "fgetxattr"}) {
         const Names tracer = {"strace", "-f", "-qq", "-o", "/dev/null", "-e",
             std::string("inject=") + call + ":error=EIO"};
-        const RunResult failed = run(dittoTool(), archive, item, {.prefix = tracer});
-        EXPECT_EQ(failed.status, dittoTool().skipped);
+        const RunResult failed = make({.prefix = tracer});
+        EXPECT_EQ(failed.status, tool.skipped);
         EXPECT_EQ(warnedNames(failed).back(), "item/a") << call;
     }
 }

@@ -1,115 +1,109 @@
 // The arguments a tool takes, and what it does not let itself be told by its surroundings.
 
-#include "tests/support/TestFolder.h"
-#include "tests/support/Tools.h"
+#include "tests/tools/ToolTest.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-using namespace support;
-namespace fs = std::filesystem;
+#include <map>
+#include <sstream>
 
 namespace
 {
 
-class Usage : public testing::TestWithParam<std::string>
-{
-protected:
+struct Usage : EachTool {
     void SetUp() override
     {
-        writeFile(folder / "in/item/file", someText(3 << 20));
-        writeFile(folder / "in/item/\u00e9", "name");
-        setTime(folder / "in/item", 1'500'000'000);
+        writeFile(item / "file", someText(1'200'000));
+        writeFile(item / "\u00e9", "name");
+        setTime(item, 1'500'000'000);
     }
-    RunResult runWith(std::vector<std::string> arguments)
-    {
-        arguments.insert(arguments.begin(), PARCELO_TOOLS_DIR "/" + tool.name);
-        return run(arguments, {.folder = folder / "in"});
-    }
-
-    const Tool& tool = toolNamed(GetParam());
-    const TestFolder folder;
 };
+INSTANTIATE_TEST_SUITE_P(Tools, Usage, eachTool, [](const auto& test) { return test.param; });
+
+// The words of a line, in which OUT stands for an archive and '' for a word without letters.
+Names wordsOf(const std::string& line, const std::string& archive)
+{
+    Names words;
+    std::istringstream stream(line);
+    for (std::string word; stream >> word;)
+        words.push_back(word == "OUT" ? archive : word == "''" ? "" : word);
+    return words;
+}
 
 } // namespace
 
 TEST_P(Usage, anythingButTheOneFormIsRefused)
 {
-    const std::string made = (folder / "x").string();
-    const std::vector<std::vector<std::string>> zipForms = {{}, {"-6"}, {"-6", "-y", "-r", made},
-        {"-r", made, "./item"}, {"-y", made, "./item"}, {"-y", "-r", "-T", made, "./item"},
-        {"-66", "-y", "-r", made, "./item"}, {"-6", "-y", "-r", made, "./item", "-x", "*"},
-        {"-6", "-y", "-r", made, "./item", "-x"}, {"-6", "-y", "-r", made, "./item", "./item"},
-        {"-6", "-y", "-r", made, "./item/file"}, {"-6", "-y", "-r", made, "."},
-        {"-6", "-y", "-r", made, ".."}, {"-6", "-y", "-r", made, ""},
-        {"-6", "-y", "-r", "", "./item"}, {"-6", "-y", "-r", made, "/item"}};
-    const std::vector<std::vector<std::string>> tarForms
-        = {{}, {"-zhcf"}, {"-zhcf", made}, {"-cf", made, "item"}, {"-zhxf", made, "item"},
-            {"-zhcf", made, "item", "item"}, {"--exclude", "*", "-zhcf", made, "item"},
-            {"--exclude", "-zhcf", made, "item"}, {"-zhcf", made, ".."}, {"-zhcf", made, ""},
-            {"-zhcf", "", "item"}, {"--to-command=touch x", "-zhcf", made, "item"}};
-    const std::string in = (folder / "in").string();
-    const std::vector<std::string> form = {"-V", "-c", "-k", "--keepParent", "--sequesterRsrc"};
-    std::vector<std::vector<std::string>> dittoForms
-        = {{}, form, {"-rsrcFork"}, {"-rsrcFork", in}, {"-rsrcFork", in, made, made},
-            {"-rsrcFork", "", made}, {"-rsrcFork", in, ""}, {"-rsrc", in, made}, {in, made},
-            {"-c", "-k", "--keepParent", "--sequesterRsrc", "./item", made}, {"-x", "-k", made, in},
-            {"--help"}};
-    for (const std::vector<std::string>& names : std::vector<std::vector<std::string>>{{"./item"},
-             {"", made}, {"item/file", made}, {"..", made}, {"item", ""}, {"item", made, made}}) {
-        dittoForms.push_back(form);
-        dittoForms.back().insert(dittoForms.back().end(), names.begin(), names.end());
-    }
-    for (const auto& arguments : tool.name == "zip" ? zipForms
-            : tool.name == "tar"                    ? tarForms
-                                                    : dittoForms) {
-        const RunResult result = runWith(arguments);
-        EXPECT_EQ(result.status, tool.usage) << testing::PrintToString(arguments);
+    const std::string form = "-V -c -k --keepParent --sequesterRsrc ";
+    const std::map<std::string, Names> forms = {
+        {"zip",
+            {"", "-6", "-6 -y -r OUT", "-r OUT ./item", "-y OUT ./item", "-y -r -T OUT ./item",
+                "-66 -y -r OUT ./item", "-6 -y -r OUT ./item -x *", "-6 -y -r OUT ./item -x",
+                "-6 -y -r OUT ./item ./item", "-6 -y -r OUT ./item/file", "-6 -y -r OUT .",
+                "-6 -y -r OUT ..", "-6 -y -r OUT ''", "-6 -y -r '' ./item", "-6 -y -r OUT /item"}},
+        {"tar",
+            {"", "-zhcf", "-zhcf OUT", "-cf OUT item", "-zhxf OUT item", "-zhcf OUT item item",
+                "--exclude * -zhcf OUT item", "--exclude -zhcf OUT item", "-zhcf OUT ..",
+                "-zhcf OUT ''", "-zhcf '' item", "--to-command=x -zhcf OUT item"}},
+        {"ditto",
+            {"", form, "-rsrcFork", "-rsrcFork .", "-rsrcFork . OUT OUT", "-rsrcFork '' OUT",
+                "-rsrcFork . ''", "-rsrc . OUT", ". OUT", "-c -k --keepParent ./item OUT",
+                "-c -k --keepParent --sequesterRsrc ./item OUT", "-x -k OUT .", "--help",
+                form + "./item", form + "'' OUT", form + "item/file OUT", form + ".. OUT",
+                form + "item ''", form + "item OUT OUT"}}};
+    for (const std::string& line : forms.at(tool.name)) {
+        Names arguments = wordsOf(line, archive);
+        arguments.insert(arguments.begin(), PARCELO_TOOLS_DIR "/" + tool.name);
+        const RunResult result = run(arguments, {.folder = folder / "in"});
+        EXPECT_EQ(result.status, tool.usage) << line;
         EXPECT_EQ(result.out, "");
         EXPECT_NE(result.err, "");
-        EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"in"});
+        EXPECT_EQ(namesIn(folder.path()), Names{"in"});
     }
 }
 
 TEST_P(Usage, aMissingItemOrPlaceIsToldAndNothingIsMade)
 {
-    const RunResult missing = run(tool, folder / "x", folder / "in/missing");
+    const RunResult missing = run(tool, archive, folder / "in/missing");
     EXPECT_EQ(missing.status, tool.nothingToDo);
-    EXPECT_NE(missing.err.find("missing"), std::string::npos);
+    EXPECT_TRUE(contains(missing.err, "missing"));
+    makeFifo(folder / "in/pipe"); // which is never waited for
+    const RunResult pipe = run(tool, archive, folder / "in/pipe");
+    EXPECT_EQ(pipe.status, tool.nothingToDo);
+    EXPECT_TRUE(pipe.err.starts_with("warning: pipe: is a FIFO\n")) << pipe.err;
     const fs::path nowhere = folder / "nowhere/x";
-    const RunResult noPlace = run(tool, nowhere, folder / "in/item");
+    const RunResult noPlace = run(tool, nowhere, item);
     EXPECT_EQ(noPlace.status, tool.cannotCreate);
-    EXPECT_NE(noPlace.err.find(nowhere.string()), std::string::npos) << noPlace.err;
-    EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"in"});
+    EXPECT_TRUE(contains(noPlace.err, nowhere)) << noPlace.err;
+    EXPECT_EQ(namesIn(folder.path()), Names{"in"});
+
+    fs::permissions(folder / "in", fs::perms(0555));
+    const ToolCall call = asOrdinaryUser(callOf(tool, folder / "in/x", item), folder.path());
+    const RunResult refused = run(call.arguments, call.options);
+    EXPECT_EQ(refused.status, tool.cannotCreate);
+    EXPECT_TRUE(contains(refused.err, "Permission denied")) << refused.err;
+    EXPECT_EQ(namesIn(folder / "in"), (Names{"item", "pipe"}));
 }
 
 TEST_P(Usage, theBytesDependOnTheItemAlone)
 {
-    const fs::path archive = folder / "x";
-    ASSERT_EQ(run(tool, archive, folder / "in/item").status, 0);
+    ASSERT_EQ(make().status, 0);
     const std::string expected = readFile(archive);
-    std::vector<std::vector<std::string>> surroundings
+    const std::vector<Names> surroundings
         = {{"LANG=C"}, {"LC_ALL=C.UTF-8"}, {"LC_ALL=tr_TR.UTF-8"}, {"LC_ALL=junk", "LANGUAGE=xx"},
-            {"TZ=junk"}, {"TMPDIR=/nowhere"}, {"ZIPOPT=-0", "GZIP=-1", "TAR_OPTIONS=--help"},
-            {"PARCELO_THREADS=0"}, {"PARCELO_THREADS=junk"}};
-    if (tool.name == "tar") // a zip holds the local time too
-        surroundings.push_back({"TZ=XYZ-5:45"});
+            {"TZ=junk"}, {"TZ=XYZ-5:45"}, {"TMPDIR=/nowhere"}, {"PARCELO_THREADS=0"},
+            {"ZIPOPT=-0", "GZIP=-1", "TAR_OPTIONS=--help"}, {"PARCELO_THREADS=junk"}};
     for (const auto& environment : surroundings) {
         fs::remove(archive);
-        const RunResult result
-            = run(tool, archive, folder / "in/item", {.environment = environment});
+        const RunResult result = make({.environment = environment});
         EXPECT_EQ(result.status, 0) << testing::PrintToString(environment) << result.err;
         EXPECT_EQ(readFile(archive) == expected, true) << testing::PrintToString(environment);
     }
     // The same tree made in another order: a folder's own order must not show.
     fs::create_directories(folder / "other/item");
     for (const std::string name : {"\u00e9", "file"})
-        fs::copy_file(folder / ("in/item/" + name), folder / ("other/item/" + name));
-    for (const std::string name : {"item/\u00e9", "item/file", "item"}) {
-        struct stat status = {};
-        stat((folder / ("in/" + name)).c_str(), &status);
-        setTime(folder / ("other/" + name), status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
-    }
+        fs::copy_file(item / name, folder / ("other/item/" + name));
+    for (const std::string name : {"item/\u00e9", "item/file", "item"})
+        fs::last_write_time(
+            folder / ("other/" + name), fs::last_write_time(folder / ("in/" + name)));
     fs::remove(archive);
     ASSERT_EQ(run(tool, archive, folder / "other/item").status, 0);
     EXPECT_EQ(readFile(archive) == expected, true) << "made in another order";
@@ -117,18 +111,11 @@ TEST_P(Usage, theBytesDependOnTheItemAlone)
 
 TEST_P(Usage, theArchiveIsAsOpenAsTheUserAllows)
 {
-    for (const mode_t mask : {0000, 0022, 0077}) {
-        const std::string command = "umask " + std::to_string(mask / 64)
-            + std::to_string(mask / 8 % 8) + std::to_string(mask % 8) + "; exec \"$0\" \"$@\"";
-        fs::remove(folder / "x");
-        ASSERT_EQ(
-            run(tool, folder / "x", folder / "in/item", {.prefix = {"sh", "-c", command}}).status,
-            0);
-        struct stat status = {};
-        stat((folder / "x").c_str(), &status);
-        EXPECT_EQ(status.st_mode & 0777u, 0666u & ~mask);
+    const std::map<std::string, mode_t> modes = {{"000", 0666}, {"022", 0644}, {"077", 0600}};
+    for (const auto& [mask, mode] : modes) {
+        fs::remove(archive);
+        const std::string script = "umask " + mask + R"(; exec "$0" "$@")";
+        ASSERT_EQ(make({.prefix = {"sh", "-c", script}}).status, 0);
+        EXPECT_EQ(snapshot(folder.path())[tool.archiveName].mode, mode);
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Tools, Usage, testing::Values("zip", "tar", "ditto"),
-    [](const auto& test) { return test.param; });
