@@ -1,7 +1,6 @@
 #include "tools/common/OwnFiles.h"
 
 #include "system/PathString.h"
-#include "tools/common/ItemName.h"
 
 #include <cstdlib>
 #include <memory>
@@ -12,7 +11,7 @@ OwnFiles::OwnFiles(const OutputFile& output, const std::string& workingFolder)
     const std::unique_ptr<char, void (*)(void*)> real(
         ::realpath(workingFolder.c_str(), nullptr), std::free);
     FileStatus status{};
-    if (real && isScratchFolderName(PathString::lastPathComponent(real.get()))
+    if (real && ScratchName::isOne(PathString::lastPathComponent(real.get()))
         && ::stat(real.get(), &status) == 0)
         _scratchFolder = status;
 }

@@ -1,8 +1,11 @@
-// What of a walked tree is the run's own doing and must not get into the archive: the archive that
-// is being written, and the program's scratch folder when the dropped item contains it.
+// What of a walked tree is the program's own doing and must not get into the archive: the archive
+// that is being written, and scratch folders when the dropped item contains them: the one in which
+// the tool works, and those that a job holds.
 #pragma once
 
+#include "system/ScratchName.h"
 #include "tools/common/OutputFile.h"
+#include "tools/common/TreeWalk.h"
 
 #include <optional>
 #include <string>
@@ -18,9 +21,10 @@ public:
     {
         return isSameFile(_output, status);
     }
-    [[nodiscard]] bool isScratchFolder(const FileStatus& status) const
+    [[nodiscard]] bool isScratchFolder(const TreeItem& item, const FileStatus& status) const
     {
-        return _scratchFolder && isSameFile(*_scratchFolder, status);
+        return (_scratchFolder && isSameFile(*_scratchFolder, status))
+            || ScratchName::isInUse(item.folder, item.name);
     }
 
 private:

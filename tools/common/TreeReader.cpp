@@ -24,7 +24,7 @@ void TreeReader::visitLink(const TreeItem& item, const FileStatus& status)
 
 bool TreeReader::visitFolder(const TreeItem& item, const FileStatus& status)
 {
-    return !_ownFiles.isScratchFolder(status) && addFolder(item, status);
+    return !_ownFiles.isScratchFolder(item, status) && addFolder(item, status);
 }
 
 void TreeReader::warn(std::string_view path, const std::string& reason)
