@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <csignal>
 #include <map>
-#include <random>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -29,10 +28,6 @@ struct Faults : EachToolAnd<bool> {
         writeFile(item / "b", randomBytes(400'000, 1) + someText(800'000));
         writeFile(item / "sub/in", "in");
         fs::create_symlink("../a", item / "sub/link");
-        learnComplete();
-    }
-    void learnComplete()
-    {
         ASSERT_EQ(run(tool, freshPlace(), item).status, 0);
         complete = content();
     }
@@ -284,27 +279,6 @@ TEST_P(Faults, limitsEndInAWholeArchiveOrNone)
         const RunResult result = run(tool, freshPlace(), item, {.threads = 16, .prefix = prefix});
         EXPECT_TRUE(!mustBeMade || result.status == 0);
         expectAllOrNothing(result, testing::PrintToString(prefix));
-    }
-}
-
-TEST_P(Faults, aSignalMayComeAtAnyMoment)
-{
-    const auto start = std::chrono::steady_clock::now();
-    learnComplete();
-    const auto whole = std::chrono::steady_clock::now() - start;
-    std::mt19937 generator(1);
-    const int rounds = isSanitized || isFullSweep() ? 12 : 6;
-    for (int round = 0; round < rounds; ++round) {
-        const int signal = std::array{SIGINT, SIGTERM, SIGHUP}.at(round % 3);
-        const ToolCall call = callOf(tool, freshPlace(), item);
-        RunningProgram program(call.arguments, call.options);
-        std::this_thread::sleep_for(whole * (generator() % 1000) / 1000);
-        program.signal(signal);
-        const RunResult result = program.wait();
-        if (result.status == 128 + signal && result.out.empty())
-            continue; // before its first instruction a program cannot but die from it
-        EXPECT_TRUE(result.status == 0 || result.status == tool.interrupted) << result.status;
-        expectAllOrNothing(result, "signal " + std::to_string(signal));
     }
 }
 
