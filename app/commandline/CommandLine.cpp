@@ -1,6 +1,7 @@
 #include "app/commandline/CommandLine.h"
 
-#include "system/PathString.h"
+#include "app/job/ArchiveKind.h"
+#include "system/FileName.h"
 
 #include <algorithm>
 #include <array>
@@ -9,30 +10,15 @@
 namespace
 {
 
-constexpr std::size_t longestFileName = 255;
-
-struct Type {
-    std::string_view word;
-    int type;
-    std::string_view extension;
-};
-
-constexpr std::array types{
-    Type{"zip", ArchiveTypePlainZip, ".zip"},
-    Type{"mac-zip", ArchiveTypeMacZip, ".zip"},
-    Type{"tar.gz", ArchiveTypeTarGz, ".tar.gz"},
-    Type{"dmg", ArchiveTypeDiskImage, ".dmg"},
-};
-
 // Each setter gives what is wrong with the value; nothing when it was taken.
 using Problem = std::string;
 
 Problem setType(CommandLine& line, const std::string& value)
 {
-    const auto* found = std::ranges::find(types, value, &Type::word);
-    if (found == types.end())
+    const ArchiveKind* kind = ArchiveKind::named(value);
+    if (kind == nullptr)
         return "no such type: '" + value + "'";
-    line.type = found->type;
+    line.type = kind->type;
     return {};
 }
 
@@ -136,7 +122,7 @@ Problem checkName(const std::string& name, std::string_view extension)
 {
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
         return "'" + name + "' is no name for a file";
-    if (name.size() + extension.size() > longestFileName)
+    if (name.size() + extension.size() > FileName::longestInBytes)
         return "the name is too long";
     return {};
 }
@@ -197,5 +183,5 @@ Exit status: 0 made; 1 a tool failed or something could not be archived; 2 wrong
 
 std::string CommandLine::extension() const
 {
-    return std::string(std::ranges::find(types, type, &Type::type)->extension);
+    return std::string(ArchiveKind::ofType(type)->extension);
 }

@@ -6,18 +6,17 @@
 #include "platform/base/seams/AlertPanel.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
+#include "system/LastError.h"
 #include "system/PathString.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <iostream>
-#include <map>
-#include <set>
 #include <thread>
 #include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -29,26 +28,7 @@ namespace
 constexpr auto redrawInterval = 100ms; // quick enough to look alive
 constexpr auto abandonInterval = 200ms; // a tool may need several interrupts
 
-using FileStatus = struct stat;
-
 enum ExitStatus : int { exitMade = 0, exitFailed = 1, exitInterrupted = 130 };
-
-struct Tool {
-    std::string name;
-    std::string purpose;
-    std::vector<int> skips; // statuses that mean: made, with something left out
-};
-
-const Tool& toolFor(int type)
-{
-    static const std::map<int, Tool> tools{
-        {ArchiveTypePlainZip, {"zip", "zip", {12, 18}}},
-        {ArchiveTypeTarGz, {"tar", "tar", {1}}},
-        {ArchiveTypeMacZip, {"ditto", "mac-zip", {1}}},
-        {ArchiveTypeDiskImage, {"hdiutil", "disk-image", {}}},
-    };
-    return tools.at(type);
-}
 
 // Always false, for the checks that end with it.
 bool complain(std::string message)
@@ -59,36 +39,31 @@ bool complain(std::string message)
     return false;
 }
 
-bool complain(const fs::path& path, int reason)
+bool complain(const fs::path& path, const std::error_code& reason)
 {
-    return complain("'" + path.native() + "': " + std::strerror(reason));
+    return complain("'" + path.native() + "': " + reason.message());
 }
 
-std::optional<FileStatus> statusOf(const fs::path& path)
+// Of links, they themselves and not what they lead to.
+bool isSameFile(const fs::path& one, const fs::path& other)
 {
-    FileStatus status{};
-    if (::lstat(path.c_str(), &status) != 0)
-        return std::nullopt;
-    return status;
-}
-
-bool isSameFile(const FileStatus& one, const FileStatus& other)
-{
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+    struct stat first = {};
+    struct stat second = {};
+    return ::lstat(one.c_str(), &first) == 0 && ::lstat(other.c_str(), &second) == 0
+        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 } // namespace
 
 CommandLineJob::CommandLineJob(CommandLine line)
     : _line(std::move(line))
-    , _messages(toolFor(_line.type).name)
     , _progress(_line.quiet)
 {
 }
 
 int CommandLineJob::run()
 {
-    if (!_hasTool() || !_resolveFiles() || !_chooseArchive())
+    if (!_resolveFiles() || !_chooseArchive())
         return exitFailed;
     {
         const ScratchFolder workingFolder;
@@ -97,46 +72,34 @@ int CommandLineJob::run()
     return _report();
 }
 
-bool CommandLineJob::_hasTool() const
-{
-    if (const auto missing = Archiver::missingTool(_line.type))
-        return complain("this system has no " + toolFor(_line.type).purpose + " tool ("
-            + missing->native() + ")");
-    if (_line.type == ArchiveTypeTarGz && !Archiver::tarPath())
-        return complain("the tar tool is missing from the program's resources");
-    return true;
-}
-
 bool CommandLineJob::_resolveFiles()
 {
     bool complete = true;
     for (const Path& file : _line.files) {
-        if (!statusOf(file))
-            complete = complain(file, errno);
+        std::error_code failure;
+        const fs::file_status status = fs::symlink_status(file, failure);
+        if (!fs::exists(status))
+            complete = complain(file, failure);
         else if (PathString::lastPathComponent(file.native()) == "/")
             complete = complain("'/' has no name to be archived under");
         else {
-            std::error_code failure;
             _files.push_back(documentPath(file, failure));
             if (failure)
-                complete = complain(file, failure.value());
+                complete = complain(file, failure);
         }
     }
     return complete && (_line.type == ArchiveTypePlainZip || _canBeStaged());
 }
 
-// The engine stages items as links in one folder and passes over what does not fit there.
+// The engine stages items as links, and passes over what does not lead anywhere.
 bool CommandLineJob::_canBeStaged() const
 {
     bool complete = true;
-    std::set<std::string> names;
     for (const Path& file : _files) {
         std::error_code missing;
         const fs::file_status target = fs::status(file, missing);
         if (!fs::is_regular_file(target) && !fs::is_directory(target))
             complete = complain("'" + file.native() + "' leads to no file or folder");
-        else if (!names.insert(PathString::lastPathComponent(file.native())).second)
-            complete = complain("'" + file.native() + "' has the name of another item");
     }
     return complete;
 }
@@ -144,74 +107,35 @@ bool CommandLineJob::_canBeStaged() const
 bool CommandLineJob::_chooseArchive()
 {
     std::error_code missing;
-    _folder = fs::canonical(*_line.toFolder, missing);
+    const Path folder = fs::canonical(*_line.toFolder, missing);
     if (missing)
-        return complain(*_line.toFolder, missing.value());
-    if (!fs::is_directory(_folder))
-        return complain(*_line.toFolder, ENOTDIR);
-    if (::access(_folder.c_str(), W_OK | X_OK) != 0)
-        return complain(*_line.toFolder, errno);
-
-    _name = _line.name.value_or(proposedName(_files, false, _line.extension()));
-    _archive = _folder / (_name + _line.extension());
-    _former = statusOf(_archive);
-    if (_former && S_ISDIR(_former->st_mode))
-        return complain(_archive, EISDIR);
-    const auto isFormer = [&](const Path& file) {
-        const auto status = statusOf(file);
-        return _former && status && isSameFile(*_former, *status);
-    };
-    if (std::ranges::any_of(_files, isFormer))
+        return complain(*_line.toFolder, missing);
+    if (!fs::is_directory(folder))
+        return complain(*_line.toFolder, std::make_error_code(std::errc::not_a_directory));
+    if (::access(folder.c_str(), W_OK | X_OK) != 0)
+        return complain(*_line.toFolder, lastError());
+    _archive = folder
+        / (_line.name.value_or(proposedName(_files, false, _line.extension())) + _line.extension());
+    if (fs::is_directory(fs::symlink_status(_archive, missing)))
+        return complain(_archive, std::make_error_code(std::errc::is_a_directory));
+    if (std::ranges::any_of(_files, [&](const Path& file) { return isSameFile(file, _archive); }))
         return complain("'" + _archive.native() + "' would replace a file that is to be archived");
     return true;
 }
 
-void CommandLineJob::_makeArchive(const Path& workingFolder)
+ArchiveJob::Request CommandLineJob::_request() const
 {
-    const auto archiver = Archiver::initWithWorkingDirectory(workingFolder);
-    archiver->setDelegate(_delegate());
-    std::optional<std::string> password;
+    ArchiveJob::Request request{.items = _files,
+        .archive = _archive,
+        .type = _line.type,
+        .compressionLevel = _line.level,
+        .excludeDSStore = _line.excludeDSStore};
     if (_line.passwordFromInput)
-        std::getline(std::cin, password.emplace());
-
-    AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-        if (!_isInterrupted)
-            complain(alert.title + ": " + alert.message);
-        return int{AlertPanel::answerDefault};
-    });
-    MainQueue::setSubmitter([this](std::chrono::nanoseconds delay, MainQueue::Block block) {
-        _loop.submitAfter(delay, std::move(block));
-    });
-    _loop.watch(_signals.descriptor(), [&] {
-        if (_signals.take() && !std::exchange(_isInterrupted, true))
-            _abandonUntilEnded(*archiver);
-    });
-    _drawUntilEnded();
-
-    std::jthread worker([&] {
-        try {
-            archiver->archiveFiles({.files = _files,
-                .name = _name,
-                .type = _line.type,
-                .excludeDSStore = _line.excludeDSStore,
-                .compressionLevel = _line.level,
-                .toFolder = _folder,
-                .withPassword = password});
-        } catch (const std::exception& failure) {
-            _failure = failure.what();
-        }
-        _loop.submitAfter(0ns, [this] { _isEnded = true; });
-    });
-    _loop.runUntil([this] { return _isEnded; });
-    worker.join();
-    _progress.clear();
-    if (!_isInterrupted && !_isMade())
-        _loop.drain(); // an alert is on its way and tells why
-    MainQueue::setSubmitter({});
-    AlertPanel::setPresenter({});
+        std::getline(std::cin, request.password.emplace());
+    return request;
 }
 
-ArchiverDelegate CommandLineJob::_delegate()
+ArchiveJob::Events CommandLineJob::_events()
 {
     return {
         .setNumberOfFiles =
@@ -223,31 +147,47 @@ ArchiverDelegate CommandLineJob::_delegate()
                 _progress.setTotal(count);
             },
         .progressBy = [this](int lines) { _progress.advanceBy(lines); },
-        .taskCompletedWithStatusCode = [this](int status) { _noteStatus(status); },
-        .toolOutput = [this](std::string_view bytes) { _messages.addOutput(bytes); },
-        .notStaged =
-            [this](const Path& item, std::error_code reason) {
-                _messages.add("'" + item.native() + "' is left out: " + reason.message());
-                _hasSkipped = true;
-            },
     };
 }
 
-void CommandLineJob::_noteStatus(int status)
+void CommandLineJob::_makeArchive(const Path& workingFolder)
 {
-    _messages.taskCompleted(status);
-    const auto& skips = toolFor(_line.type).skips;
-    if (status == 0)
-        return;
-    (std::ranges::find(skips, status) != skips.end() ? _hasSkipped : _hasFailed) = true;
+    const auto archiver = Archiver::initWithWorkingDirectory(workingFolder);
+    ArchiveJob job(*archiver, _request(), _events());
+
+    AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
+        if (!_isInterrupted)
+            complain(alert.title + ": " + alert.message);
+        return int{AlertPanel::answerDefault};
+    });
+    MainQueue::setSubmitter([this](std::chrono::nanoseconds delay, MainQueue::Block block) {
+        _loop.submitAfter(delay, std::move(block));
+    });
+    _loop.watch(_signals.descriptor(), [&] {
+        if (_signals.take() && !std::exchange(_isInterrupted, true))
+            _abandonUntilEnded(job);
+    });
+    _drawUntilEnded();
+
+    std::jthread worker([&] {
+        _result = job.run();
+        _loop.submitAfter(0ns, [this] { _isEnded = true; });
+    });
+    _loop.runUntil([this] { return _isEnded; });
+    worker.join();
+    _progress.clear();
+    if (!_isInterrupted && !_result.isMade)
+        _loop.drain(); // an alert may be on its way and tells why
+    MainQueue::setSubmitter({});
+    AlertPanel::setPresenter({});
 }
 
-void CommandLineJob::_abandonUntilEnded(Archiver& archiver)
+void CommandLineJob::_abandonUntilEnded(ArchiveJob& job)
 {
     if (_isEnded)
         return;
-    archiver.abandon();
-    _loop.submitAfter(abandonInterval, [this, &archiver] { _abandonUntilEnded(archiver); });
+    job.abandon();
+    _loop.submitAfter(abandonInterval, [this, &job] { _abandonUntilEnded(job); });
 }
 
 void CommandLineJob::_drawUntilEnded()
@@ -258,40 +198,22 @@ void CommandLineJob::_drawUntilEnded()
     _loop.submitAfter(redrawInterval, [this] { _drawUntilEnded(); });
 }
 
-// By this job, not before it: the new file may have the old one's inode, but not its change time.
-bool CommandLineJob::_isMade() const
+int CommandLineJob::_report() const
 {
-    const auto status = statusOf(_archive);
-    if (!status)
-        return false;
-    return !_former || !isSameFile(*status, *_former)
-        || status->st_ctim.tv_sec != _former->st_ctim.tv_sec
-        || status->st_ctim.tv_nsec != _former->st_ctim.tv_nsec;
-}
-
-int CommandLineJob::_report()
-{
-    if (!_isInterrupted)
-        for (const std::string& line : _messages.lines())
-            complain(line);
-    if (!_failure.empty())
-        complain(_failure);
-
-    const bool made = _isMade();
-    const bool worthKeeping = made && !_isInterrupted && !_hasFailed && _failure.empty()
-        && statusOf(_archive)->st_size > 0;
-    if (made && !worthKeeping)
-        ::unlink(_archive.c_str());
-    if (_isInterrupted) {
+    if (_isInterrupted && !_result.isMade) {
         complain("interrupted");
         return exitInterrupted;
     }
-    if (!worthKeeping) {
+    for (const std::string& line : _result.messages)
+        complain(line);
+    if (!_result.reason.empty())
+        complain(_result.reason);
+    if (!_result.isMade) {
         complain("no archive was made");
         return exitFailed;
     }
-    std::cout << _archive.native() << "\n" << std::flush;
+    std::cout << _result.archive->native() << "\n" << std::flush;
     if (!std::cout)
         complain("cannot write to standard output");
-    return _hasSkipped || !std::cout ? exitFailed : exitMade;
+    return _result.isWhole && std::cout ? exitMade : exitFailed;
 }

@@ -1,21 +1,18 @@
-// Makes one archive without a window: checks what is asked for, runs the engine on a worker thread
-// while the calling (main) thread serves deferred blocks, signals and the progress bar, then judges
-// what came of it. Unlike the engine it cares for what the tools reported: an archive stays only
-// when it is complete, or lacks nothing but items that were named in a warning.
+// Makes one archive without a window: checks what is asked for, runs the job on a worker thread
+// while the calling (main) thread serves deferred blocks, signals and the progress bar, then tells
+// what came of it.
 #pragma once
 
 #include "app/commandline/CommandLine.h"
 #include "app/commandline/RunLoop.h"
 #include "app/commandline/TerminalProgress.h"
-#include "app/job/ToolMessages.h"
+#include "app/job/ArchiveJob.h"
 #include "platform/base/process/InterruptSignals.h"
 
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <sys/stat.h>
 
 class CommandLineJob
 {
@@ -28,34 +25,22 @@ public:
 
 private:
     using Path = std::filesystem::path;
-    using FileStatus = struct stat;
 
-    bool _hasTool() const;
     bool _resolveFiles();
     [[nodiscard]] bool _canBeStaged() const;
     bool _chooseArchive();
+    [[nodiscard]] ArchiveJob::Request _request() const;
+    [[nodiscard]] ArchiveJob::Events _events();
     void _makeArchive(const Path& workingFolder);
-    ArchiverDelegate _delegate();
-    void _noteStatus(int status);
-    void _abandonUntilEnded(Archiver& archiver);
+    void _abandonUntilEnded(ArchiveJob& job);
     void _drawUntilEnded();
-    [[nodiscard]] bool _isMade() const;
-    int _report();
+    int _report() const;
 
     const CommandLine _line;
     std::vector<Path> _files; // absolute
-    Path _folder;
-    std::string _name;
     Path _archive;
-    std::optional<FileStatus> _former; // what was at the archive's path before
+    ArchiveJob::Result _result; // filled by the worker, read when that has ended
 
-    // Filled by the worker, read by the main thread when the worker has ended.
-    ToolMessages _messages;
-    std::string _failure; // why the engine gave up
-    bool _hasFailed = false; // a tool did: the archive is not worth keeping
-    bool _hasSkipped = false; // something was left out, which is said
-
-    // The main thread's own.
     InterruptSignals _signals;
     RunLoop _loop;
     TerminalProgress _progress;

@@ -76,7 +76,7 @@ AppController::Path ownWorkingFolder(const std::string& bundleIdentifier)
 } // namespace
 
 AppController::AppController()
-    : _preferenceController(std::make_unique<PreferenceController>(this))
+    : _preferenceController(std::make_unique<PreferenceController>())
 {
     // Made and let go at once, which is intended.
     (void)std::make_unique<AdvertTextView>();
@@ -86,19 +86,21 @@ AppController::AppController()
     UserDefaultsExtras::registerDefaultsWithResource(
         UserDefaults::standardUserDefaults(), QStringLiteral("FactoryDefaults"));
     UserDefaults::standardUserDefaults().setObject(feedAddress(), QStringLiteral("SUFeedURL"));
+    connect(_preferenceController.get(), &PreferenceController::sheetEnded, this,
+        &AppController::preferenceDidChange);
 }
 
 AppController::~AppController()
 {
-    _work.end([this] { archiver().abandon(); });
+    _endWork();
 }
 
 void AppController::awakeFromNib(const Interface& interface)
 {
     _interface = interface;
     _interface.destinationPop->setAutoenablesItems(true);
-    setupDestinations();
     _followDestinations();
+    setupDestinations();
     _interface.mainWindow->setFrameAutosaveName(QStringLiteral("MainWindowAutosave"));
     _interface.advertTextView->setShortVersion(true);
     _interface.advertTextView->setProductId(randomProductId());
@@ -140,22 +142,21 @@ bool AppController::windowShouldClose(QObject* sender)
 
 void AppController::terminate(QObject* /*sender*/)
 {
-    if (_work.isRunning()) {
+    if (_job) {
         // Windows that no longer answer would look like a hang.
         _interface.progressWindow->hide();
         _interface.mainWindow->hide();
         QGuiApplication::sync();
-        _work.end([this] { archiver().abandon(); });
+        _endWork();
     }
-    if (applicationShouldTerminate() == TerminateReply::now)
-        Q_EMIT terminated();
+    applicationShouldTerminate();
+    Q_EMIT terminated();
 }
 
 // A process that never mailed an archive makes the folder here and removes it, which is intended.
-AppController::TerminateReply AppController::applicationShouldTerminate()
+void AppController::applicationShouldTerminate()
 {
     (void)FileTree::remove(tmpFolder());
-    return TerminateReply::now;
 }
 
 QString AppController::appName()

@@ -3,7 +3,7 @@
 // otherwise. Its source is split by theme, as this header is grouped.
 #pragma once
 
-#include "app/window/BackgroundWork.h"
+#include "app/job/ArchiveJob.h"
 #include "platform/desktop/panels/PopUpButton.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "system/FileDescriptor.h"
@@ -12,14 +12,15 @@
 #include <QObject>
 #include <QStringList>
 
-#include <atomic>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 class AboutController;
 class AdvertTextView;
@@ -72,8 +73,6 @@ public:
         QLabel* statusTF = nullptr;
         DropView* saveDropView = nullptr;
     };
-    enum class TerminateReply { now };
-
     // --- Settings, start-up and shut-down (AppController.cpp) ---
 
     AppController();
@@ -89,7 +88,7 @@ public:
 
     // Ends the program; a job that is under way ends first, and its archive is not delivered.
     void terminate(QObject* sender);
-    TerminateReply applicationShouldTerminate();
+    void applicationShouldTerminate();
 
     [[nodiscard]] QKWindow* mainWindow() const { return _interface.mainWindow; }
     [[nodiscard]] QWidget* accessoryView() const { return _interface.accessoryView; }
@@ -134,7 +133,7 @@ public:
     Q_INVOKABLE void dummy(QObject* /*sender*/) { } // of the blank items
     [[nodiscard]] bool validateMenuItem(const PopUpMenuItem& item) const override;
 
-    // --- A request, from the drop to the delivered archive (AppControllerRequests.cpp) ---
+    // --- Files besides a drop (AppControllerFiles.cpp) ---
 
     // A document opened through the program's icon or named on the command line. All that arrive
     // within 0.05 s become one archive.
@@ -142,6 +141,13 @@ public:
 
     // Tells that documents to be opened are not there.
     void couldNotOpen(const std::vector<Path>& missing);
+
+    // Files without a drag: chosen in a panel, or pasted.
+    void chooseFiles(QObject* sender);
+    void chooseFolder(QObject* sender);
+    void paste(QObject* sender);
+
+    // --- A request, from the name to the archive (AppControllerRequests.cpp) ---
 
     void startProcessing(QObject* sender);
     void runSavePanelSheet(const std::optional<QString>& proposedName);
@@ -151,14 +157,13 @@ public:
     int runEmailSheet(const std::optional<QString>& proposedName);
     void dismissSheet(QObject* sender);
 
-    // The worker's part of a request: shows the progress sheet, makes the archive, delivers it.
-    // On a worker thread; what it does to the interface it has the main thread do.
+    // Starts the worker thread, which shows the progress sheet, makes the archive of the box's
+    // files and delivers it. It gets all it needs now, and asks for nothing later.
     void archiveToPath(const Path& path);
 
-    void composeEmailWithAttachment(const Path& path);
     void cancel(QObject* sender);
 
-    // What the engine tells its delegate, on the worker thread.
+    // What the job tells of the engine, on the worker thread.
     void setNumberOfFiles(int count);
     void progressBy(int lines);
     void archiverCompletedWithStatus(int status);
@@ -173,14 +178,12 @@ public:
     [[nodiscard]] int archiveType() const;
     void setArchiveType(int type);
 
-    // Whether the box is open: not from the confirmation of a request until it is delivered, for
-    // its files are read from the box.
+    // Whether the box is open: not from the confirmation of a request until it is delivered.
     [[nodiscard]] bool acceptsFiles() const;
 
-    // Files without a drag: chosen in a panel, or pasted.
-    void chooseFiles(QObject* sender);
-    void chooseFolder(QObject* sender);
-    void paste(QObject* sender);
+    // --- Delivery (AppControllerDelivery.cpp) ---
+
+    void composeEmailWithAttachment(const Path& path);
 
     // --- Updates, prompts and links (AppControllerPrompts.cpp) ---
 
@@ -229,13 +232,16 @@ private:
     void _followDestinations();
     void _tellWhatIsLeftOut();
     void _setAcceptsFiles(bool flag);
-    void _startArchiving(const Path& path);
-    std::optional<Path> _runArchiver(const Path& path);
+    ArchiveJob::Events _events();
+    void _work();
+    void _performOnMainThread(std::function<void()> block);
+    void _endWork();
     void _deliver(const Path& archive);
     void _fail(const std::string& reason);
     void _chose(const std::vector<Path>& paths);
     void _runPrompt(const Prompt& prompt);
     void _tell(const QString& title, const QString& message);
+    void _tellNext();
     void _hearDesktop();
     void _quitWhenNothingIsTold();
 
@@ -258,7 +264,8 @@ private:
     SavePanel* _savePanel = nullptr; // the main window's child
     std::int32_t _runCount = -1; // not read yet
 
-    std::atomic<bool> _isCancelled = false; // since the progress sheet is up
-    std::mutex _engineMutex; // held for the length of a job: there is one engine
-    BackgroundWork _work; // last: its threads use all of the above
+    std::deque<std::pair<QString, QString>> _untold; // messages for a time without a sheet
+
+    std::shared_ptr<ArchiveJob> _job; // from its start until its archive is delivered
+    std::future<void> _worker; // last: it uses all of the above
 };

@@ -57,7 +57,8 @@ void AppController::setupDestinations()
 {
     const QStringList folders
         = Destinations::removeDuplicatesAndAbbreviateWithTilde(storedDestinations());
-    storeDestinations(folders);
+    if (folders != storedDestinations())
+        return storeDestinations(folders); // which calls this again
 
     PopUpButton& menu = *_interface.destinationPop;
     const bool keepsFirst = menu.numberOfItems() > 0 && menu.itemAtIndex(0).submenu != nullptr;

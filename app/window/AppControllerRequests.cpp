@@ -1,30 +1,24 @@
-// A request: proposed name, panel or name sheet, worker thread, progress sheet, delivery.
+// A request: proposed name, panel or name sheet, worker thread, progress sheet.
 
+#include "app/job/ArchiveKind.h"
 #include "app/job/ProposedName.h"
 #include "app/window/AdvertTextView.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
 #include "platform/base/files/FileTree.h"
-#include "platform/base/process/Task.h"
-#include "platform/base/seams/AlertPanel.h"
-#include "platform/desktop/panels/OpenPanel.h"
+#include "platform/base/seams/MainQueue.h"
 #include "platform/desktop/panels/SavePanel.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/panels/Tag.h"
-#include "platform/desktop/services/AppleScript.h"
-#include "platform/desktop/services/MailComposer.h"
 #include "platform/desktop/services/PathText.h"
-#include "platform/desktop/services/Workspace.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
 #include "system/PathString.h"
 
-#include <QApplication>
-#include <QClipboard>
 #include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMimeData>
+#include <QPointer>
 #include <QProgressBar>
 
 #include <algorithm>
@@ -40,71 +34,11 @@ constexpr std::chrono::duration<double> pauseBeforeProgress = 1s;
 constexpr std::chrono::duration<double> pauseAfterCompletion = 1s;
 constexpr double sheetCloseDelay = 0.2;
 constexpr double autoQuitDelay = 1.0;
-constexpr double tellDelay = 0.5;
-
-// Documents that are opened together arrive one by one.
-constexpr double openDelay = 0.05;
+constexpr auto interruptInterval = 50ms;
 
 const QString archiveTypeKey = QStringLiteral("ArchiveType");
 
-// The mail application is told what to do in its own words. The path stands in them as it is.
-std::string mailScript(const std::string& path)
-{
-    return "tell application \"Mail\"\n"
-           "set _m to make outgoing message\n"
-           "tell _m\n"
-           "set visible to true\n"
-           "tell content\n"
-           "set _f to \""
-        + path
-        + "\"\n"
-          "make new attachment with properties {file name:_f} at after the last character\n"
-          "end tell\n"
-          "end tell\n"
-          "activate\n"
-          "end tell\n";
-}
-
-// A list that fits on a sheet.
-QString listed(const QStringList& names)
-{
-    constexpr int longest = 8;
-    if (names.size() <= longest)
-        return names.join(QLatin1Char('\n'));
-    return names.mid(0, longest - 1).join(QLatin1Char('\n')) + QStringLiteral("\n…");
-}
-
 } // namespace
-
-bool AppController::applicationOpenFile(const Path& path)
-{
-    if (_interface.saveDropView->files().empty())
-        _afterDelay(openDelay, [this] { startProcessing(this); });
-    _interface.saveDropView->addFileWithPath(path);
-    ++_dockDropCount;
-    return true;
-}
-
-// Once the window stands in its place.
-void AppController::couldNotOpen(const std::vector<Path>& missing)
-{
-    QStringList names;
-    for (const Path& path : missing)
-        names.append(PathText::textOf(path));
-    _afterDelay(tellDelay, [this, names] {
-        _tell(
-            tr("There are no such files"), tr("These cannot be archived:\n%1").arg(listed(names)));
-    });
-}
-
-void AppController::_tellWhatIsLeftOut()
-{
-    const QStringList leftOut = _interface.saveDropView->leftOut();
-    if (!leftOut.isEmpty())
-        _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
-            tr("These are no files of this computer, and will be left out:\n%1")
-                .arg(listed(leftOut)));
-}
 
 void AppController::startProcessing(QObject* /*sender*/)
 {
@@ -121,7 +55,7 @@ void AppController::startProcessing(QObject* /*sender*/)
         return; // what was dropped stays in the box
     const Path archive = tmpFolder().native() + "/" + _filename.toStdString() + ".zip";
     (void)FileTree::remove(archive);
-    _startArchiving(archive);
+    archiveToPath(archive);
 }
 
 void AppController::runSavePanelSheet(const std::optional<QString>& proposedName)
@@ -133,7 +67,7 @@ void AppController::runSavePanelSheet(const std::optional<QString>& proposedName
         panel.setDirectoryURL(*folder);
     panel.beginSheetModalForWindow(_interface.mainWindow, [this](int answer, const Path& path) {
         if (answer == SavePanel::answerOK)
-            _startArchiving(path);
+            archiveToPath(path);
         else
             _interface.saveDropView->clearFiles();
     });
@@ -166,13 +100,23 @@ void AppController::dismissSheet(QObject* sender)
     _interface.emailWindow->done(Tag::of(sender));
 }
 
-// From here until the box is cleared it takes no other drop: that would replace the files of a
-// request that has not read them yet.
-void AppController::_startArchiving(const Path& path)
+// There is one engine and one progress sheet: until the archive is delivered the box takes no other
+// drop.
+void AppController::archiveToPath(const Path& path)
 {
+    const auto& defaults = UserDefaults::standardUserDefaults();
+    const auto type = static_cast<int>(defaults.integerForKey(archiveTypeKey));
+    const ArchiveKind* kind = ArchiveKind::ofType(type);
+    std::string name = PathString::stringByDeletingPathExtension(path.filename().native());
+    if (kind != nullptr)
+        name += kind->extension;
+    ArchiveJob::Request request{.items = _interface.saveDropView->files(),
+        .archive = path.parent_path() / name,
+        .type = type,
+        .compressionLevel
+        = static_cast<int>(defaults.integerForKey(QStringLiteral("CompressionLevel")))};
     try {
-        archiver(); // made here, where its folder is made too
-        tmpFolder();
+        _job = std::make_shared<ArchiveJob>(archiver(), std::move(request), _events());
     } catch (const std::exception&) {
         _fail(tr("there is no working folder at %1")
                   .arg(PathText::textOf(tmpdirString()))
@@ -181,7 +125,58 @@ void AppController::_startArchiving(const Path& path)
         return;
     }
     _setAcceptsFiles(false);
-    _work.detachNewThread([this, path] { archiveToPath(path); });
+    _worker = std::async(std::launch::async, [this] { _work(); });
+}
+
+ArchiveJob::Events AppController::_events()
+{
+    return {
+        .setNumberOfFiles = [this](int count) { setNumberOfFiles(count); },
+        .progressBy = [this](int lines) { progressBy(lines); },
+        .completedWithStatus = [this](int status) { archiverCompletedWithStatus(status); },
+    };
+}
+
+// On the worker thread. What it does to the interface are blocks for the main thread, of which it
+// waits for none.
+void AppController::_work()
+{
+    _job->sleepFor(pauseBeforeProgress);
+    _performOnMainThread([this] {
+        _interface.statusTF->clear();
+        _interface.progress->setValue(0);
+        Sheets::begin(_interface.progressWindow, _interface.mainWindow);
+    });
+    _performOnMainThread([this, result = _job->run()] {
+        if (result.archive)
+            _deliver(*result.archive);
+        else // nothing was begun, so nothing tells that it has ended
+            _fail(result.reason);
+        _interface.saveDropView->clearFiles();
+        incrementUsageCount();
+        _job.reset();
+        _setAcceptsFiles(true);
+        _tellNext();
+    });
+}
+
+void AppController::_performOnMainThread(std::function<void()> block)
+{
+    MainQueue::dispatchAfter(std::chrono::nanoseconds::zero(),
+        [self = QPointer(this), job = _job, task = std::move(block)] {
+            if (self && !job->isAbandoned())
+                task();
+        });
+}
+
+// A tool may need several interrupts, and one may fall between two tools.
+void AppController::_endWork()
+{
+    if (!_job)
+        return; // nothing is under way, or nothing but the end of a thread
+    do
+        _job->abandon();
+    while (_worker.wait_for(interruptInterval) != std::future_status::ready);
 }
 
 bool AppController::acceptsFiles() const
@@ -195,154 +190,21 @@ void AppController::_setAcceptsFiles(bool flag)
     Q_EMIT acceptsFilesChanged();
 }
 
-void AppController::archiveToPath(const Path& path)
-{
-    _work.sleepFor(pauseBeforeProgress);
-    _work.performOnMainThread([this] {
-        _isCancelled = false;
-        _interface.statusTF->clear();
-        _interface.progress->setValue(0);
-        Sheets::begin(_interface.progressWindow, _interface.mainWindow);
-    });
-    try {
-        if (const auto archive = _runArchiver(path))
-            _deliver(*archive);
-        else // nothing was begun, so nothing tells that it has ended
-            _work.performOnMainThread([this, name = path.stem()] {
-                _fail(tr("'%1' is no name for it").arg(PathText::textOf(name)).toStdString());
-            });
-    } catch (const std::exception& failure) {
-        _work.performOnMainThread([this, reason = std::string(failure.what())] { _fail(reason); });
-    }
-    _work.performOnMainThread([this] {
-        _interface.saveDropView->clearFiles();
-        _setAcceptsFiles(true);
-        incrementUsageCount();
-    });
-}
-
-std::optional<AppController::Path> AppController::_runArchiver(const Path& path)
-{
-    const auto files = std::make_shared<DropView::Files>();
-    _work.performOnMainThreadAndWait([this, files] { *files = _interface.saveDropView->files(); });
-    const std::lock_guard turn(_engineMutex);
-    if (_work.isEnding())
-        return std::nullopt;
-    const auto& defaults = UserDefaults::standardUserDefaults();
-    const auto type = static_cast<int>(defaults.integerForKey(archiveTypeKey));
-    if (const auto missing = Archiver::missingTool(type))
-        throw LaunchFailure("there is no " + missing->native());
-    return archiver().archiveFiles({.files = *files,
-        .name = PathString::stringByDeletingPathExtension(path.filename().native()),
-        .type = type,
-        .excludeDSStore = true,
-        .compressionLevel
-        = static_cast<int>(defaults.integerForKey(QStringLiteral("CompressionLevel"))),
-        .toFolder = path.parent_path(),
-        .withPassword = std::nullopt});
-}
-
-// Also what is left of a job that was cancelled; that is intended.
-void AppController::_deliver(const Path& archive)
-{
-    _work.performOnMainThreadAndWait([this, archive] {
-        if (_interface.destinationPop->selectedTag() == DestinationTagEmail)
-            composeEmailWithAttachment(archive);
-        else if (UserDefaults::standardUserDefaults().boolForKey(
-                     QStringLiteral("RevealWhenComplete")))
-            Workspace::sharedWorkspace().selectFile(archive);
-    });
-}
-
-// No tool could be started, or something of ours gave up.
-void AppController::_fail(const std::string& reason)
-{
-    _interface.progressWindow->hide();
-    AlertPanel::runAlertPanel({.title = tr("Error").toStdString(),
-        .message = tr("The archive could not be made: %1.")
-                       .arg(QString::fromStdString(reason))
-                       .toStdString(),
-        .defaultButton = tr("OK").toStdString(),
-        .alternateButton = "",
-        .otherButton = ""});
-}
-
-void AppController::composeEmailWithAttachment(const Path& path)
-{
-    _hasMailed = true;
-    AppleScript script = AppleScript::initWithSource(mailScript(path.native()));
-    script.executeAndReturnError();
-
-    const QString key = QStringLiteral("EmailCount");
-    auto& defaults = UserDefaults::standardUserDefaults();
-    const auto count = static_cast<std::int32_t>(defaults.integerForKey(key));
-    defaults.setInteger(count + 1, key);
-    if (count == 1) // this was the second message ever
-        sellSendora();
-}
-
-// What the desktop has to say of it comes later, and waits until no sheet is up or about to be.
-void AppController::_tell(const QString& title, const QString& message)
-{
-    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr || !acceptsFiles()) {
-        _afterDelay(tellDelay, [this, title, message] { _tell(title, message); });
-        return;
-    }
-    _interface.mainWindow->runMessageSheetWithTitle(title, message);
-}
-
-void AppController::_hearDesktop()
-{
-    connect(&MailComposer::sharedComposer(), &MailComposer::couldNotAttach, this,
-        [this](const Path& archive) {
-            std::error_code missing;
-            if (!std::filesystem::exists(archive, missing))
-                return; // what was cancelled has nothing to attach
-            Workspace::sharedWorkspace().selectFile(archive);
-            _tell(tr("The message could not be made"),
-                tr("No mail program took the archive. You can attach it yourself; it stays until "
-                   "you "
-                   "quit:\n%1")
-                    .arg(PathText::textOf(archive)));
-        });
-    connect(&MailComposer::sharedComposer(), &MailComposer::attached, this,
-        [this](const Path& archive, bool isCertain) {
-            if (!isCertain)
-                _tell(tr("Please check the attachment"),
-                    tr("Your mail program was asked to attach the archive, but does not tell "
-                       "whether "
-                       "it did. If it is missing, you find it here until you quit:\n%1")
-                        .arg(PathText::textOf(archive)));
-        });
-    connect(&Workspace::sharedWorkspace(), &Workspace::couldNotReveal, this,
-        [this](const Path& archive) {
-            std::error_code missing;
-            if (std::filesystem::exists(archive, missing))
-                _tell(tr("The archive is made"),
-                    tr("No file manager could be asked to show it:\n%1")
-                        .arg(PathText::textOf(archive)));
-        });
-}
-
-// The engine forgets what comes before it begins: then it is told once more.
 void AppController::cancel(QObject* /*sender*/)
 {
-    _isCancelled = true;
-    archiver().cancel();
+    if (_job)
+        _job->cancel();
 }
 
 void AppController::setNumberOfFiles(int count)
 {
-    if (_isCancelled)
-        archiver().cancel();
     // Without a maximum the bar would run to and fro.
-    _work.performOnMainThread(
-        [this, count] { _interface.progress->setMaximum(std::max(count, 1)); });
+    _performOnMainThread([this, count] { _interface.progress->setMaximum(std::max(count, 1)); });
 }
 
 void AppController::progressBy(int lines)
 {
-    _work.performOnMainThread([this, lines] {
+    _performOnMainThread([this, lines] {
         QProgressBar& bar = *_interface.progress;
         _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
         bar.setValue(std::min(bar.value() + lines, bar.maximum()));
@@ -351,14 +213,14 @@ void AppController::progressBy(int lines)
 
 void AppController::archiverCompletedWithStatus(int status)
 {
-    _work.performOnMainThread([this, status] {
+    _performOnMainThread([this, status] {
         if (status == 0)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Completed"));
         else if (status == 1)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Cancelled"));
         _interface.progress->setValue(_interface.progress->maximum());
     });
-    _work.sleepFor(pauseAfterCompletion);
+    _job->sleepFor(pauseAfterCompletion);
     _afterDelay(sheetCloseDelay, [this] {
         _interface.progressWindow->hide();
         _interface.advertTextView->setProductId(randomProductId());
@@ -367,29 +229,10 @@ void AppController::archiverCompletedWithStatus(int status)
         _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
 }
 
-// An alert is to be read, a file manager that starts has to be asked again, and a mail program that
-// has hardly started would lose its attachment.
-void AppController::_quitWhenNothingIsTold()
-{
-    if (_hasMailed)
-        return;
-    if (QApplication::activeModalWidget() || Workspace::sharedWorkspace().isRevealing())
-        _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
-    else
-        terminate(this);
-}
-
 Archiver& AppController::archiver()
 {
-    if (!_archiver) {
+    if (!_archiver)
         _archiver = Archiver::initWithWorkingDirectory(tmpdir());
-        _archiver->setDelegate(ArchiverDelegate{
-            .setNumberOfFiles = [this](int count) { setNumberOfFiles(count); },
-            .progressBy = [this](int lines) { progressBy(lines); },
-            .archiverCompletedWithStatus
-            = [this](int status) { archiverCompletedWithStatus(status); },
-        });
-    }
     return *_archiver;
 }
 
@@ -419,35 +262,4 @@ void AppController::setArchiveType(int type)
     UserDefaults::standardUserDefaults().setInteger(type, archiveTypeKey);
     Q_EMIT archiveTypeChanged();
     Q_EMIT previewTextChanged();
-}
-
-void AppController::chooseFiles(QObject* /*sender*/)
-{
-    if (acceptsFiles())
-        OpenPanel::beginForFiles(
-            _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
-}
-
-void AppController::chooseFolder(QObject* /*sender*/)
-{
-    if (acceptsFiles())
-        OpenPanel::beginForFolder(
-            _interface.mainWindow, {}, [this](const auto& paths) { _chose(paths); });
-}
-
-void AppController::_chose(const std::vector<Path>& paths)
-{
-    if (paths.empty())
-        return;
-    _interface.saveDropView->setFiles(paths);
-    _interface.saveDropView->concludeDragOperation();
-}
-
-void AppController::paste(QObject* /*sender*/)
-{
-    const QMimeData* pasteboard = QApplication::clipboard()->mimeData();
-    DropView& box = *_interface.saveDropView;
-    if (acceptsFiles() && pasteboard != nullptr && DropView::offersFiles(*pasteboard)
-        && box.performDragOperation(*pasteboard))
-        box.concludeDragOperation();
 }

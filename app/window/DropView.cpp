@@ -1,6 +1,5 @@
 #include "app/window/DropView.h"
 
-#include "app/window/AppController.h"
 #include "platform/desktop/services/UriList.h"
 #include "shared/Library/Extras/BezierPathExtras.h"
 #include "shared/Library/Extras/QKUtility.h"
@@ -204,7 +203,7 @@ void DropView::concludeDragOperation()
     window()->activateWindow();
     QKUtility::afterDelay(dropDelayInSeconds, [view = QPointer(this)] {
         if (view)
-            view->_appController->startProcessing(view);
+            Q_EMIT view->filesDropped();
     });
 }
 

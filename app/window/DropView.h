@@ -13,7 +13,6 @@
 #include <optional>
 #include <vector>
 
-class AppController;
 class QMimeData;
 
 class DropView : public QAbstractButton
@@ -26,9 +25,6 @@ public:
     using Files = std::vector<std::filesystem::path>;
 
     explicit DropView(QWidget* parent = nullptr);
-
-    // Borrowed; set before the first drop.
-    void setAppController(AppController* controller) { _appController = controller; }
 
     // The files in the order of the drop. Nothing is checked, duplicates are kept.
     [[nodiscard]] const Files& files() const { return _files; }
@@ -78,6 +74,10 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
+Q_SIGNALS:
+    // A moment after a drop.
+    void filesDropped();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -89,7 +89,6 @@ protected:
 private:
     void _drawFocus(QPainter& painter) const;
 
-    AppController* _appController = nullptr;
     bool _animate = false;
     bool _isOffered = false; // of the drag that hovers: it may be dropped
     float _phase = 0;

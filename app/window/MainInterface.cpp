@@ -67,7 +67,8 @@ MainInterface::MainInterface(AppController& controller)
     connectMenus(window, controller, _window);
     _window.setDelegate({.windowShouldClose
         = [&controller](QObject* sender) { return controller.windowShouldClose(sender); }});
-    window.saveDropView->setAppController(&controller);
+    QObject::connect(window.saveDropView, &DropView::filesDropped, &controller,
+        [&controller, box = window.saveDropView] { controller.startProcessing(box); });
     QObject::connect(window.saveDropView, &DropView::clicked, &controller,
         [&controller, box = window.saveDropView] { controller.chooseFiles(box); });
     for (QPushButton* button : {email.confirmButton, email.cancelButton})

@@ -1,6 +1,5 @@
 #include "app/window/PreferenceController.h"
 
-#include "app/window/AppController.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/ButtonDefaultsAdditions.h"
@@ -14,11 +13,7 @@ const QString hideAdvertKey = QStringLiteral("HideAdvert");
 
 } // namespace
 
-PreferenceController::PreferenceController(AppController* appController)
-    : _appController(appController)
-{
-    _defaultsController.setAppliesImmediately(false);
-}
+PreferenceController::PreferenceController() { }
 
 PreferenceController::~PreferenceController() = default;
 
@@ -28,9 +23,7 @@ void PreferenceController::awakeFromNib(QKWindow* onWindow)
     Ui::Preference preference;
     preference.setupUi(_nonAppStorePreferencesWindow);
     _hideAdvertBtn = preference.hideAdvertBtn;
-    [[maybe_unused]] const QStringList unbound
-        = _defaultsController.bind(_nonAppStorePreferencesWindow);
-    Q_ASSERT_X(unbound.isEmpty(), "Preference", qPrintable(unbound.join(u'\n')));
+    _defaultsController.bind(_nonAppStorePreferencesWindow);
     connect(preference.hideAdvertBtn, &QCheckBox::clicked, this,
         [this] { toggleAdvert(_hideAdvertBtn); });
     connect(preference.acceptButton, &QPushButton::clicked, this, [this] { accept(sender()); });
@@ -73,7 +66,7 @@ void PreferenceController::sheetDidEnd(QDialog* /*sheet*/, int returnCode)
     } else {
         _defaultsController.revert();
     }
-    _appController->preferenceDidChange();
+    Q_EMIT sheetEnded();
 }
 
 void PreferenceController::_readDefaults()

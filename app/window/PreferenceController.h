@@ -8,7 +8,6 @@
 #include <QDialog>
 #include <QPointer>
 
-class AppController;
 class QAbstractButton;
 class QKWindow;
 
@@ -17,8 +16,7 @@ class PreferenceController : public QObject
     Q_OBJECT
 
 public:
-    // The controller of the application is borrowed.
-    explicit PreferenceController(AppController* appController);
+    PreferenceController();
     ~PreferenceController() override;
 
     // Loads the window from its form, as a child of the application's; then sets its controls.
@@ -36,11 +34,13 @@ public:
 
     void sheetDidEnd(QDialog* sheet, int returnCode);
 
+Q_SIGNALS:
+    void sheetEnded(); // the settings are as they are to be
+
 private:
     void _readDefaults();
     void _writeDefaults();
 
-    AppController* _appController;
     QPointer<QDialog> _nonAppStorePreferencesWindow; // once it is shown; the main window's child
     DefaultsController _defaultsController;
     QAbstractButton* _hideAdvertBtn = nullptr; // the window's

@@ -9,10 +9,12 @@
 #include <csignal>
 #include <iterator>
 #include <sstream>
+#include <tuple>
 
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -47,12 +49,14 @@ protected:
     void makes(const std::string& script = "", const std::string& afterwards = "") const
     {
         writeFile(folder / "tmp/plan",
-            R"(for item; do case "$item" in
-            */*.zip | */*.tar.gz) archive="$item" ;;
-            ./*) break ;; esac; done
+            R"(for argument; do case "$argument" in
+            */*.zip | */*.tar.gz) archive="$argument" ;;
+            ./*) item="$argument" ;; esac; done
+            : "${item:=$argument}"
+            [ "${0##*/} $1" != "hdiutil convert" ] || archive="$(pwd)/Demo.dmg"
             )" + script
                 + R"(
-            printf '%s|' "$item" >>"$archive"
+            if [ -n "$archive" ]; then printf '%s|' "$item" >>"$archive"; fi
             )" + afterwards
                 + "\n");
     }
@@ -67,6 +71,19 @@ protected:
     RunResult parcelo(const Lines& arguments) const { return run(command(arguments), options()); }
 
     Lines made() const { return namesIn(folder / "out"); }
+    void useTool(const std::string& name) const
+    {
+        fs::remove(resources / name);
+        fs::create_symlink(PARCELO_TOOLS_DIR "/" + name, resources / name);
+    }
+    // What an archive is known by: its inode, its times and its content.
+    auto identityOf(const std::string& name) const
+    {
+        struct stat status = {};
+        EXPECT_EQ(stat((folder / "out" / name).c_str(), &status), 0);
+        return std::tuple(status.st_ino, status.st_mtim.tv_sec, status.st_mtim.tv_nsec,
+            status.st_ctim.tv_nsec, readFile(folder / "out" / name));
+    }
     // No working folder is left.
     Lines scratch() const
     {
@@ -149,7 +166,6 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
     writeFile(folder / "out/one.zip", "older");
     fs::create_directory(folder / "out/two.zip");
     const std::string out = fs::canonical(folder / "out");
-    const std::string in = fs::canonical(folder / "in");
     struct Case {
         Lines arguments;
         int status;
@@ -163,8 +179,6 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
         {{"--to=../out", ""}, 1, "'': No such file or directory"},
         {{"--to=../out", "no\x1bne"}, 1, "'no?ne': No such file or directory"},
         {{"--to=../out", "/"}, 1, "'/' has no name to be archived under"},
-        {{"--to=../out", "--type=tar.gz", "one.txt", "./one.txt"}, 1,
-            "'" + in + "/./one.txt' has the name of another item"},
         {{"--to=../out", "--type=tar.gz", "/dev/null"}, 1,
             "'/dev/null' leads to no file or folder"},
         {{"--to=../none", "one.txt"}, 1, "'../none': No such file or directory"},
@@ -247,8 +261,7 @@ TEST_F(Program, tellsWhatToolsReportAndKeepsOnlyWholeArchives)
 // With the tool itself, on a folder that contains the folder for temporary files.
 TEST_F(Program, aMacZipHoldsWhatCouldBeStagedAndNamesTheRest)
 {
-    fs::remove(resources / "ditto");
-    fs::create_symlink(PARCELO_TOOLS_DIR "/ditto", resources / "ditto");
+    useTool("ditto");
     makeFifo(folder / "in/pipe");
     fs::rename(folder / "tmp", folder / "in/tmp");
     fs::create_directory_symlink(folder / "in/tmp", folder / "tmp");
@@ -272,6 +285,180 @@ TEST_F(Program, aMacZipHoldsWhatCouldBeStagedAndNamesTheRest)
 
     fs::remove(folder / "in/pipe");
     EXPECT_EQ(parcelo({"--to=../out", "--type=mac-zip", "."}).status, 0);
+}
+
+// With the tools themselves and foreign readers.
+TEST_F(Program, nothingIsLostOfItemsOfOneName)
+{
+    for (const char* tool : {"tar", "ditto"})
+        useTool(tool);
+    writeFile(folder / "in/a/x.txt", "first");
+    writeFile(folder / "in/b/x.txt", "second");
+    writeFile(folder / "in/c/x 2.txt", "third");
+    writeFile(folder / "in/d/a/inside", "fourth");
+    const Lines items{"a/x.txt", "b/x.txt", "c/x 2.txt", "a", "d/a"};
+    struct Case {
+        const char* type;
+        Lines reader;
+    };
+    const Case cases[] = {{"tar.gz", {"tar", "-xzf", "../out/Demo.tar.gz", "-C", "../read"}},
+        {"mac-zip", {"unzip", "-q", "../out/Demo.zip", "-d", "../read"}}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.type);
+        fs::create_directory(folder / "read");
+        Lines arguments{"--to=../out", "--name=Demo", "--type", each.type};
+        arguments.insert(arguments.end(), items.begin(), items.end());
+        const RunResult result = parcelo(arguments);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_NE(result.err.find("/b/x.txt' is kept as 'x 2.txt'"), std::string::npos);
+        EXPECT_EQ(run(each.reader, options()).status, 0);
+        const fs::path read = folder / "read/Demo";
+        EXPECT_EQ(namesIn(read), (Lines{"a", "a 2", "x 2 2.txt", "x 2.txt", "x.txt"}));
+        EXPECT_EQ(readFile(read / "x.txt") + readFile(read / "x 2.txt")
+                + readFile(read / "x 2 2.txt") + readFile(read / "a 2/inside"),
+            "firstsecondthirdfourth");
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(read / "x 2.txt")));
+        EXPECT_EQ(readFile(read / "a/x.txt"), "first");
+        EXPECT_EQ(scratch(), Lines{});
+        fs::remove_all(folder / "read");
+    }
+}
+
+TEST_F(Program, whatIsAskedForReachesTheTools)
+{
+    for (const char* tool : {"hdiutil", "du"})
+        fs::create_symlink(PARCELO_TEST_STANDINS_DIR "/tool", resources / tool);
+    struct Case {
+        Lines arguments;
+        std::string tool; // with what it is called with, paths as @
+    };
+    const Case cases[] = {
+        {{"--level", "0", "--keep-ds-store"}, "zip|-0|-y|-r|@|./one.txt"},
+        {{"--type=dmg", "--password-stdin"},
+            "hdiutil|convert|Demo.sparseimage|-format|UDZO|-encryption|-passphrase|secret word|-o|"
+            "Demo"},
+    };
+    for (const Case& each : cases) {
+        fs::remove(folder / "tmp/record");
+        Lines arguments{"--to=../out", "--name=Demo"};
+        arguments.insert(arguments.end(), each.arguments.begin(), each.arguments.end());
+        arguments.emplace_back("one.txt");
+        RunOptions withInput = options();
+        withInput.input = "secret word\nsecond line\n";
+        EXPECT_EQ(run(command(arguments), withInput).status, 0) << each.tool;
+        std::istringstream record(readFile(folder / "tmp/record"));
+        Lines calls;
+        for (std::string line; std::getline(record, line);) {
+            std::string call;
+            std::istringstream words(line);
+            for (int index = 0; std::getline(words, line, '|'); ++index)
+                if (index != 1) // its working folder
+                    call += (call.empty() ? "" : "|") + (line.starts_with('/') ? "@" : line);
+            calls.push_back(call);
+        }
+        EXPECT_EQ(std::ranges::count(calls, each.tool), 1) << testing::PrintToString(calls);
+    }
+    EXPECT_EQ(made(), (Lines{"Demo.dmg", "Demo.zip"}));
+}
+
+TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)
+{
+    struct Case {
+        const char* afterwards; // of the tool
+        int signal; // to the program, meanwhile
+        int status;
+    };
+    const Case cases[] = {{"exit 99", 0, 1}, {"kill -9 $$", 0, 1}, {": >\"$archive\"", 0, 1},
+        {"rm \"$archive\"", 0, 1}, {": >\"$TMPDIR/started\"; sleep 1", SIGKILL, 128 + SIGKILL},
+        {": >\"$TMPDIR/started\"; trap 'exit 9' INT; sleep 1", SIGTERM, 130}};
+    writeFile(folder / "in/noise", randomBytes(300'000, 1));
+    for (const char* type : {"zip", "mac-zip", "tar.gz"}) {
+        const std::string name = std::string(type) == "tar.gz" ? "Demo.tar.gz" : "Demo.zip";
+        Lines arguments{"--to=../out", "--name=Demo", "--type", type, "one.txt"};
+        for (const Case& each : cases) {
+            SCOPED_TRACE(std::string(type) + ": " + each.afterwards);
+            writeFile(folder / "out" / name, "older");
+            const auto older = identityOf(name);
+            makes("", each.afterwards);
+            RunningProgram running(command(arguments), options());
+            if (each.signal != 0) {
+                ASSERT_TRUE(waitUntil([&] { return fs::exists(folder / "tmp/started"); }));
+                running.signal(each.signal);
+            }
+            EXPECT_EQ(running.wait().status, each.status);
+            EXPECT_EQ(identityOf(name), older);
+            fs::remove(folder / "tmp/started");
+        }
+        // No room, for the tool itself; it ends each job whose file outgrows the limit.
+        useTool(std::string(type) == "mac-zip" ? "ditto"
+                : name.substr(5, 3) == "tar"   ? "tar"
+                                               : "zip");
+        Lines limited = command(arguments);
+        limited.back() = "noise";
+        limited.insert(limited.begin(), {"/bin/sh", "-c", "ulimit -f 100; exec \"$@\"", "sh"});
+        const auto older = identityOf(name);
+        const RunResult full = run(limited, options());
+        EXPECT_EQ(full.status, 1);
+        EXPECT_NE(full.err.find("File too large"), std::string::npos) << full.err;
+        EXPECT_EQ(identityOf(name), older);
+
+        EXPECT_EQ(parcelo(arguments).status, 0);
+        EXPECT_NE(readFile(folder / "out" / name), "older");
+        EXPECT_EQ(made(), Lines{name}); // nothing is left of the killed one, either
+        fs::remove(folder / "out" / name);
+    }
+}
+
+// A power cut may come at any time.
+TEST_F(Program, isOnTheDiskBeforeItHasItsName)
+{
+    useTool("zip");
+    const std::string out = fs::canonical(folder / "out");
+    Lines traced = command({"--to=../out", "--name=Demo", "one.txt"});
+    traced.insert(traced.begin() + 2, "ASAN_OPTIONS=detect_leaks=0"); // it cannot under a tracer
+    traced.insert(traced.begin(),
+        {"strace", "-f", "-y", "-o", "../tmp/trace", "-e",
+            "trace=fsync,fdatasync,rename,renameat2"});
+    ASSERT_EQ(run(traced, options()).status, 0);
+    const std::string trace = readFile(folder / "tmp/trace");
+    const auto named = trace.find("\"" + out + "/Demo.zip\"");
+    const auto onDisk = trace.find("fdatasync(");
+    ASSERT_NE(named, std::string::npos) << trace;
+    EXPECT_LT(onDisk, named) << trace;
+    EXPECT_EQ(trace.find("/Demo.zip>) = 0", onDisk), trace.find(">) = 0", onDisk) - 9) << trace;
+    EXPECT_NE(trace.find("<" + out + ">) = 0", named), std::string::npos) << trace;
+}
+
+TEST_F(Program, aFileThatCameMeanwhileStays)
+{
+    const std::string out = fs::canonical(folder / "out");
+    struct Case {
+        const char* before;
+        std::string meanwhile; // before the tool makes the archive
+        Lines made;
+        const char* content; // of the file at the archive's path
+    };
+    const Case cases[] = {
+        {"", "printf theirs >'" + out + "/Demo.zip'", {"Demo 2.zip", "Demo.zip"}, "theirs"},
+        {"older", "printf theirs >x; mv x '" + out + "/Demo.zip'", {"Demo 2.zip", "Demo.zip"},
+            "theirs"},
+        {"older", "rm '" + out + "/Demo.zip'", {"Demo.zip"}, "./one.txt|"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.meanwhile);
+        if (*each.before != '\0')
+            writeFile(folder / "out/Demo.zip", each.before);
+        makes(each.meanwhile);
+        const RunResult result = parcelo({"--to=../out", "--name=Demo", "one.txt"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(made(), each.made);
+        EXPECT_EQ(readFile(folder / "out/Demo.zip"), each.content);
+        const std::string own = each.content == std::string("theirs") ? "Demo 2.zip" : "Demo.zip";
+        EXPECT_EQ(result.out, out + "/" + own + "\n");
+        EXPECT_EQ(readFile(folder / "out" / own), "./one.txt|");
+        fs::remove_all(folder / "out");
+        fs::create_directory(folder / "out");
+    }
 }
 
 TEST_F(Program, anInterruptLeavesNothingBehind)

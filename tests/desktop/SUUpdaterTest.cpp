@@ -1,6 +1,8 @@
 #include "platform/desktop/updates/SUUpdater.h"
 
-#include "platform/desktop/services/Workspace.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "tests/support/FeedServer.h"
+#include "tests/support/NotingDesktop.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -8,147 +10,99 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
-#include <QTimer>
 
 #include <memory>
 
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
+using Feed = support::FeedServer;
+using Strings = std::vector<std::string>;
 
 namespace
 {
 
-// Answers each request on the loopback interface with the next of its answers, or else the last.
-class FeedServer : public QTcpServer
-{
-public:
-    explicit FeedServer(const QList<QByteArray>& answers)
-        : _answers(answers)
-    {
-        EXPECT_TRUE(listen(QHostAddress::LocalHost));
-        QObject::connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket* socket = nextPendingConnection();
-            QObject::connect(
-                socket, &QTcpSocket::readyRead, this, [this, socket] { _answer(*socket); });
-        });
-    }
+const QByteArray description = "<description>&lt;b&gt;Fast&lt;/b&gt;er "
+                               "&lt;img src='http://a.example/spy'&gt;</description>";
 
-    QString url() const
-    {
-        return QStringLiteral("http://127.0.0.1:%1/appcast.xml").arg(serverPort());
-    }
-
-    QByteArrayList requests;
-
-private:
-    void _answer(QTcpSocket& socket)
-    {
-        requests << socket.readAll();
-        const QByteArray answer = _answers.size() > 1 ? _answers.takeFirst() : _answers.front();
-        if (answer.isEmpty())
-            return; // leaves the client waiting
-        socket.write(answer);
-        socket.disconnectFromHost();
-    }
-
-    QList<QByteArray> _answers;
-};
-
-QByteArray answerWith(const QByteArray& body, const QByteArray& more = {})
-{
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size())
-        + "\r\nConnection: close\r\n" + more + "\r\n" + body;
-}
-
-QByteArray feedWith(const QByteArray& version, const QByteArray& more = {})
-{
-    return "<rss xmlns:s='urn:x'><channel><item><s:version>" + version + "</s:version>" + more
-        + "</item></channel></rss>";
-}
-
-const QByteArray newer = feedWith("1.3",
-    "<link>http://a.example/get</link><description>&lt;b&gt;Fast&lt;/b&gt;er "
-    "&lt;img src='http://a.example/spy'&gt;</description>");
-
-class Recorder : public Workspace
-{
-public:
-    bool openURL(const QUrl& url) override
-    {
-        opened << url.toString();
-        return true;
-    }
-
-    QStringList opened;
-};
+const QByteArray newer = Feed::feedWith("1.3");
 
 class SUUpdaterTest : public testing::Test
 {
 protected:
     SUUpdaterTest()
     {
-        QCoreApplication::setApplicationName(QStringLiteral("parcelo"));
-        QCoreApplication::setApplicationVersion(QStringLiteral("1.2"));
-        Workspace::setSharedWorkspace(&workspace);
+        QCoreApplication::setApplicationName("parcelo");
+        QCoreApplication::setApplicationVersion("1.2");
         window.show();
-        updater.setParentWindow(&window);
+        beginAnew(20s);
     }
 
-    ~SUUpdaterTest() override { Workspace::setSharedWorkspace(nullptr); }
+    void beginAnew(std::chrono::milliseconds timeout)
+    {
+        updater = std::make_unique<SUUpdater>(
+            SUUpdater::Defaults{
+                .objectForKey = [this](const QString& key) { return defaults[key]; },
+                .setObject
+                = [this](const QString& key, const QVariant& object) { defaults[key] = object; }},
+            timeout);
+        updater->setParentWindow(&window);
+    }
 
     void serve(const QList<QByteArray>& answers)
     {
-        server = std::make_unique<FeedServer>(answers);
-        defaults[QStringLiteral("SUFeedURL")] = server->url();
+        server = std::make_unique<Feed>(answers);
+        defaults["SUFeedURL"] = server->url();
     }
 
-    QVariant lastCheck() const { return defaults.value(QStringLiteral("SULastCheckTime")); }
+    QVariant& lastCheck() { return defaults["SULastCheckTime"]; }
 
-    // The sheet on the window, when it comes in time.
-    QDialog* sheet(std::chrono::milliseconds within = 5s)
+    QDialog* sheet() const { return Sheets::attachedSheet(&window); }
+
+    void waitForSheet()
     {
-        const auto visible = [&]() -> QDialog* {
-            for (auto* dialog : window.findChildren<QDialog*>())
-                if (dialog->isVisible())
-                    return dialog;
-            return nullptr;
-        };
-        (void)QTest::qWaitFor([&] { return visible() != nullptr; }, int(within.count()));
-        return visible();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return sheet() != nullptr; }, 20000));
     }
 
-    // What a check that is asked for answers, as one text; nothing while it does not.
+    // Dismisses what is up, and tells whether there was anything.
+    bool dismissSheet()
+    {
+        const QPointer<QDialog> up = sheet();
+        const bool wasUp = up != nullptr;
+        if (wasUp)
+            QTest::keyClick(up, Qt::Key_Escape);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !up; }));
+        return wasUp;
+    }
+
+    // All that the sheet says which answers the user; then it is dismissed.
     QString answer()
     {
-        updater.checkForUpdates(nullptr);
-        QDialog* found = sheet();
-        if (!found)
-            return {};
-        QStringList texts;
-        if (auto* message = qobject_cast<QMessageBox*>(found))
-            texts << message->text() << message->informativeText();
-        for (const char* name : {"headline", "versions"})
-            if (auto* label = found->findChild<QLabel*>(QLatin1String(name)))
-                texts << label->text();
-        EXPECT_TRUE(found->windowModality() == Qt::WindowModal);
-        EXPECT_EQ(found->windowType(), Qt::Sheet);
-        QTest::keyClick(found, Qt::Key_Escape);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<QDialog*>(); }));
-        return texts.join(u'\n');
+        updater->checkForUpdates(nullptr);
+        waitForSheet();
+        EXPECT_EQ(sheet()->windowType(), Qt::Sheet);
+        QString text;
+        for (const auto* label : sheet()->findChildren<QLabel*>())
+            text += label->text() + u'\n';
+        dismissSheet();
+        return text;
+    }
+
+    // Whether a check in the background spoke, once it is over.
+    bool speaksUnasked()
+    {
+        lastCheck() = QVariant();
+        updater->checkForUpdatesInBackground();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return lastCheck().isValid(); }, 20000));
+        return dismissSheet();
     }
 
     QWidget window;
     QMap<QString, QVariant> defaults;
-    Recorder workspace;
-    std::unique_ptr<FeedServer> server;
-    SUUpdater updater{{.objectForKey = [this](const QString& key) { return defaults.value(key); },
-                          .setObject = [this](const QString& key,
-                                           const QVariant& object) { defaults[key] = object; }},
-        300ms};
+    support::NotingWorkspace workspace;
+    std::unique_ptr<Feed> server;
+    std::unique_ptr<SUUpdater> updater;
 };
 
 } // namespace
@@ -159,45 +113,45 @@ TEST_F(SUUpdaterTest, alwaysAnswersTheUser)
     const QByteArray endless
         = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + newer + QByteArray(3 << 20, ' ');
     struct Case {
-        const char* name;
         QList<QByteArray> answers;
         const char* text; // is in the answer
     };
     const Case cases[] = {
-        {"newer", {answerWith(newer)}, "Parcelo 1.3 can be downloaded; you have 1.2."},
-        {"same", {answerWith(feedWith("1.2.0"))}, "up to date"},
-        {"older", {answerWith(feedWith("1.2~rc"))}, "up to date"},
-        {"none", {answerWith("<rss><channel/></rss>")}, "up to date"},
-        {"malformed", {answerWith("<rss><channel>")}, "cannot be read"},
-        {"doctype", {answerWith("<!DOCTYPE x>" + newer)}, "cannot be read"},
-        {"cut short", {answerWith(newer + QByteArray(9, ' ')).chopped(60)}, "not possible"},
-        {"huge", {endless}, "too large"},
-        {"silent", {QByteArray()}, "in time"},
-        {"gone", {"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"},
-            "error 404"},
-        {"redirected", {redirect + "Location: /other\r\n\r\n", answerWith(newer)}, "1.3 can be"},
-        {"in a circle", {redirect + "Location: /other\r\n\r\n"}, "not possible"},
-        {"to a file", {redirect + "Location: file:///etc/passwd\r\n\r\n"}, "not possible"},
-        {"no HTTP", {"hello\r\n\r\n"}, "not possible"},
+        {{Feed::answerWith(newer)}, "Parcelo 1.3 can be downloaded; you have 1.2."},
+        {{Feed::answerWith(Feed::feedWith("1.2.0"))}, "up to date"},
+        {{Feed::answerWith(Feed::feedWith("1.2~rc"))}, "up to date"},
+        {{Feed::answerWith("<rss><channel/></rss>")}, "up to date"},
+        {{Feed::answerWith("<rss><channel>")}, "cannot be read"},
+        {{Feed::answerWith(newer + QByteArray(9, ' ')).chopped(60)}, "not possible"}, // cut short
+        {{endless}, "too large"},
+        {{"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"}, "error 404"},
+        {{redirect + "Location: /other\r\n\r\n", Feed::answerWith(newer)}, "1.3 can be"},
+        {{redirect + "Location: /other\r\n\r\n"}, "not possible"}, // in a circle
+        {{redirect + "Location: file:///etc/passwd\r\n\r\n"}, "not possible"},
+        {{"hello\r\n\r\n"}, "not possible"},
     };
     for (const Case& each : cases) {
         serve(each.answers);
         const QString text = answer();
         EXPECT_TRUE(text.contains(QLatin1String(each.text)))
-            << each.name << ": " << qPrintable(text);
-        EXPECT_FALSE(text.contains(server->url())) << each.name;
+            << each.answers[0].left(200).constData() << ": " << qPrintable(text);
+        EXPECT_FALSE(text.contains(server->url())) << qPrintable(text);
     }
     server.reset(); // nobody listens there any more
-    EXPECT_TRUE(answer().contains(u"not possible"_qs));
+    EXPECT_TRUE(answer().contains("not possible"));
     for (const char* address : {"", "file:///etc/passwd", "http://", "not an address"}) {
-        defaults[QStringLiteral("SUFeedURL")] = QLatin1String(address);
-        EXPECT_TRUE(answer().contains(u"No address"_qs)) << address;
+        defaults["SUFeedURL"] = QLatin1String(address);
+        EXPECT_TRUE(answer().contains("No address")) << address;
     }
-    EXPECT_EQ(workspace.opened, QStringList());
+    EXPECT_EQ(workspace.opened, Strings());
 }
 
-TEST_F(SUUpdaterTest, givesUpOnAServerThatDribbles)
+TEST_F(SUUpdaterTest, givesUpOnAServerThatIsSilentOrDribbles)
 {
+    beginAnew(200ms);
+    serve({QByteArray()});
+    EXPECT_TRUE(answer().contains("in time"));
+
     QTcpServer slow;
     QTimer dribble;
     ASSERT_TRUE(slow.listen(QHostAddress::LocalHost));
@@ -207,58 +161,53 @@ TEST_F(SUUpdaterTest, givesUpOnAServerThatDribbles)
         QObject::connect(&dribble, &QTimer::timeout, socket, [socket] { socket->write(" "); });
     });
     dribble.start(50ms);
-    defaults[QStringLiteral("SUFeedURL")]
-        = QStringLiteral("http://127.0.0.1:%1/").arg(slow.serverPort());
-    EXPECT_TRUE(answer().contains(u"in time"_qs));
+    defaults["SUFeedURL"] = QStringLiteral("http://127.0.0.1:%1/").arg(slow.serverPort());
+    EXPECT_TRUE(answer().contains("in time"));
 }
 
-TEST_F(SUUpdaterTest, offersThePageAndWhatIsNewAsPlainText)
+TEST_F(SUUpdaterTest, offersPagesOfTheWebAndWhatIsNewAsPlainText)
 {
-    serve({answerWith(newer)});
-    updater.checkForUpdates(nullptr);
-    QDialog* found = sheet();
-    ASSERT_TRUE(found);
-    auto* notes = found->findChild<QPlainTextEdit*>(QStringLiteral("whatIsNew"));
-    ASSERT_TRUE(notes);
-    EXPECT_EQ(notes->toPlainText(), u"Faster");
-    EXPECT_FALSE(notes->accessibleName().isEmpty());
-    updater.checkForUpdates(nullptr); // is up already
-    EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
-    QTest::keyClick(found, Qt::Key_Return);
-    EXPECT_EQ(workspace.opened, QStringList(QStringLiteral("http://a.example/get")));
-    EXPECT_EQ(server->requests.size(), 1);
-
-    // Only pages of the web can be opened.
     struct Case {
-        const char* item;
-        const char* page;
+        QByteArray item;
+        const char* button;
+        Strings opened;
     };
-    for (const Case& each : {Case{"<link>file:///etc/passwd</link>", nullptr},
-             {"<link>javascript:alert(1)</link>", nullptr}, {"", nullptr},
-             {"<link>ftp://a</link><enclosure url='https://a.example/b'/>",
-                 "https://a.example/b"}}) {
+    const Case cases[] = {{"<link>file:///etc/passwd</link>", "notNow", {}},
+        {"<link>javascript:alert(1)</link>", "notNow", {}},
+        {"<link>ftp://a</link><enclosure url='https://a.example/b'/>", "openPage",
+            {"https://a.example/b"}},
+        {"<releaseNotesLink>https://a.example/n</releaseNotesLink>", "openNotes",
+            {"https://a.example/n"}},
+        {"<link>http://a.example/get</link>" + description, "openPage", {"http://a.example/get"}}};
+    for (const Case& each : cases) {
         workspace.opened.clear();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<QDialog*>(); }));
-        serve({answerWith(feedWith("2", each.item))});
-        updater.checkForUpdates(nullptr);
-        found = sheet();
-        ASSERT_TRUE(found) << each.item;
-        auto* button = found->findChild<QPushButton*>(QStringLiteral("openPage"));
-        EXPECT_EQ(button != nullptr, each.page != nullptr) << each.item;
-        if (button)
-            button->click();
+        serve({Feed::answerWith(Feed::feedWith("2", each.item))});
+        updater->checkForUpdates(nullptr);
+        waitForSheet();
+        updater->checkForUpdates(nullptr); // is up already
+        EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
+        const bool hasPage = each.button == std::string_view("openPage");
+        EXPECT_EQ(sheet()->findChild<QPushButton*>("openPage") != nullptr, hasPage);
+        const auto* notes = sheet()->findChild<QPlainTextEdit*>("whatIsNew");
+        EXPECT_EQ(
+            notes ? notes->toPlainText() : "", each.item.contains(description) ? "Faster" : "");
+        if (hasPage)
+            QTest::keyClick(sheet(), Qt::Key_Return);
         else
-            found->findChild<QPushButton*>(QStringLiteral("notNow"))->click();
-        EXPECT_EQ(workspace.opened.value(0), QLatin1String(each.page)) << each.item;
+            sheet()->findChild<QPushButton*>(QLatin1String(each.button))->click();
+        EXPECT_EQ(workspace.opened, each.opened) << each.item.constData();
+        EXPECT_EQ(server->requests.size(), 1);
+        dismissSheet();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<QDialog*>(); }));
     }
 }
 
 TEST_F(SUUpdaterTest, tellsTheServerNothingButNameAndVersion)
 {
-    serve({answerWith(newer, "ETag: \"a1\"\r\nSet-Cookie: id=7\r\n"),
+    serve({Feed::answerWith(newer, "ETag: \"a1\"\r\nSet-Cookie: id=7\r\n"),
         "HTTP/1.1 304 Not Modified\r\nConnection: close\r\n\r\n"});
-    EXPECT_TRUE(answer().contains(u"1.3"_qs));
-    EXPECT_TRUE(answer().contains(u"1.3"_qs)); // from what was kept
+    EXPECT_TRUE(answer().contains("1.3"));
+    EXPECT_TRUE(answer().contains("1.3")); // from what was kept
     ASSERT_EQ(server->requests.size(), 2);
     EXPECT_TRUE(server->requests[0].contains("\r\nUser-Agent: parcelo/1.2\r\n"));
     EXPECT_FALSE(server->requests[0].contains("If-None-Match"));
@@ -268,71 +217,55 @@ TEST_F(SUUpdaterTest, tellsTheServerNothingButNameAndVersion)
 
 TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
 {
-    const auto check = [&](std::chrono::milliseconds wait) {
-        const qsizetype before = server ? server->requests.size() : 0;
-        updater.checkForUpdatesInBackground();
-        QDialog* found = sheet(wait);
-        if (found) {
-            found->reject();
-            EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<QDialog*>(); }));
-        }
-        return std::make_pair(found != nullptr, server && server->requests.size() > before);
-    };
-    using Result = std::pair<bool, bool>; // it spoke, it asked
-
-    for (const QByteArray& answer :
-        {answerWith(feedWith("1.2")), answerWith("<rss>"), QByteArray("HTTP/1.1 500 No\r\n\r\n")}) {
-        defaults.clear();
+    for (const QByteArray& answer : {Feed::answerWith(Feed::feedWith("1.2")),
+             Feed::answerWith("<rss>"), QByteArray("HTTP/1.1 500 No\r\n\r\n")}) {
         serve({answer});
-        EXPECT_EQ(check(400ms), Result(false, true));
-        EXPECT_TRUE(lastCheck().isValid());
+        EXPECT_FALSE(speaksUnasked()) << answer.constData();
     }
-    defaults.clear();
-    serve({QByteArray()}); // no answer: is tried again at the next launch
-    EXPECT_EQ(check(600ms), Result(false, true));
-    EXPECT_FALSE(lastCheck().isValid());
-
-    serve({answerWith(newer)});
-    EXPECT_EQ(check(5s), Result(true, true));
-    const auto since2001 = QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC)
-                               .secsTo(QDateTime::currentDateTimeUtc());
+    serve({Feed::answerWith(newer)});
+    EXPECT_TRUE(speaksUnasked());
+    const auto since2001
+        = QDateTime(QDate(2001, 1, 1), {}, Qt::UTC).secsTo(QDateTime::currentDateTimeUtc());
     EXPECT_NEAR(lastCheck().toDouble(), double(since2001), 10);
-    EXPECT_EQ(check(400ms), Result(false, false));
+
     constexpr qlonglong day = 24 * 60 * 60;
     for (const qlonglong due : {since2001 - day, since2001 + day}) {
-        defaults[QStringLiteral("SULastCheckTime")] = qlonglong(due);
-        EXPECT_EQ(check(5s), Result(true, true)) << due;
+        const Feed early({Feed::answerWith(newer)});
+        defaults["SUFeedURL"] = early.url();
+        lastCheck() = qlonglong(since2001 - day / 2);
+        updater->checkForUpdatesInBackground();
+        serve({Feed::answerWith(newer)});
+        lastCheck() = due;
+        updater->checkForUpdatesInBackground();
+        waitForSheet();
+        EXPECT_EQ(early.requests.size(), 0) << "it was asked too early";
+        dismissSheet();
     }
 
-    defaults.remove(QStringLiteral("SULastCheckTime"));
+    beginAnew(200ms);
+    lastCheck() = QVariant();
+    serve({QByteArray()}); // no answer does not count: the next check asks again
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        updater->checkForUpdatesInBackground();
+        return server->requests.size() == 2;
+    }));
+    EXPECT_FALSE(lastCheck().isValid() || sheet());
+}
+
+TEST_F(SUUpdaterTest, waitsUnaskedForAWindowThatIsOnScreenAndFree)
+{
     QMessageBox other(&window);
-    other.open(); // blocks the program's window
-    updater.checkForUpdatesInBackground();
-    QTest::qWait(400);
-    EXPECT_EQ(window.findChildren<QDialog*>().size(), 1);
-    EXPECT_FALSE(lastCheck().isValid());
-    other.reject();
-    EXPECT_TRUE(sheet() != nullptr) << "it waited";
-    EXPECT_TRUE(lastCheck().isValid());
-}
-
-TEST_F(SUUpdaterTest, speaksUnaskedOnlyOnAWindowThatIsOnScreen)
-{
-    serve({answerWith(feedWith("2"))});
-    window.hide();
-    updater.checkForUpdatesInBackground();
-    QTest::qWait(400);
-    EXPECT_EQ(window.findChildren<QDialog*>().size(), 0);
-    window.show();
-    EXPECT_TRUE(sheet() != nullptr);
-}
-
-TEST_F(SUUpdaterTest, leadsToTheNotesWhereThereAreNone)
-{
-    serve({answerWith(feedWith("2", "<releaseNotesLink>https://a.example/n</releaseNotesLink>"))});
-    updater.checkForUpdates(nullptr);
-    ASSERT_TRUE(sheet());
-    sheet()->findChild<QPushButton*>(QStringLiteral("openNotes"))->click();
-    EXPECT_EQ(workspace.opened, QStringList(QStringLiteral("https://a.example/n")));
-    EXPECT_TRUE(sheet()->isVisible());
+    for (const bool isHidden : {true, false}) {
+        serve({Feed::answerWith(newer)});
+        lastCheck() = QVariant();
+        isHidden ? window.hide() : other.open();
+        updater->checkForUpdatesInBackground();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return server->requests.size() == 1; }));
+        QTest::qWait(400);
+        EXPECT_EQ(sheet(), isHidden ? nullptr : &other);
+        EXPECT_FALSE(lastCheck().isValid());
+        isHidden ? window.show() : other.reject();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return lastCheck().isValid() && sheet(); }));
+        dismissSheet();
+    }
 }

@@ -1,20 +1,19 @@
 #include "tests/desktop/StandIns.h"
 
 #include "tests/support/Files.h"
-#include "tests/support/Run.h"
+#include "tests/support/PrivateBus.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
-#include <QEventLoop>
 #include <QTimer>
 
 #include <chrono>
 #include <cstdlib>
-#include <memory>
-#include <sstream>
+#include <fstream>
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -24,64 +23,39 @@ using namespace std::chrono_literals;
 namespace
 {
 
-// No service of the machine can be started by this one.
-constexpr const char* busConfiguration = R"(<busconfig>
-  <type>session</type>
-  <listen>unix:path=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
-
 // Runs from before the first test to behind the last one.
-class PrivateBus : public ::testing::Environment
+class BusForAllTests : public ::testing::Environment
 {
 public:
     void SetUp() override
     {
-        const std::string socket = _folder / "bus";
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + socket).c_str(), 1);
-        if (std::getenv("PARCELO_TEST_WITHOUT_BUS"))
-            return;
-        support::writeFile(_folder / "configuration",
-            QString::fromLatin1(busConfiguration).arg(socket.c_str()).toStdString());
-        _daemon = std::make_unique<support::RunningProgram>(
-            std::vector<std::string>{"dbus-daemon", "--nofork", "--print-address",
-                "--config-file=" + (_folder / "configuration").native()});
-        // The socket is there before anybody listens to it, the address is told afterwards.
-        ASSERT_TRUE(support::waitUntil([&] { return !_daemon->out().empty(); })) << _daemon->err();
+        if (!std::getenv("PARCELO_TEST_WITHOUT_BUS"))
+            _bus.emplace();
+        const std::string address = _bus ? _bus->address() : "unix:path=/no/such/bus";
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     }
-    void TearDown() override { _daemon.reset(); }
+    void TearDown() override { _bus.reset(); }
 
 private:
-    const support::TestFolder _folder;
-    std::unique_ptr<support::RunningProgram> _daemon;
+    std::optional<support::PrivateBus> _bus;
 };
 
-const auto* const privateBus = ::testing::AddGlobalTestEnvironment(new PrivateBus);
+const auto* const busForAllTests = ::testing::AddGlobalTestEnvironment(new BusForAllTests);
 
 using Descriptors = QList<QDBusUnixFileDescriptor>;
 
-std::string textOf(const QDBusUnixFileDescriptor& file)
-{
-    return fs::read_symlink("/proc/self/fd/" + std::to_string(file.fileDescriptor()));
-}
-
-// Of the kinds of argument that the services here are given; options in the order of their keys.
 std::string textOf(const QVariant& value)
 {
     if (value.userType() == qMetaTypeId<QDBusUnixFileDescriptor>())
-        return textOf(value.value<QDBusUnixFileDescriptor>());
+        return fs::read_symlink("/proc/self/fd/"
+            + std::to_string(value.value<QDBusUnixFileDescriptor>().fileDescriptor()));
     if (value.userType() != qMetaTypeId<QDBusArgument>())
         return value.toStringList().join(u' ').toStdString();
     const auto argument = value.value<QDBusArgument>();
     std::string text;
     if (argument.currentSignature() == QLatin1String("ah"))
-        for (const QDBusUnixFileDescriptor& file : qdbus_cast<Descriptors>(argument))
-            text += textOf(file);
+        for (const auto& file : qdbus_cast<Descriptors>(argument))
+            text += textOf(QVariant::fromValue(file));
     if (argument.currentSignature() == QLatin1String("a{sv}")) {
         const auto options = qdbus_cast<QVariantMap>(argument);
         for (auto option = options.begin(); option != options.end(); ++option)
@@ -93,41 +67,11 @@ std::string textOf(const QVariant& value)
 
 } // namespace
 
-bool standins::spinUntil(const std::function<bool()>& condition)
-{
-    QEventLoop loop;
-    QTimer check;
-    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
-        if (condition())
-            loop.exit(1);
-    });
-    check.start(2ms);
-    QTimer::singleShot(20s, &loop, [&] { loop.exit(0); });
-    return loop.exec() == 1;
-}
-
-standins::EnvironmentVariable::EnvironmentVariable(const char* name, const std::string& value)
-    : _name(name)
-    , _wasSet(std::getenv(name) != nullptr)
-{
-    if (_wasSet)
-        _former = std::getenv(name);
-    ::setenv(name, value.c_str(), 1);
-}
-
-standins::EnvironmentVariable::~EnvironmentVariable()
-{
-    if (_wasSet)
-        ::setenv(_name, _former.c_str(), 1);
-    else
-        ::unsetenv(_name);
-}
-
-void standins::Programs::add(const std::string& name, int status, const std::string& line) const
+void standins::Programs::add(const std::string& name, int status) const
 {
     addScript(name,
-        "{ printf %s " + name + "; printf ' <%s>' \"$@\"; echo; } >>'" + (_notes / "calls").native()
-            + "'\necho '" + line + "'\nexit " + std::to_string(status));
+        "{ printf %s " + name + "; printf ' <%s>' \"$@\"; echo; } >>\"${0%/*}/calls\"\nexit "
+            + std::to_string(status));
 }
 
 void standins::Programs::addScript(const std::string& name, const std::string& script) const
@@ -139,9 +83,7 @@ void standins::Programs::addScript(const std::string& name, const std::string& s
 std::vector<std::string> standins::Programs::calls() const
 {
     std::vector<std::string> lines;
-    if (!fs::exists(_notes / "calls"))
-        return lines;
-    std::istringstream notes(support::readFile(_notes / "calls"));
+    std::ifstream notes(_folder / "calls");
     for (std::string line; std::getline(notes, line);)
         lines.push_back(line);
     return lines;
@@ -167,22 +109,12 @@ standins::Service::~Service()
     QDBusConnection::disconnectFromBus(_name);
 }
 
-QString standins::Service::introspect(const QString& /*path*/) const
-{
-    return {};
-}
-
 bool standins::Service::handleMessage(
     const QDBusMessage& message, const QDBusConnection& /*connection*/)
 {
     std::string call = (message.interface() + u'.' + message.member()).toStdString();
-    QString token;
-    for (const QVariant& argument : message.arguments()) {
+    for (const QVariant& argument : message.arguments())
         call += " <" + textOf(argument) + ">";
-        if (const auto options = argument; options.userType() == qMetaTypeId<QDBusArgument>())
-            token
-                = qdbus_cast<QVariantMap>(options).value(QStringLiteral("handle_token")).toString();
-    }
     _calls.push_back(call);
 
     if (_answer == Answer::error)
@@ -191,10 +123,12 @@ bool standins::Service::handleMessage(
     if (_answer == Answer::yes)
         return _connection.send(message.createReply());
 
-    const QString path
-        = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
-              .arg(message.service().mid(1).replace(u'.', u'_'),
-                  _answer == Answer::responseElsewhere ? QStringLiteral("t") : token);
+    const auto options = qdbus_cast<QVariantMap>(message.arguments().constLast());
+    const QString token = _answer == Answer::responseElsewhere
+        ? QStringLiteral("other")
+        : options.value(QStringLiteral("handle_token")).toString();
+    const QString path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
+                             .arg(message.service().mid(1).replace(u'.', u'_'), token);
     const QDBusMessage reply = message.createReply(QVariant::fromValue(QDBusObjectPath(path)));
     if (_answer == Answer::responseBefore)
         _respond(path);

@@ -1,51 +1,39 @@
+// What stands in for the desktop: services on a message bus and programs in PATH, all of them
+// private to the test program.
 #pragma once
 
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/TestFolder.h"
 
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
+#include <QTest>
 
-#include <functional>
 #include <string>
 #include <vector>
 
-// What stands in for the desktop: a message bus, services on it and programs in PATH, all of them
-// private to the test program.
 namespace standins
 {
 
-// Runs the event loop until the condition holds; false when it did not come true in 20 seconds.
-bool spinUntil(const std::function<bool()>& condition);
-
-// Sets a variable of our environment and puts the former value back.
-class EnvironmentVariable
+// Serves events until nothing is under way for the object any more: until its children are gone.
+inline bool waitForEndOf(const QObject& asked)
 {
-public:
-    EnvironmentVariable(const char* name, const std::string& value);
-    ~EnvironmentVariable();
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-
-private:
-    const char* _name;
-    std::string _former;
-    bool _wasSet;
-};
+    return QTest::qWaitFor([&] { return asked.children().isEmpty(); }, 20000);
+}
 
 // As long as it lives, PATH holds nothing but the programs added to it.
 class Programs
 {
 public:
-    // Adds a program that notes its call, prints a line and ends with that status.
-    void add(const std::string& name, int status = 0, const std::string& line = {}) const;
+    // Adds a program that notes its call and ends with that status.
+    void add(const std::string& name, int status = 0) const;
     void addScript(const std::string& name, const std::string& script) const;
     // What was run, a line each: the name and every argument in angle brackets.
     std::vector<std::string> calls() const;
 
 private:
     support::TestFolder _folder;
-    support::TestFolder _notes;
-    EnvironmentVariable _path{"PATH", _folder.path().native()};
+    support::EnvironmentVariable _path{"PATH", _folder.path().native()};
 };
 
 // A service on the private bus, with a connection of its own. It notes what is called: the method
@@ -66,7 +54,7 @@ public:
 
     const std::vector<std::string>& calls() const { return _calls; }
 
-    QString introspect(const QString& path) const override;
+    QString introspect(const QString& /*path*/) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
 private:

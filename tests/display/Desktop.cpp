@@ -100,11 +100,11 @@ void Desktop::TearDown()
         return;
     const std::string picture
         = std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + ".png";
-    run({"import", "-window", "root", picture}, {.environment = environment()});
+    run({"import", "-window", "root", picture}, {.environment = _environment()});
     std::cerr << "see " << fs::absolute(picture).native() << "\n";
 }
 
-std::vector<std::string> Desktop::environment() const
+Desktop::Strings Desktop::_environment() const
 {
     const std::string at = folder.path().native();
     return {"HOME=" + at + "/home", "XDG_CONFIG_HOME=" + at + "/config",
@@ -115,24 +115,24 @@ std::vector<std::string> Desktop::environment() const
         "DBUS_SESSION_BUS_ADDRESS=" + session().busAddress()};
 }
 
-Desktop::Program& Desktop::_start(const Strings& command, const std::string& input)
+Desktop::Program& Desktop::_start(const Strings& command, const Strings& moreEnvironment)
 {
+    Strings environment = _environment();
+    environment.insert(environment.end(), moreEnvironment.begin(), moreEnvironment.end());
     _programs.push_back(std::make_unique<Program>(command,
-        RunOptions{.folder = source,
-            .environment = environment(),
-            .input = input,
-            .timeout = std::chrono::seconds(20)}));
+        RunOptions{
+            .folder = source, .environment = environment, .timeout = std::chrono::seconds(20)}));
     return *_programs.back();
 }
 
-Desktop::Program& Desktop::startParcelo(
-    const Strings& files, const std::string& settingsLines, const Path& executable)
+Desktop::Program& Desktop::startParcelo(const Strings& files, const std::string& settings,
+    const Path& executable, const Strings& moreEnvironment)
 {
-    if (!settingsLines.empty())
-        support::writeFile(folder / "config/parcelo/parcelo.conf", "[General]\n" + settingsLines);
+    if (!settings.empty())
+        support::writeFile(folder / "config/parcelo/parcelo.conf", "[General]\n" + settings);
     Strings command = {executable};
     command.insert(command.end(), files.begin(), files.end());
-    Program& program = _start(command);
+    Program& program = _start(command, moreEnvironment);
     place(program, "Parcelo", {620, 0});
     return program;
 }
@@ -142,14 +142,6 @@ Desktop::Program& Desktop::startFileManager()
     Program& program = _start({"pcmanfm", "--no-desktop", source});
     place(program, source.filename(), {0, 0});
     xdotool({"windowsize", "--sync", findWindow(program, source.filename()), "560", "500"});
-    return program;
-}
-
-Desktop::Program& Desktop::startDragSource(
-    const std::string& action, const std::string& format, const std::string& data)
-{
-    Program& program = _start({PARCELO_DRAG_SOURCE, action, format}, data);
-    place(program, "Source", {0, 0});
     return program;
 }
 
@@ -178,7 +170,7 @@ std::string Desktop::xdotool(const Strings& words) const
 {
     Strings command = {"xdotool"};
     command.insert(command.end(), words.begin(), words.end());
-    return run(command, {.environment = environment(), .timeout = std::chrono::seconds(20)}).out;
+    return run(command, {.environment = _environment(), .timeout = std::chrono::seconds(20)}).out;
 }
 
 std::string Desktop::findWindow(const Program& program, const std::string& title) const
@@ -253,16 +245,18 @@ Point Desktop::selectAll(const Program& fileManager) const
     const auto isDark = [](std::uint32_t color) { return (color & 0xFF) < 0xA0; };
     Point item{x, 0};
     const auto isSelected = [&] {
-        press(fileManager, source.filename(), {"ctrl+a"}); // again: it may have been too early
         const std::vector<std::uint32_t> colors = session().column({x, 0}, aboveScrollBar);
         const auto last = std::find_if(colors.rbegin(), colors.rend(), isDark);
         item.y = static_cast<int>(colors.rend() - last) - halfOfItem;
-        return last != colors.rbegin() && item.y > 0
-            && isDark(colors.at(static_cast<std::size_t>(item.y)));
+        return item.y > 0 && isDark(colors.at(static_cast<std::size_t>(item.y)));
     };
-    if (!waitFor(isSelected))
-        throw std::runtime_error("nothing gets selected");
-    return item;
+    // Again when nothing comes of it: its window may not have been ready.
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        press(fileManager, source.filename(), {"ctrl+a"});
+        if (QTest::qWaitFor(isSelected, 3000))
+            return item;
+    }
+    throw std::runtime_error("nothing gets selected");
 }
 
 bool Desktop::waitForBox(std::uint32_t color) const
@@ -293,9 +287,10 @@ std::vector<std::string> Desktop::callOf(const std::string& program) const
     return fs::exists(record) ? split(support::readFile(record), '\0') : Strings();
 }
 
-std::string Desktop::settings() const
+bool Desktop::hasSetting(const std::string& line) const
 {
-    return support::readFile(folder / "config/parcelo/parcelo.conf");
+    const std::string stored = support::readFile(folder / "config/parcelo/parcelo.conf");
+    return stored.find("\n" + line + "\n") != std::string::npos;
 }
 
 std::vector<std::string> Desktop::temporaryFiles() const

@@ -11,10 +11,6 @@
 #include <QDBusConnection>
 #include <QTest>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 class FileManagerService;
@@ -34,11 +30,9 @@ protected:
 
     // With `settings`, lines of the program's settings file; its window is at the right.
     Program& startParcelo(const Strings& files = {}, const std::string& settings = {},
-        const Path& executable = PARCELO_PROGRAM);
+        const Path& executable = PARCELO_PROGRAM, const Strings& moreEnvironment = {});
     // The file manager, at the left, on what is to be archived.
     Program& startFileManager();
-    Program& startDragSource(
-        const std::string& action, const std::string& format, const std::string& data);
     // Ends the program as its user does.
     void quit(Program& program);
     // It ends without a word, and leaves no tool and no file behind.
@@ -61,7 +55,6 @@ protected:
 
     // The button goes down at `from` and stays down.
     void drag(Point from, Point to) const;
-    void mouse(const Strings& xdotoolWords) const { xdotool(xdotoolWords); }
     // In the file manager; where the last item is.
     Point selectAll(const Program& fileManager) const;
     // In the box of the program at the right.
@@ -79,7 +72,7 @@ protected:
 
     // --- Files ---
 
-    std::string settings() const;
+    bool hasSetting(const std::string& line) const;
     // Regular files below the folder for temporary files.
     Strings temporaryFiles() const;
 
@@ -90,13 +83,13 @@ protected:
     }
 
     std::string xdotool(const Strings& words) const;
-    std::vector<std::string> environment() const;
 
     const support::TestFolder folder;
     const Path source = folder / "src"; // what is archived; there is "one.txt" in it
 
 private:
-    Program& _start(const Strings& command, const std::string& input = {});
+    Strings _environment() const;
+    Program& _start(const Strings& command, const Strings& moreEnvironment = {});
 
     QDBusConnection _bus;
     std::unique_ptr<FileManagerService> _fileManagerService;

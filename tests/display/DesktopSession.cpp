@@ -9,55 +9,22 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-using support::run;
-using support::RunningProgram;
 using Strings = std::vector<std::string>;
-
-namespace
-{
-
-// Without any folder of services: what nobody on this bus offers is missing.
-constexpr auto busConfiguration = R"(<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/> <allow eavesdrop="true"/> <allow own="*"/>
-  </policy>
-</busconfig>
-)";
-
-Strings endingWithUs(Strings command)
-{
-    command.insert(command.begin(), {"setpriv", "--pdeathsig", "TERM"});
-    return command;
-}
-
-// Waits for the first line of what a server prints.
-std::string firstLine(const RunningProgram& server, const char* name)
-{
-    if (!support::waitUntil([&] { return server.out().find('\n') != std::string::npos; }))
-        throw std::runtime_error(std::string(name) + " does not start: " + server.err());
-    return server.out().substr(0, server.out().find('\n'));
-}
-
-} // namespace
 
 DesktopSession::DesktopSession()
     // It would start over, and drop who is about to come, whenever its last client has gone.
-    : _server(endingWithUs({"Xvfb", "-displayfd", "1", "-screen", "0", "1100x700x24", "-noreset",
-        "-nolisten", "tcp", "-fbdir", _folder.path()}))
-    , _display(":" + firstLine(_server, "Xvfb"))
+    : _server({"setpriv", "--pdeathsig", "TERM", "Xvfb", "-displayfd", "1", "-screen", "0",
+        "1100x700x24", "-noreset", "-nolisten", "tcp", "-fbdir", _folder.path()})
 {
-    support::writeFile(_folder / "bus.conf", busConfiguration);
-    _bus = std::make_unique<RunningProgram>(endingWithUs(
-        {"dbus-daemon", "--nofork", "--config-file", _folder / "bus.conf", "--print-address=1"}));
-    _busAddress = firstLine(*_bus, "dbus-daemon");
+    if (!support::waitUntil([&] { return _server.out().find('\n') != std::string::npos; }))
+        throw std::runtime_error("Xvfb does not start: " + _server.err());
+    _display = ":" + _server.out().substr(0, _server.out().find('\n'));
     const support::RunOptions onDisplay{.environment
         = Strings{"DISPLAY=" + _display, "HOME=" + _folder.path().native(), "LC_ALL=C.UTF-8"}};
-    _windowManager = std::make_unique<RunningProgram>(Strings{"openbox"}, onDisplay);
+    _windowManager = std::make_unique<support::RunningProgram>(Strings{"openbox"}, onDisplay);
     const auto isManaged = [&] {
-        return run({"xprop", "-root", "_NET_SUPPORTING_WM_CHECK"}, onDisplay).out.find("window id")
-            != std::string::npos;
+        const Strings query{"xprop", "-root", "_NET_SUPPORTING_WM_CHECK"};
+        return support::run(query, onDisplay).out.find("window id") != std::string::npos;
     };
     if (!support::waitUntil(isManaged))
         throw std::runtime_error("openbox does not start: " + _windowManager->err());
@@ -66,7 +33,6 @@ DesktopSession::DesktopSession()
 DesktopSession::~DesktopSession()
 {
     _windowManager.reset();
-    _bus.reset();
     _server.signal(SIGTERM); // so that it takes its lock and socket with it
     (void)_server.wait();
 }

@@ -1,106 +1,75 @@
-// A disk image, with stand-ins for the tools that play a whole session and record what they are
-// asked.
+// A disk image, with stand-ins for the tools that play a whole session.
 
-#include "platform/base/bundle/Bundle.h"
-#include "shared/Library/Archiver/Archiver.h"
-#include "tests/support/Files.h"
+#include "tests/engine/EngineTest.h"
 #include "tests/support/Run.h"
-#include "tests/support/TestFolder.h"
 
-#include <sstream>
-
-#include <gtest/gtest.h>
-
-using namespace support;
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
+#include <algorithm>
 
 namespace
 {
 
-class DiskImage : public testing::Test
+constexpr const char* session = R"(for last; do :; done
+    case "$1" in
+    create) : >"$last.sparseimage" ;;
+    mount) cat "$TMPDIR/listing" ;;
+    convert) ls -A >"$TMPDIR/during"; printf made >>"$last.dmg" ;;
+    esac
+    [ -f "$TMPDIR/stay in" ] && read -r stay <"$TMPDIR/stay in"
+    [ "$1" != "$stay" ] || { : >"$TMPDIR/started"; exec sleep 30; }
+    exit 1)";
+
+class DiskImage : public EngineTest
 {
 protected:
     DiskImage()
     {
-        fs::create_directories(folder / "bundle/Contents/Resources");
-        for (const char* tool : {"hdiutil", "ditto"}) // du is the system's own
-            fs::create_symlink(
-                PARCELO_TEST_STANDINS_DIR "/tool", folder / "bundle/Contents/Resources" / tool);
-        Bundle::setMain(Bundle(folder / "bundle"));
-        setenv("TMPDIR", folder.path().c_str(), 1);
+        Bundle::setMain(standIns(folder / "bundle", {"hdiutil", "ditto"})); // du is the system's
         writeFile(folder / "in/one", randomBytes(4'000'000, 1));
         writeFile(folder / "in/a folder/two", "two");
-        fs::create_directory(folder / "work");
-        fs::create_directory(folder / "out");
-        writeFile(folder / "plan", R"(for last; do :; done
-            case "$1" in
-            create) : >"$last.sparseimage" ;;
-            mount) cat "$TMPDIR/listing" ;;
-            convert) ls -A >"$TMPDIR/during"; printf made >>"$last.dmg" ;;
-            esac
-            exit 1
-            )");
-    }
-    ~DiskImage() override
-    {
-        Bundle::setMain(former);
-        unsetenv("TMPDIR");
+        lists(folder / "listing", {"GUID_partition_scheme", "Apple_HFS"});
+        plan(session);
     }
 
     // What the tool lists of a mounted image, an entry for each hint.
-    void lists(const Lines& hints) const
+    static void lists(const fs::path& file, const Lines& hints)
     {
-        std::string text = R"(<?xml version="1.0" encoding="UTF-8"?>
-            <plist version="1.0"><dict><key>system-entities</key><array>)";
+        PropertyList::Array entities;
         for (const std::string& hint : hints)
-            text.append("<dict><key>content-hint</key><string>")
-                .append(hint)
-                .append("</string><key>dev-entry</key><string>/dev/")
-                .append(hint)
-                .append("</string></dict>");
-        writeFile(folder / "listing", text + "</array></dict></plist>\n");
+            entities.push_back(
+                PropertyList::Dictionary{{"content-hint", hint}, {"dev-entry", "/dev/" + hint}});
+        EXPECT_TRUE(PropertyList::writeToFile({{"system-entities", entities}}, file));
     }
 
-    std::optional<fs::path> make(
-        const std::string& name, const std::optional<std::string>& password)
+    Archiver::ArchiveFiles request(
+        const std::string& name, const std::optional<std::string>& password = {}) const
     {
-        fs::remove(folder / "record");
-        return archiver->archiveFiles({.files = {folder / "in/one", folder / "in/a folder"},
+        return {.files = {folder / "in/one", folder / "in/a folder"},
             .name = name,
             .type = ArchiveTypeDiskImage,
             .toFolder = folder / "out",
-            .withPassword = password});
+            .withPassword = password};
     }
 
-    // The runs, sorted where the order is the file system's: "TOOL|FOLDER|ARGUMENTS…".
+    // The runs, sorted where the order is the file system's.
     Lines runs() const
     {
-        std::istringstream record(readFile(folder / "record"));
-        Lines lines;
-        for (std::string line; std::getline(record, line);)
-            lines.push_back(line);
-        std::sort(lines.begin() + 2, lines.begin() + 4);
+        Lines lines = linesIn("record");
+        std::sort(
+            std::min(lines.begin() + 2, lines.end()), std::min(lines.begin() + 4, lines.end()));
         return lines;
     }
-    Lines expected(const std::string& name, const std::string& sectors, const std::string& leave,
-        const std::string& encryption) const
+    static Lines expected(const std::string& name, int sectors, const std::string& leave,
+        const std::string& encryption)
     {
-        const std::string out = "hdiutil|" + (folder / "out").native() + "|";
-        const std::string copy = "ditto|" + fs::current_path().native() + "|-rsrcFork|";
-        const std::string in = folder / "in";
+        const std::string tool = "hdiutil|@/out|";
+        const std::string copy = "ditto|" + fs::current_path().native() + "|-rsrcFork|@/in/";
         const std::string volume = "|/Volumes/" + name;
-        return {out + "create|-sectors|" + sectors + "|-fs|HFS+|-type|SPARSE|-volname|" + name + "|"
-                + name,
-            out + "mount|" + name + ".sparseimage|-plist",
-            copy + in + "/a folder" + volume + "/a folder", copy + in + "/one" + volume + "/one",
-            out + leave,
-            out + "convert|" + name + ".sparseimage|-format|UDZO|" + encryption + "-o|" + name};
+        return {tool + "create|-sectors|" + std::to_string(sectors)
+                + "|-fs|HFS+|-type|SPARSE|-volname|" + name + "|" + name,
+            tool + "mount|" + name + ".sparseimage|-plist",
+            copy + "a folder" + volume + "/a folder", copy + "one" + volume + "/one", tool + leave,
+            tool + "convert|" + name + ".sparseimage|-format|UDZO|" + encryption + "-o|" + name};
     }
-
-    const Bundle former = Bundle::main();
-    const TestFolder folder;
-    const std::unique_ptr<Archiver> archiver = Archiver::initWithWorkingDirectory(folder / "work");
 };
 
 } // namespace
@@ -110,10 +79,7 @@ TEST_F(DiskImage, runsEachToolWithItsArgumentsInItsFolder)
     fs::create_directory(folder / "measured");
     for (const char* item : {"one", "a folder"})
         fs::create_symlink(folder / "in" / item, folder / "measured" / item);
-    const int size = std::stoi(run({"/usr/bin/du", "-Ls", folder / "measured"}).out);
-    EXPECT_EQ(archiver->duSizeForPath(folder / "measured"), size);
-    EXPECT_EQ(archiver->duSizeForPath(folder / "none"), 0);
-    const std::string sectors = std::to_string(3 * size);
+    const int sectors = 3 * std::stoi(run({"/usr/bin/du", "-Ls", folder / "measured"}).out);
     struct Case {
         const char* name;
         const char* withoutExtension;
@@ -129,38 +95,39 @@ TEST_F(DiskImage, runsEachToolWithItsArgumentsInItsFolder)
             "detach|/dev/Apple_partition_scheme", "-encryption|-passphrase|pass word|"},
         {"a.b.c", "a.b", "", {"Apple_HFS"}, "unmount|/Volumes/a.b", "-encryption|-passphrase||"},
     };
+    archiver->setDelegate(std::nullopt);
     for (const Case& each : cases) {
         SCOPED_TRACE(each.name);
-        const std::string image = std::string(each.withoutExtension) + ".dmg";
-        writeFile(folder / "out" / image, "older");
-        lists(each.hints);
-        EXPECT_EQ(make(each.name, each.password), folder / "out" / image);
-        EXPECT_EQ(runs(), expected(each.withoutExtension, sectors, each.leave, each.encryption));
-        EXPECT_EQ(readFile(folder / "during"),
-            std::string(each.withoutExtension) + ".sparseimage\nmount.plist\n");
-        EXPECT_EQ(namesIn(folder / "out"), Lines{image});
-        EXPECT_EQ(readFile(folder / "out" / image), "made");
-        EXPECT_TRUE(fs::is_empty(folder / "work"));
-        fs::remove(folder / "out" / image);
+        const std::string name = each.withoutExtension;
+        fs::remove(folder / "record");
+        writeFile(folder / "out" / (name + ".dmg"), "older");
+        writeFile(folder / "out/mount.plist", "of a job that was killed");
+        lists(folder / "listing", each.hints);
+        EXPECT_EQ(archiver->archiveFiles(request(each.name, each.password)),
+            folder / "out" / (name + ".dmg"));
+        EXPECT_EQ(runs(), expected(name, sectors, each.leave, each.encryption));
+        EXPECT_EQ(readFile(folder / "out" / (name + ".dmg")), "made");
+        EXPECT_EQ(linesIn("during"), (Lines{name + ".sparseimage", "mount.plist"}));
+        EXPECT_EQ(namesIn(folder / "out"), Lines{name + ".dmg"});
+        EXPECT_TRUE(fs::is_empty(folder / "scratch"));
+        fs::remove(folder / "out" / (name + ".dmg"));
     }
 }
 
-TEST_F(DiskImage, withADelegateHasTheSmallestSizeAndIsUnmountedByItsPath)
+TEST_F(DiskImage, withADelegateHasTheSmallestSizeAndNoListingOfItsOwn)
 {
-    lists({"GUID_partition_scheme"});
-    Lines told;
-    archiver->setDelegate(ArchiverDelegate{
-        .setNumberOfFiles = [&](int count) { told.push_back("files " + std::to_string(count)); },
-        .taskCompletedWithStatusCode
-        = [&](int status) { told.push_back("task " + std::to_string(status)); },
-        .archiverCompletedWithStatus
-        = [&](int status) { told.push_back("completed " + std::to_string(status)); }});
-    EXPECT_EQ(make("Demo", std::nullopt), folder / "out/Demo.dmg");
-    EXPECT_EQ(runs(), expected("Demo", "10240", "unmount|/Volumes/Demo", ""));
-    EXPECT_EQ(readFile(folder / "during"), "Demo.sparseimage\n");
-    EXPECT_EQ(told,
-        (Lines{"files 3", "task 0", "task 1", "task 1", "task 1", "task 1", "task 1", "task 1",
-            "completed 0"}));
+    const Lines toldOfAll{"files 3", "task 0", "task 1", "task 1", "task 1", "task 1", "task 1",
+        "task 1", "completed 0"};
+    archiver->archiveFiles(request("Demo"));
+    EXPECT_EQ(runs(), expected("Demo", 10240, "unmount|/Volumes/Demo", ""));
+    std::erase_if(told, [](const std::string& line) { return line.starts_with("progress"); });
+    EXPECT_EQ(told, toldOfAll);
+
+    fs::remove(folder / "record");
+    lists(folder / "out/mount.plist", {"GUID_partition_scheme"}); // one that was there counts
+    archiver->archiveFiles(request("Demo"));
+    EXPECT_EQ(runs(), expected("Demo", 10240, "detach|/dev/GUID_partition_scheme", ""));
+    EXPECT_EQ(namesIn(folder / "out"), Lines{"Demo.dmg"});
 }
 
 TEST_F(DiskImage, withoutOneOfItsToolsNothingIsTouched)
@@ -169,46 +136,44 @@ TEST_F(DiskImage, withoutOneOfItsToolsNothingIsTouched)
     for (const char* tool : {"ditto", "hdiutil"}) { // in the end both, of which the first is told
         fs::remove(folder / "bundle/Contents/Resources" / tool);
         EXPECT_EQ(Archiver::missingTool(ArchiveTypeDiskImage), std::string("/usr/bin/") + tool);
-        EXPECT_EQ(make("Demo", std::nullopt), std::nullopt);
+        EXPECT_EQ(archiver->archiveFiles(request("Demo")), std::nullopt);
     }
     EXPECT_FALSE(fs::exists(folder / "record"));
     EXPECT_EQ(readFile(folder / "out/Demo.dmg"), "older");
 }
 
-TEST_F(DiskImage, anAbandonedOneIsUnmountedAndGoes)
+TEST_F(DiskImage, cancelGoesOnWithTheToolsThatAreLeftAndAnAbandonedOneIsUnmountedAndGoes)
 {
     struct Case {
         const char* during;
-        Lines steps; // of hdiutil
+        bool isAbandoned;
+        Lines steps; // of the disk-image tool
     };
-    const Case cases[] = {{"create", {"create"}}, {"mount", {"create", "mount", "unmount"}},
-        {"convert", {"create", "mount", "unmount", "convert"}}};
-    const std::string plan = readFile(folder / "plan");
+    const Lines all{"create", "mount", "unmount", "convert"};
+    const Case cases[] = {{"create", false, all}, {"mount", false, all}, {"convert", false, all},
+        {"create", true, {"create"}}, {"mount", true, {"create", "mount", "unmount"}},
+        {"convert", true, all}};
     for (const Case& each : cases) {
-        SCOPED_TRACE(each.during);
-        writeFile(folder / "plan",
-            "[ $1 != " + std::string(each.during) + R"( ] || { : >"$TMPDIR/started"; sleep 0.5; }
-            )" + plan);
-        const auto one = Archiver::initWithWorkingDirectory(folder / "work");
-        std::jthread ender([&] {
-            EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "started"); }));
-            one->abandon();
-        });
-        one->archiveFiles({.files = {folder / "in/one"},
-            .name = "Demo",
-            .type = ArchiveTypeDiskImage,
-            .toFolder = folder / "out"});
-        ender.join();
+        SCOPED_TRACE(testing::Message() << each.during << each.isAbandoned);
+        for (const char* name : {"record", "out/Demo.dmg"})
+            fs::remove(folder / name);
+        told.clear();
+        writeFile(folder / "stay in", each.during + std::string("\n"));
+        archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
+        archiver->setDelegate(noting());
+        EXPECT_EQ(archiveDuring(request("Demo"),
+                      [&] {
+                          each.isAbandoned ? archiver->abandon() : archiver->cancel();
+                          return each.isAbandoned;
+                      }),
+            folder / "out/Demo.dmg");
         Lines steps;
-        std::istringstream record(readFile(folder / "record"));
-        for (std::string line; std::getline(record, line);)
+        for (const std::string& line : linesIn("record"))
             if (line.starts_with("hdiutil|"))
-                steps.push_back(line.substr(line.find('|', 8) + 1));
-        for (std::string& step : steps)
-            step.resize(step.find('|'));
+                steps.push_back(line.substr(14, line.find('|', 14) - 14));
         EXPECT_EQ(steps, each.steps);
-        EXPECT_EQ(namesIn(folder / "out"), Lines());
-        fs::remove(folder / "record");
-        fs::remove(folder / "started");
+        EXPECT_EQ(std::ranges::count(told, "task 130"), 1);
+        EXPECT_EQ(told.back(), "completed 0");
+        EXPECT_EQ(namesIn(folder / "out"), each.isAbandoned ? Lines{} : Lines{"Demo.dmg"});
     }
 }

@@ -8,198 +8,98 @@
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 
-#include <limits>
+#include <QDebug>
 
 #include <gtest/gtest.h>
+
+using namespace UserDefaultsExtras;
 
 namespace
 {
 
-const QString key = QStringLiteral("key");
-
-class UserDefaultsExtrasTest : public testing::Test
-{
-protected:
-    // As another start of the program reads them.
-    const UserDefaults& readAgain()
-    {
-        std::filesystem::copy_file(folder / "a.conf", folder / std::to_string(++_count));
-        _again = std::make_unique<UserDefaults>(folder / std::to_string(_count));
-        return *_again;
-    }
-
+struct UserDefaultsExtrasTest : testing::Test {
     const support::TestFolder folder;
-    UserDefaults defaults{folder / "a.conf"};
-
-private:
-    int _count = 0;
-    std::unique_ptr<UserDefaults> _again;
-};
-
-QDateTime utc(const char* text)
-{
-    return QDateTime::fromString(QString::fromLatin1(text), Qt::ISODateWithMs);
-}
-
-// Puts the bundle that tests change back to what it was.
-class FormerBundle
-{
-public:
-    ~FormerBundle() { Bundle::setMain(_former); }
-
-private:
-    const Bundle _former = Bundle::main();
+    const std::filesystem::path file = folder / "a.conf";
+    const QString key = QStringLiteral("key");
+    UserDefaults defaults{file};
 };
 
 } // namespace
 
-TEST_F(UserDefaultsExtrasTest, theFactoryDefaultsAreWhatTheProgramStartsWith)
+TEST_F(UserDefaultsExtrasTest, resourcesAreFallbacks)
 {
-    const FormerBundle former;
-    Bundle::setMain(Bundle(std::filesystem::path(PARCELO_TOOLS_DIR).parent_path().parent_path()));
-    UserDefaultsExtras::registerDefaultsWithResource(defaults, QStringLiteral("FactoryDefaults"));
-
-    const struct {
-        const char* name;
-        qint64 number;
-    } numbers[] = {{"CheckAtStartup", 0}, {"SelectedDestination", 0}, {"ArchiveType", 1},
-        {"CompressionLevel", 6}, {"RevealWhenComplete", 1}, {"AutoQuit", 0},
-        {"KeepExtensionForDefaultName", 0}, {"StayRunningOnWindowClose", 0}, {"HideAdvert", 0},
-        {"SellSendora", 1}, {"AskToShareOnFacebook", 1}, {"AskToRateOnAppStore", 1}};
-    for (const auto& each : numbers) {
-        EXPECT_TRUE(defaults.objectForKey(QLatin1String(each.name)).isValid()) << each.name;
-        EXPECT_EQ(defaults.integerForKey(QLatin1String(each.name)), each.number) << each.name;
-    }
-    EXPECT_EQ(defaults.stringArrayForKey(QStringLiteral("Destinations")), QStringList());
-    EXPECT_FALSE(std::filesystem::exists(folder / "a.conf"));
-}
-
-TEST_F(UserDefaultsExtrasTest, aResourceThatIsMissingOrBrokenRegistersNothing)
-{
-    const FormerBundle former;
-    Bundle::setMain(Bundle(folder / "bundle"));
-    support::writeFile(folder / "bundle/Contents/Resources/Broken.plist", "<plist><dict>");
-    support::writeFile(folder / "bundle/Contents/Resources/Good.plist",
-        "<plist><dict><key>key</key><dict><key>a</key><array><data>AAE=</data>"
-        "<date>2026-03-14T12:00:30Z</date><real>0.5</real><string>ä</string></array></dict>"
+    const Bundle former = Bundle::main();
+    const std::filesystem::path resources = folder / "Contents/Resources";
+    support::writeFile(resources / "Broken.plist", "<plist><dict>");
+    support::writeFile(resources / "Good.plist",
+        "<plist><dict><key>key</key><dict><key>a</key><array><data>AAE=</data><integer>7</integer>"
+        "<date>2026-03-14T12:00:30Z</date><real>0.5</real><string>ä</string><true/></array></dict>"
         "</dict></plist>");
-    UserDefaultsExtras::registerDefaultsWithResource(defaults, QStringLiteral("Missing"));
-    UserDefaultsExtras::registerDefaultsWithResource(defaults, QStringLiteral("Broken"));
-    EXPECT_FALSE(defaults.objectForKey(key).isValid());
-    UserDefaultsExtras::registerDefaultsWithResource(defaults, QStringLiteral("Good"));
-    const QVariantList expected{
-        QByteArray("\0\1", 2), utc("2026-03-14T12:00:30Z"), 0.5, QStringLiteral("ä")};
-    EXPECT_EQ(defaults.objectForKey(key).toMap().value(QStringLiteral("a")).toList(), expected);
-}
-
-TEST_F(UserDefaultsExtrasTest, stringsHaveADefault)
-{
-    EXPECT_EQ(
-        UserDefaultsExtras::stringForKey(defaults, key, QStringLiteral("x")), QStringLiteral("x"));
-    defaults.setObject(QString(QLatin1String("")), key);
-    EXPECT_EQ(UserDefaultsExtras::stringForKey(defaults, key, QStringLiteral("x")), QString());
-}
-
-TEST_F(UserDefaultsExtrasTest, coloursAndFontsComeBackWhole)
-{
-    QFont font(QStringLiteral("Some Font"), 17);
-    font.setItalic(true);
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 1.5);
-    EXPECT_FALSE(UserDefaultsExtras::colorForKey(defaults, key));
-    EXPECT_FALSE(UserDefaultsExtras::fontForKey(defaults, key));
-    for (const QColor& color :
-        {QColor(1, 2, 3, 4), QColor::fromCmykF(.1F, .2F, .3F, .4F), QColor()}) {
-        UserDefaultsExtras::setColor(defaults, color, key);
-        EXPECT_EQ(UserDefaultsExtras::colorForKey(readAgain(), key), color);
+    Bundle::setMain(Bundle(folder.path()));
+    for (const QString& name : {u"Missing"_qs, u"Broken"_qs, u"Good"_qs}) {
+        EXPECT_FALSE(defaults.objectForKey(key).isValid());
+        registerDefaultsWithResource(defaults, name);
     }
-    EXPECT_THROW((void)UserDefaultsExtras::fontForKey(defaults, key), UnarchivingFailure);
-    UserDefaultsExtras::setFont(defaults, font, key);
-    EXPECT_EQ(UserDefaultsExtras::fontForKey(readAgain(), key), font);
+    Bundle::setMain(former);
+    const auto date = QDateTime::fromString(u"2026-03-14T12:00:30Z"_qs, Qt::ISODate);
+    EXPECT_EQ(defaults.objectForKey(key).toMap()[u"a"_qs].toList(),
+        QVariantList({QByteArray("\0\1", 2), qint64{7}, date, 0.5, u"ä"_qs, true}));
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
 
-    const QByteArray good = defaults.objectForKey(key).toByteArray();
-    for (const QVariant& bad : {QVariant(QStringLiteral("red")), QVariant(QByteArray()),
-             QVariant(good + '\0'), QVariant(good.chopped(1)), QVariant(QByteArray("\xff\xff\xff")),
-             QVariant(good.chopped(26) + QByteArray(4, '\xfe')) /* so many families */}) {
+TEST_F(UserDefaultsExtrasTest, coloursAndFontsComeBackWholeOrNotAtAll)
+{
+    const QColor color = QColor::fromCmykF(.1F, .2F, .3F, .4F);
+    const QFont font(u"Some Font"_qs, 17, QFont::Bold, true);
+    EXPECT_FALSE(colorForKey(defaults, key) || fontForKey(defaults, key));
+    setColor(defaults, color, key);
+    EXPECT_EQ(colorForKey(UserDefaults(file), key), color);
+    setFont(defaults, font, key);
+    EXPECT_EQ(fontForKey(UserDefaults(file), key), font);
+    const QByteArray good = ValueCoding::dataOf(font);
+    const QByteArray soManyFamilies = good.chopped(26) + QByteArray(4, '\xfe');
+    for (const QVariant& bad : QVariantList{u"red"_qs, good + '\0', good.chopped(1), soManyFamilies,
+             ValueCoding::dataOf(color).chopped(1)}) {
         defaults.setObject(bad, key);
-        EXPECT_THROW((void)UserDefaultsExtras::fontForKey(defaults, key), UnarchivingFailure);
-        EXPECT_THROW((void)UserDefaultsExtras::colorForKey(defaults, key), UnarchivingFailure);
+        EXPECT_THROW((void)fontForKey(defaults, key), UnarchivingFailure);
+        EXPECT_THROW((void)colorForKey(defaults, key), UnarchivingFailure);
     }
 }
 
-TEST_F(UserDefaultsExtrasTest, pointsAreStoredInSinglePrecision)
+TEST_F(UserDefaultsExtrasTest, pointsAndDatesLosePrecision)
 {
-    EXPECT_EQ(UserDefaultsExtras::pointForKey(defaults, key), QPointF(0, 0));
-    UserDefaultsExtras::setPoint(defaults, {0.1, -1e20}, key);
-    const QPointF point = UserDefaultsExtras::pointForKey(readAgain(), key);
-    EXPECT_EQ(point.x(), 0.100000001490116119384765625);
-    EXPECT_EQ(point.y(), static_cast<double>(-1e20F));
-
+    EXPECT_EQ(pointForKey(defaults, key), QPointF(0, 0));
+    setPoint(defaults, {0.1, -1e20}, key);
+    EXPECT_EQ(pointForKey(UserDefaults(file), key), QPointF(0.1F, -1e20F));
+    EXPECT_EQ(defaults.arrayForKey(key)->back().toDouble(), double{-1e20F});
     QVariantMap dictionary;
     DictionaryAccess::setPoint(dictionary, {0.1, 2}, key);
-    EXPECT_EQ(dictionary.value(key).toList(), (QVariantList{0.1, 2.0}));
-    defaults.setObject(dictionary.value(key), key);
-    EXPECT_EQ(UserDefaultsExtras::pointForKey(defaults, key), QPointF(0.1F, 2));
+    EXPECT_EQ(dictionary[key].toList().front(), 0.1);
+    defaults.setObject(dictionary[key], key);
+    EXPECT_EQ(pointForKey(defaults, key), QPointF(0.1F, 2));
+    defaults.setObject(QVariantList{1}, key);
+    EXPECT_THROW((void)pointForKey(defaults, key), std::out_of_range);
 
-    defaults.setObject(QVariantList{QStringLiteral("7.5 pt"), QStringLiteral("x"), 3}, key);
-    EXPECT_EQ(UserDefaultsExtras::pointForKey(defaults, key), QPointF(7.5, 0));
-    for (const QVariantList& list : {QVariantList(), QVariantList{1}}) {
-        defaults.setObject(list, key);
-        EXPECT_THROW((void)UserDefaultsExtras::pointForKey(defaults, key), std::out_of_range);
+    const std::tuple<double, qint64, qint64> dates[] // all since 2001: given, stored, read
+        = {{795182430, 795182430, 795182400}, {795182432, 795182432, 795182464}, {1.999, 1, 1},
+            {-0.999, 0, 0}, {-978307200, -978307200, 0}};
+    for (const auto& [given, stored, read] : dates) {
+        setDate(defaults, QDateTime::fromMSecsSinceEpoch(978307200000 + qint64(given * 1000)), key);
+        EXPECT_EQ(defaults.integerForKey(key), stored);
+        const auto date = dateForKey(UserDefaults(file), key);
+        EXPECT_EQ(date ? date->toSecsSinceEpoch() - 978307200 : 0, read);
     }
 }
 
-TEST_F(UserDefaultsExtrasTest, datesAreStoredInSecondsAndReadAsAFloat)
+TEST_F(UserDefaultsExtrasTest, countsIn32BitsAndWithOtherPrograms)
 {
-    const struct {
-        const char* date;
-        qint64 stored;
-        const char* read; // none: nothing
-    } cases[] = {{"2026-03-14T12:00:30Z", 795182430, "2026-03-14T12:00:00Z"},
-        {"2026-03-14T12:00:32Z", 795182432, "2026-03-14T12:01:04Z"},
-        {"2026-03-14T12:00:31Z", 795182431, "2026-03-14T12:00:00Z"},
-        {"2001-01-01T00:00:01.999Z", 1, "2001-01-01T00:00:01Z"},
-        {"2001-01-01T00:00:00.999Z", 0, nullptr}, {"2000-12-31T23:59:59.001Z", 0, nullptr},
-        {"2000-12-31T23:59:58.500Z", -1, nullptr}, {"1970-01-01T00:00:00Z", -978307200, nullptr}};
-    EXPECT_FALSE(UserDefaultsExtras::dateForKey(defaults, key));
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.date);
-        UserDefaultsExtras::setDate(defaults, utc(each.date), key);
-        EXPECT_EQ(defaults.integerForKey(key), each.stored);
-        const auto read = UserDefaultsExtras::dateForKey(readAgain(), key);
-        EXPECT_EQ(read, each.read ? std::optional(utc(each.read)) : std::nullopt);
+    const std::pair<const char*, int> counts[]
+        = {{"2147483647", INT_MIN}, {"41 archives", 42}, {"x", 1}, {"", 1}};
+    for (const auto& [stored, next] : counts) {
+        support::writeFile(file, std::string("[General]\nkey=") + stored); // by another program
+        EXPECT_EQ(incrementIntegerForKey(defaults, key), next);
+        EXPECT_EQ(support::readFile(file), "[General]\nkey=" + std::to_string(next) + "\n");
     }
-}
-
-TEST_F(UserDefaultsExtrasTest, countersCountIn32BitsAndAreInTheFileAtOnce)
-{
-    const struct {
-        QVariant stored;
-        int next;
-    } cases[] = {{{}, 1}, {1, 2}, {QStringLiteral("41 archives"), 42}, {QStringLiteral("x"), 1},
-        {true, 2}, {-1, 0}, {std::numeric_limits<int>::max(), std::numeric_limits<int>::min()},
-        {QByteArray("5"), 1}};
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.stored.toString().toStdString());
-        defaults.setObject(each.stored, key);
-        EXPECT_EQ(UserDefaultsExtras::incrementIntegerForKey(defaults, key), each.next);
-        EXPECT_EQ(readAgain().integerForKey(key), each.next);
-    }
-}
-
-TEST(DictionaryAccess, keepsTheTypeOfEachValue)
-{
-    QVariantMap dictionary;
-    DictionaryAccess::setInteger(
-        dictionary, std::numeric_limits<qint64>::min(), QStringLiteral("i"));
-    DictionaryAccess::setFloat(dictionary, 0.1F, QStringLiteral("f"));
-    DictionaryAccess::setBool(dictionary, true, QStringLiteral("b"));
-    DictionaryAccess::setColor(dictionary, Qt::red, QStringLiteral("c"));
-    DictionaryAccess::setFont(dictionary, QFont(QStringLiteral("a"), 9), QStringLiteral("t"));
-    EXPECT_EQ(dictionary.value(QStringLiteral("i")), QVariant(std::numeric_limits<qint64>::min()));
-    EXPECT_EQ(dictionary.value(QStringLiteral("f")).typeId(), QMetaType::Float);
-    EXPECT_EQ(dictionary.value(QStringLiteral("f")).toDouble(), static_cast<double>(0.1F));
-    EXPECT_EQ(dictionary.value(QStringLiteral("b")).typeId(), QMetaType::Bool);
-    EXPECT_EQ(ValueCoding::colorOf(dictionary.value(QStringLiteral("c"))), QColor(Qt::red));
-    EXPECT_EQ(
-        ValueCoding::fontOf(dictionary.value(QStringLiteral("t"))), QFont(QStringLiteral("a"), 9));
+    EXPECT_EQ(stringForKey(defaults, key, u"x"_qs), u"1");
+    EXPECT_EQ(stringForKey(defaults, u"no"_qs, u"x"_qs), u"x");
 }

@@ -6,51 +6,20 @@
 #include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
-#include <QAction>
 #include <QMenu>
-#include <QTest>
-#include <QTimer>
-
-namespace
-{
-
-const QString foldersKey = QStringLiteral("Destinations");
-const QString choiceKey = QStringLiteral("SelectedDestination");
-
-QStringList numberedFolders(int count)
-{
-    QStringList folders;
-    for (int number = 1; number <= count; ++number)
-        folders.append(QStringLiteral("/folder/%1").arg(number));
-    return folders;
-}
-
-std::string describe(const PopUpMenuItem& item)
-{
-    return item.title.toStdString() + "|" + std::to_string(item.tag) + "|"
-        + item.keyEquivalent.toStdString();
-}
-
-std::vector<std::string> itemsOf(const PopUpButton& menu)
-{
-    std::vector<std::string> items;
-    for (int index = 0; index < menu.numberOfItems(); ++index)
-        items.push_back(describe(menu.itemAtIndex(index)));
-    return items;
-}
-
-QStringList storedFolders()
-{
-    return UserDefaults::standardUserDefaults()
-        .stringArrayForKey(foldersKey)
-        .value_or(QStringList());
-}
-
-} // namespace
 
 class DestinationMenu : public Program
 {
 protected:
+    static QStringList numberedFolders(int count)
+    {
+        QStringList folders;
+        for (int number = 1; number <= count; ++number)
+            folders.append(QStringLiteral("/folder/%1").arg(number));
+        return folders;
+    }
+    static QStringList folders() { return stored("Destinations").toStringList(); }
+
     PopUpButton& menu() { return *find<PopUpButton>("destinationPop"); }
     int indexOf(const char* title)
     {
@@ -59,36 +28,38 @@ protected:
                 return index;
         return -1;
     }
+    // As by mouse.
+    void choose(const char* title) { menu().menu()->actions().at(indexOf(title))->trigger(); }
 };
 
 TEST_F(DestinationMenu, hasARowForEachFolderBetweenTheFixedOnes)
 {
-    // Of the rows from the first folder on, with so many folders; by position, and so odd.
-    const char* keys[] = {"", "", " 3", " 34", " 345", " 3456", " 34567", " 345678", " 3456789",
-        " 3456789", " 3456789", " 3456789", " 3456789"};
-    for (int count = 0; count <= 12; ++count) {
-        SCOPED_TRACE(count);
-        SetUp();
-        start({{foldersKey, numberedFolders(count)}});
+    // The keys of the folders' rows, which go by position; nine digits are all there are.
+    const std::pair<int, std::string> cases[] = {{0, ""}, {3, " 34"}, {12, " 3456789    "}};
+    for (const auto& [count, keys] : cases) {
+        start({{"Destinations", numberedFolders(count)}});
         std::vector<std::string> expected{"Same as source|0|1", "Email|1|2"};
         if (count == 0)
             expected.emplace_back("|0|");
-        std::string left = keys[count];
-        left.resize(static_cast<std::size_t>(count), ' ');
         for (int row = 0; row < count; ++row)
             expected.push_back("/folder/" + std::to_string(row + 1) + "|" + std::to_string(row + 2)
-                + "|" + (left[row] == ' ' ? "" : std::string(1, left[row])));
+                + "|" + (keys[row] == ' ' ? "" : std::string(1, keys[row])));
         if (count > 0)
-            expected.push_back("|0|"); // the second blank, which took the place of the first
+            expected.emplace_back("|0|"); // the second blank, which took the place of the first
         expected.insert(expected.end(), {"Remove Selected Entry|0|", "Choose a Folder ...|0|"});
-        EXPECT_EQ(itemsOf(menu()), expected);
-        TearDown();
+        std::vector<std::string> items;
+        for (int index = 0; index < menu().numberOfItems(); ++index) {
+            const PopUpMenuItem item = menu().itemAtIndex(index);
+            items.push_back(item.title.toStdString() + "|" + std::to_string(item.tag) + "|"
+                + item.keyEquivalent.toStdString());
+        }
+        EXPECT_EQ(items, expected);
     }
 }
 
 TEST_F(DestinationMenu, opensByKeyAndNeverSelectsACommand)
 {
-    start({{foldersKey, numberedFolders(2)}, {choiceKey, 2}});
+    start({{"Destinations", numberedFolders(2)}, {"SelectedDestination", 2}});
     EXPECT_EQ(menu().selectedTag(), 2);
     bool wasOpen = false;
     QTimer::singleShot(20, &menu(), [&] {
@@ -100,39 +71,38 @@ TEST_F(DestinationMenu, opensByKeyAndNeverSelectsACommand)
     EXPECT_FALSE(menu().isItemEnabledAtIndex(indexOf("")));
     EXPECT_TRUE(menu().isItemEnabledAtIndex(indexOf("Remove Selected Entry")));
 
-    menu().menu()->actions().at(1)->trigger(); // e-mail
-    EXPECT_EQ(controller().selectedDestination(), DestinationTagEmail);
+    type(Qt::CTRL | Qt::Key_2);
+    EXPECT_EQ(stored("SelectedDestination").toInt(), DestinationTagEmail);
     EXPECT_FALSE(menu().isItemEnabledAtIndex(indexOf("Remove Selected Entry")));
-    menu().menu()->actions().at(indexOf(""))->trigger();
-    menu().menu()->actions().at(indexOf("Choose a Folder ..."))->trigger();
-    EXPECT_EQ(menu().selectedTag(), DestinationTagEmail);
-    QDialog* panel = nullptr;
-    whenSheetIsUp([&](QDialog* sheet) { panel = sheet; });
-    ASSERT_TRUE(waitFor([&] { return panel != nullptr; }));
-    QTest::keyClick(panel, Qt::Key_Escape);
-    EXPECT_FALSE(panel->isVisible());
+    choose("");
     EXPECT_EQ(menu().selectedTag(), DestinationTagEmail);
 }
 
 TEST_F(DestinationMenu, putsAChosenFolderInFrontAndForgetsARemovedOne)
 {
-    start({{foldersKey, numberedFolders(3)}});
-    controller().addDestinationPath(QStringLiteral("/folder/3"));
-    EXPECT_EQ(storedFolders(), QStringList({"/folder/3", "/folder/1", "/folder/2"}));
-    EXPECT_EQ(menu().selectedTag(), DestinationTagFirstFolder);
-    controller().removeDestination(nullptr);
-    EXPECT_EQ(storedFolders(), numberedFolders(2));
+    const QString chosen = QString::fromStdString(folder.path());
+    start({{"Destinations", QStringList{"/folder/1", chosen, "/folder/2"}}});
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        choose("Choose a Folder ...");
+        waitForSheet("chooseFolderPanel")
+            ->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+            ->setText(chosen);
+        endSheet("chooseFolderPanel", key);
+        EXPECT_EQ(menu().selectedTag(), DestinationTagSameAsSource);
+    }
+    EXPECT_TRUE(waitFor([&] { return menu().selectedTag() == DestinationTagFirstFolder; }));
+    EXPECT_EQ(folders(), QStringList({chosen, "/folder/1", "/folder/2"}));
+    choose("Remove Selected Entry");
+    EXPECT_EQ(folders(), numberedFolders(2));
     EXPECT_EQ(menu().selectedTag(), DestinationTagSameAsSource);
-    controller().removeDestination(nullptr); // no folder is selected
-    EXPECT_EQ(storedFolders(), numberedFolders(2));
 }
 
 TEST_F(DestinationMenu, followsAnotherProgramOfOurs)
 {
-    start({{foldersKey, numberedFolders(2)}});
-    const auto otherStores = [&](const char* folders, int choice) {
+    start({{"Destinations", numberedFolders(2)}});
+    const auto otherStores = [&](const std::string& folders, int choice) {
         support::writeFile(folder.path() / "settings1",
-            std::string("[General]\nDestinations=[, ") + folders
+            "[General]\nDestinations=[, " + folders
                 + ", ]\nSelectedDestination=" + std::to_string(choice) + "\n");
     };
     otherStores("/x, /folder/1, /folder/2", 2);
@@ -140,43 +110,33 @@ TEST_F(DestinationMenu, followsAnotherProgramOfOurs)
     EXPECT_TRUE(waitFor([&] { return menu().selectedTag() == 2 && indexOf("/x") >= 0; }));
 
     // What it has done meanwhile is not lost, and does not lead to the wrong folder.
-    controller().setSelectedDestination(4);
+    choose("/folder/2");
     otherStores("/y, /x, /folder/1, /folder/2", 4);
-    controller().removeDestination(nullptr);
-    EXPECT_EQ(storedFolders(), QStringList({"/y", "/x", "/folder/1"}));
+    choose("Remove Selected Entry");
+    EXPECT_EQ(folders(), QStringList({"/y", "/x", "/folder/1"}));
     otherStores("/z, /y", 0);
     controller().addDestinationPath(QStringLiteral("/new"));
-    EXPECT_EQ(storedFolders(), QStringList({"/new", "/z", "/y"}));
+    EXPECT_EQ(folders(), QStringList({"/new", "/z", "/y"}));
 }
 
 TEST_F(DestinationMenu, leadsToTheFolderThatItShows)
 {
     const std::string home = PathString::stringByExpandingTildeInPath("~");
-    struct Case {
-        int stored;
-        int tag;
-        std::optional<std::string> folder;
-    };
-    start({{foldersKey, QStringList{"~/Desk", "/b", "/c"}}});
-    find<DropView>("saveDropView")->setFiles({"/source/a.txt", "/other/b.txt"});
-    const Case cases[] = {
+    start({{"Destinations", QStringList{"~/Desk", "/b", "/c"}}});
+    box().setFiles({"/source/a.txt", "/other/b.txt"});
+    const std::tuple<int, int, std::optional<Path>> cases[] = {
         {0, 0, "/source"},
-        {1, 1, controller().tmpFolder().native()},
+        {1, 1, controller().tmpFolder()},
         {2, 2, home + "/Desk"},
         {4, 4, "/c"},
         {5, 0, "/source"}, // left by a longer list
-        {7, 0, "/source"},
         {-3, -3, std::nullopt},
     };
-    for (const Case& each : cases) {
-        UserDefaults::standardUserDefaults().setInteger(each.stored, choiceKey);
-        EXPECT_EQ(controller().selectedDestination(), each.tag);
-        const auto directory = controller().destinationDirectory();
-        EXPECT_EQ(directory ? std::optional(directory->native()) : std::nullopt, each.folder);
+    for (const auto& [choice, tag, directory] : cases) {
+        store("SelectedDestination", choice);
+        EXPECT_EQ(controller().selectedDestination(), tag);
+        EXPECT_EQ(controller().destinationDirectory(), directory);
     }
-    find<DropView>("saveDropView")->clearFiles();
-    UserDefaults::standardUserDefaults().setInteger(0, choiceKey);
-    EXPECT_FALSE(controller().destinationDirectory());
 }
 
 TEST(Destinations, areAbbreviatedAndListedOnce)

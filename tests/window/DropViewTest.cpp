@@ -1,17 +1,13 @@
 #include "app/window/DropView.h"
 
 #include "app/window/AdvertTextView.h"
-#include "platform/desktop/panels/SavePanel.h"
-#include "shared/Library/Extras/BezierPathExtras.h"
+#include "platform/desktop/panels/Sheets.h"
+#include "tests/window/Drag.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
-#include <QApplication>
-#include <QDragEnterEvent>
-#include <QMimeData>
-#include <QPainterPath>
-#include <QTest>
 
+#include <numeric>
 #include <set>
 
 namespace
@@ -19,34 +15,24 @@ namespace
 
 constexpr auto uriList = "text/uri-list";
 
-struct Drag {
-    QMimeData data;
+// How much ink a pixel holds, from 0, as the background, to 1.
+struct Ink {
+    const QImage image;
+    const int background;
+    const int ink;
 
-    Drag(const char* format, const QByteArray& bytes)
+    double at(int x, int y) const
     {
-        data.setData(QLatin1String(format), bytes);
+        return (background - image.pixelColor(x, y).red()) / double(background - ink);
     }
-
-    // Whether the box takes it when it hovers.
-    bool enter(DropView& box, Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction)
+    QRect extent(const QRect& within) const
     {
-        QDragEnterEvent enter({50, 50}, offered, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&box, &enter);
-        QDragMoveEvent move({60, 60}, offered, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&box, &move);
-        EXPECT_TRUE(box.animate()) << "any drag is shown";
-        EXPECT_TRUE(!move.isAccepted() || move.dropAction() == Qt::CopyAction);
-        return move.isAccepted();
-    }
-    static void leave(DropView& box)
-    {
-        QDragLeaveEvent leave;
-        QCoreApplication::sendEvent(&box, &leave);
-    }
-    void drop(DropView& box)
-    {
-        QDropEvent drop({60, 60}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&box, &drop);
+        QRect found;
+        for (int x = within.left(); x <= within.right(); ++x)
+            for (int y = within.top(); y <= within.bottom(); ++y)
+                if (at(x, y) > 0.5)
+                    found |= QRect(x, y, 1, 1);
+        return found;
     }
 };
 
@@ -54,202 +40,175 @@ struct Drag {
 
 class DropBox : public Program
 {
-protected:
-    DropView& box() { return *find<DropView>("saveDropView"); }
 };
 
 TEST_F(DropBox, takesFilesOfThisComputerAndNothingElse)
 {
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {uriList, "file:///tmp/a%20b.txt\r\n", true},
+        {uriList, "file:///tmp/caf%E9.txt\r\n", true},
+        {uriList, "file://localhost/tmp/a\r\n", true},
+        {uriList, "http://example.com/a\r\n", false},
+        {uriList, "file://elsewhere/tmp/a\r\n", false},
+        {"text/plain", "/tmp/a", false},
+    };
     start();
-    struct Case {
-        const char* format;
-        QByteArray data;
-        Qt::DropActions offered;
-        bool isTaken;
-    };
-    const Qt::DropActions copyOrMove = Qt::CopyAction | Qt::MoveAction;
-    const Case cases[] = {
-        {uriList, "file:///tmp/a%20b.txt\r\n", copyOrMove, true},
-        {uriList, "file:///tmp/caf%E9.txt\r\n", copyOrMove, true},
-        {uriList, "file://localhost/tmp/a\r\n", Qt::CopyAction, true},
-        {uriList, "file:///tmp/a\r\n", Qt::MoveAction, false},
-        {uriList, "http://example.com/a\r\n", copyOrMove, false},
-        {uriList, "file://elsewhere/tmp/a\r\n", copyOrMove, false},
-        {"text/plain", "/tmp/a", copyOrMove, false},
-    };
-    for (const Case& each : cases) {
-        Drag drag(each.format, each.data);
-        EXPECT_EQ(drag.enter(box(), each.offered), each.isTaken) << each.data.toStdString();
+    for (const auto& [format, data, isTaken] : cases) {
+        Drag drag(format, data);
+        EXPECT_EQ(drag.hover(box()), isTaken) << data;
+        EXPECT_TRUE(box().animate()) << "any drag is shown";
         Drag::leave(box());
         EXPECT_FALSE(box().animate());
     }
+    Drag move(uriList, "file:///tmp/a\r\n");
+    move.offered = Qt::MoveAction;
+    EXPECT_FALSE(move.hover(box()));
+    Drag::leave(box());
+
+    Drag drag(uriList, "file:///tmp/a\r\n");
+    EXPECT_TRUE(drag.hover(box()));
+    type(Qt::CTRL | Qt::Key_Comma);
+    (void)waitForSheet("Preference");
+    drag.drop(box());
+    EXPECT_TRUE(box().files().empty()) << "a dialog is up";
+    EXPECT_FALSE(drag.hover(box()));
+    EXPECT_FALSE(box().animate());
 }
 
 TEST_F(DropBox, recordsTheBytesOfEachDropInItsOrder)
 {
-    start();
-    QByteArray many;
-    DropView::Files expected;
-    for (int number = 0; number < 2000; ++number) {
-        many += "file:///src/" + QByteArray::number(number) + "\r\n";
-        expected.push_back("/src/" + std::to_string(number));
-    }
     const std::pair<QByteArray, DropView::Files> drops[] = {
-        {many, expected},
         {"file:///b\r\nfile:///a\r\nfile:///b\r\n", {"/b", "/a", "/b"}},
         {"file:///x/caf%E9%0A%25\r\n", {"/x/caf\xE9\n%"}},
     };
+    start();
     for (const auto& [list, files] : drops) {
         Drag drag(uriList, list);
-        EXPECT_TRUE(drag.enter(box()));
+        EXPECT_TRUE(drag.hover(box()));
         drag.drop(box());
         EXPECT_FALSE(box().animate());
         EXPECT_EQ(box().files(), files);
         EXPECT_EQ(box().folder(), std::filesystem::path(files.front()).parent_path());
-        ASSERT_TRUE(waitFor([&] { return window().findChild<QDialog*>("savePanel") != nullptr; }));
-        ASSERT_TRUE(waitFor([&] { return find<QDialog>("savePanel")->isVisible(); }));
-        QTest::keyClick(find<QDialog>("savePanel"), Qt::Key_Escape);
+        endSheet("savePanel");
         EXPECT_TRUE(box().files().empty()) << "a cancelled panel clears the box";
     }
-    box().addFileWithPath("/a");
-    box().addFileWithPath("/a");
-    EXPECT_EQ(box().files().size(), 2u);
-}
-
-TEST_F(DropBox, marchesOnlyWhileItIsHoveredAndGoesOnFromThere)
-{
-    start();
-    Drag drag(uriList, "file:///a\r\n");
-    drag.enter(box());
-    ASSERT_TRUE(waitFor([&] { return box().phase() >= 5; }));
-    EXPECT_EQ(box().grab().toImage().pixelColor(1, 1), DropView::hbgColor());
-    Drag::leave(box());
-    serveEventsFor(50);
-    const float phase = box().phase();
-    serveEventsFor(50);
-    EXPECT_EQ(box().phase(), phase);
-    EXPECT_EQ(box().grab().toImage().pixelColor(1, 1), DropView::bgColor());
-    drag.enter(box());
-    EXPECT_TRUE(waitFor([&] { return box().phase() > phase; }));
-    Drag::leave(box());
 }
 
 TEST_F(DropBox, isPressedByKeyToChooseFiles)
 {
     start();
     for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
-        bool hasAsked = false;
-        whenSheetIsUp([&](QDialog* sheet) {
-            hasAsked = sheet->objectName() == QLatin1String("chooseFilesPanel");
-            QTest::keyClick(sheet, Qt::Key_Escape);
-        });
         QTest::keyClick(&box(), key);
-        EXPECT_TRUE(waitFor([&] { return hasAsked; }));
-        serveEventsFor(20);
+        endSheet("chooseFilesPanel");
     }
     EXPECT_TRUE(box().files().empty());
-
-    QString asked;
-    whenSheetIsUp([&](QDialog* sheet) {
-        asked = sheet->objectName();
-        QTest::keyClick(sheet, Qt::Key_Escape);
-    });
-    find<QAction>("chooseFolder")->trigger();
-    EXPECT_TRUE(waitFor([&] { return asked == QStringLiteral("chooseFolderPanel"); }));
-}
-
-TEST_F(DropBox, isShutWhileADialogIsUp)
-{
-    start();
-    controller().showPreference(nullptr);
-    Drag drag(uriList, "file:///tmp/a\r\n");
-    QDragEnterEvent enter({50, 50}, Qt::CopyAction, &drag.data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&box(), &enter);
-    EXPECT_FALSE(enter.isAccepted());
-    EXPECT_FALSE(box().animate());
-    drag.drop(box());
-    EXPECT_TRUE(box().files().empty());
+    type(Qt::CTRL | Qt::SHIFT | Qt::Key_O);
+    waitForSheet("chooseFolderPanel")
+        ->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+        ->setText(QString::fromStdString(folder.path()));
+    endSheet("chooseFolderPanel", Qt::Key_Return);
+    EXPECT_EQ(box().files(), DropView::Files{folder.path()});
+    endSheet("savePanel");
 }
 
 TEST_F(DropBox, andItsNeighboursAreOneTabStopEach)
 {
     start();
-    window().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
     box().setFocus();
     auto* advert = find<AdvertTextView>("advertTextView");
-    QStringList stops;
-    for (int stop = 0; stop < 3; ++stop) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        stops.append(QApplication::focusWidget()->objectName());
-        EXPECT_EQ(advert->textCursor().hasSelection(), stop == 1) << "the link is chosen";
-    }
-    EXPECT_EQ(stops, QStringList({"destinationPop", "advertTextView", "saveDropView"}));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
-    EXPECT_TRUE(advert->textCursor().hasSelection());
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
-    EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("destinationPop"));
-}
-
-TEST_F(DropBox, andItsNeighboursAreKnownToScreenReaders)
-{
-    start();
-    const std::pair<const char*, QAccessible::Role> parts[] = {
-        {"saveDropView", QAccessible::Button},
-        {"destinationPop", QAccessible::ButtonMenu},
-        {"progress", QAccessible::ProgressBar},
-        {"nameField", QAccessible::EditableText},
+    const auto next = [](Qt::Key key) {
+        QTest::keyClick(QApplication::focusWidget(), key);
+        return QApplication::focusWidget()->objectName().toStdString();
     };
-    for (const auto& [name, role] : parts) {
-        QAccessibleInterface* part = QAccessible::queryAccessibleInterface(find<QWidget>(name));
-        EXPECT_EQ(part->role(), role) << name;
-        EXPECT_FALSE(part->text(QAccessible::Name).isEmpty()) << name;
-    }
+    EXPECT_EQ(next(Qt::Key_Tab), "destinationPop");
+    EXPECT_EQ(next(Qt::Key_Tab), "advertTextView");
+    EXPECT_EQ(next(Qt::Key_Tab), "saveDropView");
+    EXPECT_FALSE(advert->textCursor().hasSelection());
+    EXPECT_EQ(next(Qt::Key_Backtab), "advertTextView");
+    EXPECT_TRUE(advert->textCursor().hasSelection()) << "the link is chosen";
+    QTest::keyClick(advert, Qt::Key_Return);
+    EXPECT_EQ(workspace.opened.size(), 1U);
+    EXPECT_EQ(next(Qt::Key_Backtab), "destinationPop");
 }
 
 // Of everything that takes the focus, in the window and all that it opens.
-TEST_F(DropBox, andAllOtherControlsHaveNames)
+TEST_F(DropBox, andAllOtherControlsAreKnownToScreenReaders)
 {
     start();
-    controller().showPreference(nullptr);
-    controller().showAbout(nullptr);
-    controller().savePanel().setNameFieldStringValue(QStringLiteral("a"));
-    int controls = 0;
+    drop({"/a"});
+    (void)waitForSheet("savePanel");
+    for (const char* action : {"showPreference", "showAbout"})
+        find<QAction>(action)->trigger();
+    std::map<std::string, QAccessible::Role> roles;
     std::set<std::string> nameless;
-    const auto inspect = [&](const QWidget* top) {
+    for (const QWidget* top : QApplication::topLevelWidgets()) {
         for (QWidget* part : top->findChildren<QWidget*>()) {
             QAccessibleInterface* known = QAccessible::queryAccessibleInterface(part);
-            const bool isControl = (part->focusPolicy() & Qt::TabFocus) != 0
-                && part->objectName() != QLatin1String("qt_scrollarea_viewport");
-            controls += isControl ? 1 : 0;
-            if (isControl && known && known->text(QAccessible::Name).isEmpty())
+            if (known == nullptr || (part->focusPolicy() & Qt::TabFocus) == 0
+                || part->objectName() == QLatin1String("qt_scrollarea_viewport"))
+                continue;
+            roles[part->objectName().toStdString()] = known->role();
+            if (known->text(QAccessible::Name).isEmpty())
                 nameless.insert(top->objectName().toStdString() + " "
                     + part->metaObject()->className() + " " + part->objectName().toStdString());
         }
-    };
-    for (const QWidget* top : QApplication::topLevelWidgets())
-        inspect(top);
+    }
     EXPECT_EQ(nameless, std::set<std::string>());
-    EXPECT_GT(controls, 25);
+    EXPECT_GT(roles.size(), 20U);
+    EXPECT_EQ(roles["saveDropView"], QAccessible::Button);
+    EXPECT_EQ(roles["destinationPop"], QAccessible::ButtonMenu);
+    EXPECT_EQ(roles["nameField"], QAccessible::EditableText);
 }
 
-TEST(RoundRectPath, hasItsSidesHalfAPointInsideAndClampsTheRadius)
+// The design's numbers, in pixels as they are drawn.
+TEST(DropBoxLook, isAsDesigned)
 {
-    struct Case {
-        QRectF rect;
-        float radius;
-        double clamped;
+    struct Greys {
+        bool isHovered;
+        int background;
+        int ink;
     };
-    for (const Case& each : {Case{{10, 10, 180, 80}, 10, 10}, Case{{0, 0, 40, 30}, 50, 15}}) {
-        const QPainterPath path
-            = BezierPathExtras::bezierPathWithRoundRectInRect(each.rect, each.radius);
-        const double inset = each.clamped + 0.5;
-        EXPECT_NEAR(path.elementAt(0).x, each.rect.left() + 0.5, 1e-6);
-        EXPECT_NEAR(path.elementAt(0).y, each.rect.top() + inset, 1e-6);
-        // Also where the arcs cross.
-        const QRectF bounds = path.boundingRect().normalized();
-        EXPECT_NEAR(bounds.top(), each.rect.top() + 0.5, 1e-6);
-        EXPECT_NEAR(bounds.height(), each.rect.height() - 1, 1e-6);
-        EXPECT_FALSE(path.contains(each.rect.topLeft() + QPointF(1, 1)));
+    for (const Greys& greys : {Greys{false, 255, 128}, Greys{true, 153, 242}}) {
+        SCOPED_TRACE(greys.isHovered);
+        DropView box;
+        box.resize(400, 200);
+        if (greys.isHovered)
+            box.draggingEntered(QMimeData());
+        const auto draw = [&] { return Ink{box.grab().toImage(), greys.background, greys.ink}; };
+        const Ink drawn = draw();
+        EXPECT_EQ(drawn.image.pixelColor(1, 1).red(), greys.background);
+
+        // 20 on and 4 off, at the upper edge.
+        const auto edge = [](const Ink& pass) {
+            std::vector<double> shares;
+            for (int x = 30; x < 30 + 14 * 24; ++x)
+                shares.push_back(pass.at(x, 10));
+            return shares;
+        };
+        const std::vector<double> top = edge(drawn);
+        EXPECT_EQ(std::ranges::count_if(top, [](double ink) { return ink < 0.5; }), 14 * 4);
+        EXPECT_NEAR(std::accumulate(top.begin(), top.end(), 0.0), 14 * 20, 2);
+        EXPECT_NEAR(*std::ranges::max_element(top), 1, 0.01) << "the grey of the outline";
+        const int x = 30 + int(std::ranges::max_element(top) - top.begin());
+        EXPECT_NEAR(drawn.at(x, 9), 0.5, 0.01) << "2 thick, and its middle 10.5 inside";
+        EXPECT_NEAR(drawn.at(x, 11), 0.5, 0.01);
+        EXPECT_LT(drawn.at(x, 8) + drawn.at(x, 12), 0.01);
+        EXPECT_LT(drawn.at(11, 11), 0.01) << "a round corner";
+
+        const std::vector<double> next = edge(draw());
+        const auto shifted = greys.isHovered ? std::vector(next.begin(), next.end() - 1) : next;
+        EXPECT_TRUE(
+            std::ranges::equal(shifted, std::vector(top.begin() + greys.isHovered, top.end()),
+                [](double a, double b) { return std::abs(a - b) < 0.02; }))
+            << "it marches by one, hovered";
+
+        QFont font(QStringLiteral("Helvetica"));
+        font.setPixelSize(20);
+        const QRect text = QFontMetrics(font).tightBoundingRect(QStringLiteral("Drop Files Here"));
+        const QRect caption = drawn.extent({20, 20, 360, 160});
+        EXPECT_NEAR(caption.width(), text.width(), 3);
+        EXPECT_NEAR(caption.height(), text.height(), 3);
+        EXPECT_NEAR(caption.center().x(), 200, 2);
+        EXPECT_NEAR(caption.center().y(), 100, 4);
     }
 }

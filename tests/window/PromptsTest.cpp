@@ -1,12 +1,9 @@
+// What the window asks of its own accord, and the pages that it opens.
+
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/panels/Tag.h"
-#include "platform/desktop/settings/UserDefaults.h"
 #include "tests/support/Files.h"
 #include "tests/window/Program.h"
-
-#include <QLabel>
-#include <QPushButton>
-#include <QTimer>
 
 #include <cstdlib>
 
@@ -14,128 +11,96 @@ namespace
 {
 
 const std::string site = PARCELO_SITE;
+using Pages = std::vector<std::string>;
 
 } // namespace
 
 class Prompts : public Program
 {
 protected:
-    // Presses the button with this tag in the prompt that the action brings up; what it said.
-    std::string answer(int tag, const std::function<void()>& action)
+    // What the prompt said that came while the action lasted, which was answered by the key,
+    // pressed where the third button has the focus. None: nothing came.
+    std::string said(Qt::Key key, const std::function<void()>& action)
     {
         std::string said;
-        whenSheetIsUp([&](QDialog* panel) {
+        QTimer answering;
+        QObject::connect(&answering, &QTimer::timeout, &window(), [&] {
+            QDialog* panel = Sheets::attachedSheet(&window());
+            if (panel == nullptr || !panel->isActiveWindow())
+                return;
             for (const char* label : {"alertTitle", "alertMessage"})
                 said += panel->findChild<QLabel*>(QLatin1String(label))->text().toStdString() + "|";
             for (QPushButton* button : panel->findChildren<QPushButton*>())
-                said += button->text().toStdString() + "|";
-            for (QPushButton* button : panel->findChildren<QPushButton*>())
-                if (Tag::of(button) == tag)
-                    button->click();
+                if (Tag::of(button) == PromptResultOther)
+                    button->setFocus();
+            QTest::keyClick(panel->focusWidget(), key);
         });
+        answering.start(1);
         action();
         return said;
     }
 };
 
-TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnswered)
+TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnsweredForGood)
 {
-    struct Prompt {
-        const char* key;
-        void (AppController::*ask)();
-        std::string page;
-        const char* said;
+    const std::tuple<const char*, void (AppController::*)(), const char*> prompts[] = {
+        {"SellSendora", &AppController::sellSendora, "sendora/?kvw5"},
+        {"AskToShareOnFacebook", &AppController::runShareOnFacebookSheet, "parcelo/fb/"},
+        {"AskToRateOnAppStore", &AppController::runRateOnAppStoreSheet, "parcelo/mas/"},
     };
-    const Prompt prompts[] = {
-        {"SellSendora", static_cast<void (AppController::*)()>(&AppController::sellSendora),
-            site + "sendora/?kvw5",
-            "Sendora|If you enjoy the way Parcelo makes it easy to zip and email files in one "
-            "step, "
-            "you will love Sendora.\n\nSendora combines the drag-and-drop simplicity of Parcelo "
-            "with "
-            "the ability to send large files.|Don't Ask Again|Maybe Next Time|Learn More|"},
-        {"AskToShareOnFacebook", &AppController::runShareOnFacebookSheet, site + "parcelo/fb/",
-            "Share on Facebook|As an independent developer, our single greatest challenge is "
-            "getting "
-            "the word out.  Please consider taking a minute to share Parcelo on your Facebook and "
-            "help spread the word.\n\nThank you!|Don't ask again|Maybe next time|Share on "
-            "Facebook|"},
-        {"AskToRateOnAppStore", &AppController::runRateOnAppStoreSheet, site + "parcelo/mas/",
-            "We Need Your Help!|As an indie developer, our biggest challenge is getting the word "
-            "out."
-            "  Please take a minute to rate Parcelo on the App Store and help spread the word."
-            "\n\nThank you!|Don't ask again|Maybe next time|Rate Parcelo|"},
-    };
-    for (const Prompt& prompt : prompts) {
-        for (const int tag : {0, -1, 1}) {
-            TearDown();
-            SetUp();
-            start();
-            workspace.opened.clear();
-            const auto ask = [&] { (controller().*prompt.ask)(); };
-            EXPECT_EQ(answer(tag, ask), prompt.said);
-            EXPECT_EQ(workspace.opened,
-                tag == 1 ? std::vector<std::string>{prompt.page} : std::vector<std::string>());
-            EXPECT_EQ(UserDefaults::standardUserDefaults().boolForKey(QLatin1String(prompt.key)),
-                tag == 0);
-            if (tag != 0)
-                ask(); // shows nothing, or this would wait for ever
-        }
+    start();
+    for (const auto& [key, action, page] : prompts) {
+        SCOPED_TRACE(key);
+        const auto ask = [&, action = action] { (controller().*action)(); };
+        EXPECT_NE(said(Qt::Key_Escape, ask), "");
+        EXPECT_TRUE(stored(key).toBool()) << "maybe next time";
+        EXPECT_NE(said(Qt::Key_Enter, ask), "");
+        EXPECT_FALSE(stored(key).toBool()) << "never again: it presses what has the focus";
+        EXPECT_EQ(said(Qt::Key_Enter, ask), "");
+        EXPECT_EQ(workspace.opened, Pages());
+        store(key, true);
+        EXPECT_NE(said(Qt::Key_Return, ask), "") << "presses the first, wherever the focus is";
+        EXPECT_FALSE(stored(key).toBool());
+        EXPECT_EQ(std::exchange(workspace.opened, {}), Pages{site + page});
     }
 }
 
-TEST_F(Prompts, theSpecialOfferEndsTwoDaysEarly)
+TEST_F(Prompts, aQuestionThatIsRefusedReadsLikeItsThirdButton)
+{
+    start();
+    const auto ask = [&] { controller().sellSendora(); };
+    QTimer::singleShot(0, &window(), ask); // comes while the first is up
+    EXPECT_NE(said(Qt::Key_Escape, ask), "");
+    EXPECT_FALSE(stored("SellSendora").toBool());
+}
+
+TEST_F(Prompts, theOfferComesWithTheSecondMessageEverAndIsSpecialForATime)
 {
     start();
     const QDateTime end = QDate(2010, 10, 29).startOfDay();
     for (const auto& [now, isSpecial] : {std::pair(end.addSecs(-1), true), {end, false}}) {
-        const std::string said = answer(0, [&] { controller().sellSendora(now); });
-        EXPECT_EQ(said.starts_with("Sendora Special Offer|"), isSpecial);
-        EXPECT_EQ(
-            said.find("\n\nHurry! Offer expires Oct 31, 2010.|") != std::string::npos, isSpecial);
-        EXPECT_EQ(said.find("a 30%% discount") != std::string::npos, isSpecial);
+        const std::string offer = said(Qt::Key_Escape, [&] { controller().sellSendora(now); });
+        EXPECT_EQ(offer.starts_with("Sendora Special Offer|"), isSpecial);
+        EXPECT_EQ(offer.ends_with("Hurry! Offer expires Oct 31, 2010.|"), isSpecial);
+        EXPECT_EQ(offer.find("a 30%% discount") != std::string::npos, isSpecial);
     }
-}
+    for (const bool comes : {false, true, false})
+        EXPECT_EQ(
+            said(Qt::Key_Escape, [&] { controller().composeEmailWithAttachment(folder / "a.zip"); })
+                != "",
+            comes);
+    EXPECT_EQ(stored("EmailCount").toInt(), 3);
+    EXPECT_EQ(composer.mailed.size(), 3U);
 
-TEST_F(Prompts, waitForNoOtherPanel)
-{
-    start();
-    const auto ask = [&] { controller().sellSendora(); };
-    EXPECT_NE(answer(0,
-                  [&] {
-                      QTimer::singleShot(0, &window(), ask); // comes while the first is up
-                      controller().sellSendora();
-                  }),
-        "");
-    EXPECT_FALSE(UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SellSendora")))
-        << "a question that was refused reads like its third button";
-}
-
-TEST_F(Prompts, nobodyIsOfferedWhatTheyHave)
-{
-    start();
-    const auto settings
-        = std::filesystem::path(std::getenv("XDG_CONFIG_HOME")) / "sendora/sendora.conf";
+    const Path settings = Path(std::getenv("XDG_CONFIG_HOME")) / "sendora/sendora.conf";
     support::writeFile(settings, "");
-    controller().sellSendora(); // shows nothing, or this would wait for ever
+    EXPECT_EQ(said(Qt::Key_Escape, [&] { controller().sellSendora(); }), "") << "they have it";
     std::filesystem::remove(settings);
-    EXPECT_TRUE(UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SellSendora")));
 }
 
-TEST_F(Prompts, theSecondMessageEverBringsTheOffer)
+TEST_F(Prompts, theMenusAndTheAboutWindowLeadToTheirPages)
 {
-    start();
-    controller().composeEmailWithAttachment(folder / "a.zip");
-    EXPECT_NE(answer(0, [&] { controller().composeEmailWithAttachment(folder / "b.zip"); }), "");
-    controller().composeEmailWithAttachment(folder / "c.zip");
-    EXPECT_EQ(UserDefaults::standardUserDefaults().integerForKey(QStringLiteral("EmailCount")), 3);
-    EXPECT_EQ(composer.mailed.size(), 3u);
-}
-
-TEST_F(Prompts, menuItemsOpenTheirPages)
-{
-    start();
-    const std::pair<const char*, std::string> items[] = {
+    const std::pair<const char*, const char*> items[] = {
         {"showHelp", "parcelo/help.html"},
         {"visitHomePage", ""},
         {"visitForum", "forum/"},
@@ -143,14 +108,19 @@ TEST_F(Prompts, menuItemsOpenTheirPages)
         {"visitCommentPage", "parcelo/mu/"},
         {"visitShop", "shop/"},
     };
+    start();
     for (const auto& [item, page] : items) {
-        workspace.opened.clear();
         find<QAction>(item)->trigger();
-        EXPECT_EQ(workspace.opened, std::vector<std::string>{site + page}) << item;
+        EXPECT_EQ(std::exchange(workspace.opened, {}), Pages{site + page}) << item;
     }
-    QObject other;
-    Tag::set(&other, 4);
-    workspace.opened.clear();
-    controller().visitWebsite(&other);
-    EXPECT_TRUE(workspace.opened.empty());
+    find<QAction>("showAbout")->trigger();
+    EXPECT_TRUE(waitFor([] { return QApplication::activeWindow()->objectName() == u"About"; }));
+    const QWidget* about = QApplication::activeWindow();
+    EXPECT_EQ(about->findChild<QLabel*>("appNameAndVersion")->text(),
+        QStringLiteral("Parcelo " PARCELO_VERSION));
+    for (QPushButton* button : about->findChildren<QPushButton*>()) {
+        EXPECT_FALSE(button->hasFocus());
+        button->click();
+    }
+    EXPECT_EQ(workspace.opened, (Pages{"mailto:info@parcelo.example", site, site + "parcelo/mu/"}));
 }

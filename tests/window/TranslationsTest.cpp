@@ -1,9 +1,14 @@
-#include "tests/support/Run.h"
-#include "tests/support/TestFolder.h"
+#include "app/window/Translations.h"
 
+#include "tests/support/Run.h"
+#include "tests/window/Program.h"
+
+#include <QAbstractButton>
 #include <QFile>
+#include <QKeySequence>
+#include <QMenuBar>
 #include <QRegularExpression>
-#include <QStringList>
+#include <QScopeGuard>
 #include <QXmlStreamReader>
 
 #include <map>
@@ -14,6 +19,11 @@ namespace
 {
 
 const std::string sources = PARCELO_SOURCE_DIR;
+
+std::string fileOf(const std::string& language)
+{
+    return sources + "/app/window/translations/parcelo_" + language + ".ts";
+}
 
 // The messages of a translation file, by context and source text.
 std::map<std::string, QString> messagesIn(const std::string& file)
@@ -49,9 +59,72 @@ QStringList marksOf(const QString& text)
     return marks;
 }
 
+// The letters that lead to something with Alt, each with what it leads to.
+using Letters = std::multimap<std::string, std::string>;
+
+void add(Letters& letters, const QString& text)
+{
+    if (const QKeySequence letter = QKeySequence::mnemonic(text); !letter.isEmpty())
+        letters.emplace(letter.toString().toStdString(), text.toStdString());
+}
+
+Letters lettersOf(const QWidget* form)
+{
+    Letters letters;
+    for (const auto* label : form->findChildren<QLabel*>())
+        if (label->window() == form && label->buddy() != nullptr && !label->isHidden())
+            add(letters, label->text());
+    for (const auto* button : form->findChildren<QAbstractButton*>())
+        if (button->window() == form && !button->isHidden())
+            add(letters, button->text());
+    // The menu bar is a part of the window, a menu a form of its own.
+    const auto* bar = form->findChild<QMenuBar*>();
+    for (const QAction* item : (bar != nullptr ? bar : form)->actions())
+        add(letters, item->text());
+    return letters;
+}
+
 } // namespace
 
-TEST(Translations, areCompleteAndKeepPlaceholdersAndLineBreaks)
+class Language : public Program, public ::testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(Language, isLoadedAndGivesNoLetterTwiceInOneForm)
+{
+    const auto putBack = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+    QLocale::setDefault(QLocale(QLatin1String(GetParam())));
+    const ::Translations translations;
+    start();
+    drop({"/a"});
+    (void)waitForSheet("savePanel");
+    EXPECT_FALSE(find<QLabel>("previewLabel")->text().startsWith(QLatin1String("TYPE_")));
+    for (const char* action : {"showPreference", "showAbout"})
+        find<QAction>(action)->trigger();
+    if (GetParam() != std::string("en")) {
+        EXPECT_EQ(find<QDialog>("Preference")->windowTitle(),
+            messagesIn(fileOf(GetParam())).at("Preference|Preferences"));
+    }
+
+    int forms = 0;
+    int known = 0;
+    for (const QWidget* form : QApplication::allWidgets()) {
+        if (!form->isWindow())
+            continue;
+        ++forms;
+        const Letters letters = lettersOf(form);
+        known += int(letters.size());
+        for (const auto& [letter, text] : letters)
+            EXPECT_EQ(letters.count(letter), 1U)
+                << form->objectName().toStdString() << ": " << letter << " for " << text;
+    }
+    EXPECT_GE(forms, 10); // six windows and dialogs, four menus
+    EXPECT_GE(known, 40);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, Language, ::testing::Values("en", "de", "fr", "es", "ja"));
+
+TEST(TranslationFiles, areCompleteAndKeepPlaceholdersAndLineBreaks)
 {
     const support::TestFolder folder;
     const std::string fresh = folder / "fresh.ts";
@@ -61,8 +134,7 @@ TEST(Translations, areCompleteAndKeepPlaceholdersAndLineBreaks)
     const auto wanted = messagesIn(fresh);
     ASSERT_GT(wanted.size(), 100u);
     for (const char* language : {"de", "fr", "es", "ja"}) {
-        const auto messages
-            = messagesIn(sources + "/app/window/translations/parcelo_" + language + ".ts");
+        const auto messages = messagesIn(fileOf(language));
         EXPECT_EQ(messages.size(), wanted.size()) << language;
         for (const auto& [key, unused] : wanted) {
             const auto message = messages.find(key);
@@ -74,7 +146,7 @@ TEST(Translations, areCompleteAndKeepPlaceholdersAndLineBreaks)
                 << language << ": " << key;
         }
     }
-    const auto english = messagesIn(sources + "/app/window/translations/parcelo_en.ts");
+    const auto english = messagesIn(fileOf("en"));
     for (const auto& [key, unused] : wanted)
         EXPECT_EQ(english.contains(key), key.starts_with("Localizable|")) << key;
 }

@@ -7,18 +7,23 @@
 #include <optional>
 #include <string>
 
-#include <sys/stat.h>
-
 class OwnFiles
 {
 public:
+    OwnFiles() = default; // none
     // `workingFolder` is taken for a scratch folder if it is called like one.
     OwnFiles(const OutputFile& output, const std::string& workingFolder);
 
-    [[nodiscard]] bool isOutput(const struct stat& status) const;
-    [[nodiscard]] bool isScratchFolder(const struct stat& status) const;
+    [[nodiscard]] bool isOutput(const FileStatus& status) const
+    {
+        return isSameFile(_output, status);
+    }
+    [[nodiscard]] bool isScratchFolder(const FileStatus& status) const
+    {
+        return _scratchFolder && isSameFile(*_scratchFolder, status);
+    }
 
 private:
-    struct stat _output;
-    std::optional<struct stat> _scratchFolder;
+    FileStatus _output{};
+    std::optional<FileStatus> _scratchFolder;
 };

@@ -227,10 +227,6 @@ Vielen Dank!</translation>
 %1</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for it</source>
-        <translation>„%1“ ist kein Name dafür</translation>
-    </message>
-    <message>
         <source>there is no working folder at %1</source>
         <translation>es gibt keinen Arbeitsordner unter %1</translation>
     </message>

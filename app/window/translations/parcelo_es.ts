@@ -227,10 +227,6 @@ Thank you!</source>
 %1</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for it</source>
-        <translation>«%1» no es un nombre válido</translation>
-    </message>
-    <message>
         <source>there is no working folder at %1</source>
         <translation>no hay carpeta de trabajo en %1</translation>
     </message>

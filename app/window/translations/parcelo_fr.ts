@@ -227,10 +227,6 @@ Merci !</translation>
 %1</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for it</source>
-        <translation>« %1 » n’est pas un nom possible</translation>
-    </message>
-    <message>
         <source>there is no working folder at %1</source>
         <translation>il n’y a pas de dossier de travail à l’emplacement %1</translation>
     </message>

@@ -227,10 +227,6 @@ Thank you!</source>
 %1</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for it</source>
-        <translation>「%1」という名前は使えません</translation>
-    </message>
-    <message>
         <source>there is no working folder at %1</source>
         <translation>作業フォルダ%1がありません</translation>
     </message>

@@ -2,13 +2,10 @@
 
 #include "platform/base/bundle/PropertyListGuard.h"
 #include "platform/base/bundle/PropertyListNodes.h"
-#include "platform/base/bundle/TextNumber.h"
-#include "system/FileDescriptor.h"
+#include "system/FileBytes.h"
+#include "system/TextNumber.h"
 
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
@@ -113,28 +110,6 @@ std::optional<Value> valueOfNode(plist_t node, int levels)
     }
 }
 
-std::optional<std::string> contentsOf(const fs::path& path)
-{
-    // A pipe must not hold us up.
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status = {};
-    if (!file || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    std::string bytes(mostBytes + 1, '\0');
-    std::size_t size = 0;
-    while (size < bytes.size()) {
-        const ssize_t count = retryOnInterrupt(
-            [&] { return ::read(file.number(), bytes.data() + size, bytes.size() - size); });
-        if (count < 0)
-            return std::nullopt;
-        if (count == 0)
-            break;
-        size += static_cast<std::size_t>(count);
-    }
-    bytes.resize(size);
-    return bytes;
-}
-
 } // namespace
 
 std::optional<Value> PropertyList::valueOf(std::string_view bytes)
@@ -154,7 +129,7 @@ std::optional<Value> PropertyList::valueOf(std::string_view bytes)
 
 std::optional<Dictionary> PropertyList::dictionaryWithContentsOfFile(const fs::path& path)
 {
-    const auto bytes = contentsOf(path);
+    const auto bytes = FileBytes::readWhole(path, mostBytes);
     auto value = bytes ? valueOf(*bytes) : std::nullopt;
     auto* dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
     return dictionary ? std::optional(std::move(*dictionary)) : std::nullopt;

@@ -1,6 +1,8 @@
 // What reading and writing property lists need of libplist, with owners; for their sources alone.
 #pragma once
 
+#include "system/ReferenceDate.h"
+
 #include <chrono>
 #include <cstdlib>
 #include <memory>
@@ -11,7 +13,7 @@
 namespace PropertyListNodes
 {
 
-constexpr std::chrono::seconds referenceDate{978307200}; // 1 January 2001, where dates count from
+constexpr std::chrono::seconds referenceDate{referenceDateInUnixSeconds};
 
 struct NodeDeleter {
     void operator()(plist_t node) const { plist_free(node); }

@@ -1,11 +1,12 @@
 #include "platform/base/bundle/PropertyList.h"
 #include "platform/base/bundle/PropertyListNodes.h"
-#include "system/FileDescriptor.h"
+#include "system/FileBytes.h"
+#include "system/PartFile.h"
+#include "system/Utf8.h"
 
 #include <algorithm>
 #include <system_error>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
@@ -56,21 +57,11 @@ struct NodeMaker {
 // How many bytes the character in front takes that XML can hold and gives back as it is; 0: none.
 std::size_t characterSize(std::string_view text)
 {
-    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    const unsigned char first = byte(0);
-    if (first < 0x80)
-        return first == '\t' || first == '\n' || (first >= 0x20 && first != 0x7f) ? 1 : 0;
-    const std::size_t size = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-    if (first < 0xc2 || first > 0xf4 || size > text.size())
-        return 0;
-    for (std::size_t at = 1; at < size; ++at)
-        if ((byte(at) & 0xc0) != 0x80)
-            return 0;
-    const bool isLong = (first == 0xe0 && byte(1) < 0xa0) || (first == 0xf0 && byte(1) < 0x90);
-    const bool isSurrogate = first == 0xed && byte(1) >= 0xa0;
-    const bool isBeyond = first == 0xf4 && byte(1) >= 0x90;
-    const bool isNoCharacter = first == 0xef && byte(1) == 0xbf && byte(2) >= 0xbe;
-    return isLong || isSurrogate || isBeyond || isNoCharacter ? 0 : size;
+    const char first = text.front();
+    const bool isControl
+        = (first >= '\0' && first < ' ' && first != '\t' && first != '\n') || first == '\x7f';
+    const bool isNoCharacter = text.starts_with("\xef\xbf\xbe") || text.starts_with("\xef\xbf\xbf");
+    return isControl || isNoCharacter ? 0 : Utf8::sequenceLength(text);
 }
 
 bool isText(std::string_view text)
@@ -96,18 +87,6 @@ bool hasOnlyText(const Value& value)
     return true;
 }
 
-bool writeAll(const FileDescriptor& file, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t count
-            = retryOnInterrupt([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
-        if (count < 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return ::fsync(file.number()) == 0;
-}
-
 mode_t permissionsFor(const fs::path& path)
 {
     struct stat former = {};
@@ -118,15 +97,12 @@ bool replaceFile(const fs::path& path, std::string_view bytes)
 {
     std::error_code unresolved;
     const fs::path place = fs::weakly_canonical(path, unresolved); // what a link leads to
-    std::string hidden = place.parent_path() / ("." + place.filename().native() + "-XXXXXX");
-    const FileDescriptor file(unresolved ? -1 : ::mkostemp(hidden.data(), O_CLOEXEC));
-    if (!file)
+    if (unresolved)
         return false;
-    const bool isReplaced = ::fchmod(file.number(), permissionsFor(place)) == 0
-        && writeAll(file, bytes) && ::rename(hidden.c_str(), place.c_str()) == 0;
-    if (!isReplaced)
-        ::unlink(hidden.c_str());
-    return isReplaced;
+    PartFile file(place.native(), S_IRUSR | S_IWUSR);
+    return file && FileBytes::writeAll(file.descriptor(), bytes)
+        && ::fchmod(file.descriptor(), permissionsFor(place)) == 0
+        && !file.commitDurably(PartFile::Existing::replace);
 }
 
 } // namespace

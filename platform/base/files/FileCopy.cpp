@@ -1,13 +1,18 @@
 #include "platform/base/files/FileCopy.h"
 
+#include "platform/base/files/TreeWalk.h"
+#include "system/FileBytes.h"
 #include "system/FileDescriptor.h"
+#include "system/LastError.h"
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -18,26 +23,11 @@ namespace
 {
 
 using FileStatus = struct stat; // a name of its own, beside the function
+using TreeWalk::Cursor;
+using TreeWalk::Names;
 
 constexpr std::size_t bufferSize = 262144; // large enough that the calls cost nothing
 constexpr std::size_t kernelCopySize = 16777216; // small enough to stop soon on a slow disk
-
-std::error_code lastError()
-{
-    return {errno, std::generic_category()};
-}
-
-std::error_code writeAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written
-            = retryOnInterrupt([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
-        if (written < 0)
-            return lastError();
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return {};
-}
 
 // Attributes that the other side does not take are left out: what matters are the contents.
 void copyExtendedAttributes(int from, int to)
@@ -57,13 +47,20 @@ void copyExtendedAttributes(int from, int to)
     }
 }
 
-std::error_code copyFile(const fs::path& from, const fs::path& to, const std::stop_token& stop)
+// A name and the open folder that it is in, as the ...at calls take them.
+struct Place {
+    int folder;
+    const std::string& name;
+};
+
+std::error_code copyFile(const Place& from, const Place& to, const std::stop_token& stop)
 {
-    const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    const FileDescriptor source(
+        ::openat(from.folder, from.name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     if (!source)
         return lastError();
-    const FileDescriptor target(
-        ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    const FileDescriptor target(::openat(
+        to.folder, to.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!target)
         return lastError();
     if (const auto failure = FileCopy::copyContents(source.number(), target.number(), stop))
@@ -71,29 +68,30 @@ std::error_code copyFile(const fs::path& from, const fs::path& to, const std::st
     return FileCopy::copyAttributes(source.number(), target.number());
 }
 
-std::error_code copyLink(const fs::path& from, const fs::path& to)
+std::error_code copyLink(const Place& from, const Place& to)
 {
-    std::error_code failure;
+    std::array<char, PATH_MAX> goal{}; // no link holds more, nor as much
     FileStatus status{};
-    fs::copy_symlink(from, to, failure);
-    if (failure || ::lstat(from.c_str(), &status) != 0)
-        return failure ? failure : lastError();
+    if (::readlinkat(from.folder, from.name.c_str(), goal.data(), goal.size() - 1) < 0
+        || ::fstatat(from.folder, from.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0
+        || ::symlinkat(goal.data(), to.folder, to.name.c_str()) != 0)
+        return lastError();
     const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
-    ::utimensat(AT_FDCWD, to.c_str(), times.data(), AT_SYMLINK_NOFOLLOW);
+    ::utimensat(to.folder, to.name.c_str(), times.data(), AT_SYMLINK_NOFOLLOW);
     return {};
 }
 
 // A folder is made without its contents or attributes: those come when it is filled.
 std::error_code copyOne(
-    const fs::path& from, const fs::path& to, fs::file_type type, const std::stop_token& stop)
+    const Place& from, const Place& to, unsigned char kind, const std::stop_token& stop)
 {
-    switch (type) {
-    case fs::file_type::regular:
+    switch (kind) {
+    case DT_REG:
         return copyFile(from, to, stop);
-    case fs::file_type::symlink:
+    case DT_LNK:
         return copyLink(from, to);
-    case fs::file_type::directory:
-        return ::mkdir(to.c_str(), S_IRWXU) == 0 ? std::error_code() : lastError();
+    case DT_DIR:
+        return errorOf(::mkdirat(to.folder, to.name.c_str(), S_IRWXU));
     default:
         return std::make_error_code(std::errc::operation_not_supported);
     }
@@ -102,20 +100,120 @@ std::error_code copyOne(
 using Identity = std::pair<dev_t, ino_t>;
 
 // Of a folder; of nothing, one that no folder has.
-Identity identityOf(const fs::path& folder)
+Identity identityOf(const Place& place)
 {
     FileStatus status{};
-    const bool isThere = ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-    return isThere ? Identity(status.st_dev, status.st_ino) : Identity();
+    const bool isThere
+        = ::fstatat(place.folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    return isThere && S_ISDIR(status.st_mode) ? Identity(status.st_dev, status.st_ino) : Identity();
 }
 
-std::error_code copyFolderAttributes(const fs::path& from, const fs::path& to)
+// Copies one item with all that is in it. A second cursor follows the walk on the side of the copy,
+// and where it could not, nothing is copied.
+class ItemCopy
 {
-    const FileDescriptor source(::open(from.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const FileDescriptor target(::open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!source || !target)
-        return lastError();
-    return FileCopy::copyAttributes(source.number(), target.number());
+public:
+    ItemCopy(const fs::path& from, const fs::path& to, const FileCopy::Options& options)
+        : _from(from)
+        , _to(to)
+        , _options(options)
+    {
+    }
+
+    std::error_code run();
+
+private:
+    void _copyFolder();
+    Names _enter(const Cursor& from);
+    bool _copyEntry(const Cursor& from, const std::string& name, unsigned char kind);
+    void _leave(const Cursor& from);
+    void _note(const fs::path& item, std::error_code reason);
+
+    const fs::path& _from;
+    const fs::path& _to;
+    const FileCopy::Options& _options;
+    std::array<Identity, 2> _leftOut;
+    Cursor _target;
+    std::error_code _failure; // the first
+};
+
+std::error_code ItemCopy::run()
+{
+    const Place from{AT_FDCWD, _from.native()};
+    const Place to{AT_FDCWD, _to.native()};
+    FileStatus status{};
+    const auto missing = errorOf(::lstat(_from.c_str(), &status));
+    const unsigned char kind = IFTODT(status.st_mode);
+    _note(_from, missing ? missing : copyOne(from, to, kind, _options.stop));
+    if (kind == DT_DIR && !_failure)
+        _copyFolder();
+    return _failure;
+}
+
+void ItemCopy::_copyFolder()
+{
+    _leftOut = {
+        identityOf({AT_FDCWD, _to.native()}), identityOf({AT_FDCWD, _options.leavingOut.native()})};
+    const TreeWalk::Visitor visitor{.enter = [&](const Cursor& from) { return _enter(from); },
+        .leave = [&](const Cursor& from) { _leave(from); },
+        .done =
+            [&](const Cursor& above, const std::string& name, std::error_code reason) {
+                if (reason)
+                    _note(above.path() / name, reason);
+            }};
+    _note(_from, TreeWalk::walk(_from, visitor, TreeWalk::Permissions::respected));
+    if (_options.stop.stop_requested())
+        _note(_from, std::make_error_code(std::errc::operation_canceled));
+}
+
+Names ItemCopy::_enter(const Cursor& from)
+{
+    if (_options.stop.stop_requested() || _target.depth() + 1 != from.depth())
+        return {};
+    if (const auto failure = _target.enter(from.depth() == 1 ? _to.native() : from.name())) {
+        _note(from.path(), failure);
+        return {};
+    }
+    Names folders;
+    const auto failure
+        = TreeWalk::forEachEntry(from.folder(), [&](const std::string& name, unsigned char kind) {
+              if (_copyEntry(from, name, kind) && kind == DT_DIR)
+                  folders.push_back(name);
+          });
+    if (failure)
+        _note(from.path(), failure);
+    return folders;
+}
+
+bool ItemCopy::_copyEntry(const Cursor& from, const std::string& name, unsigned char kind)
+{
+    const Place source{from.folder(), name};
+    const bool isLeftOut = kind == DT_DIR && std::ranges::count(_leftOut, identityOf(source)) > 0;
+    if (isLeftOut || _options.stop.stop_requested())
+        return false;
+    const auto failure = copyOne(source, {_target.folder(), name}, kind, _options.stop);
+    if (failure)
+        _note(from.path() / name, failure);
+    return !failure;
+}
+
+// Only now, for filling a folder changes its times.
+void ItemCopy::_leave(const Cursor& from)
+{
+    if (_target.depth() != from.depth())
+        return;
+    if (const auto failure = FileCopy::copyAttributes(from.folder(), _target.folder()))
+        _note(from.path(), failure);
+    if (const auto failure = _target.leave())
+        _note(from.path(), failure);
+}
+
+void ItemCopy::_note(const fs::path& item, std::error_code reason)
+{
+    if (reason && _options.onFailure)
+        _options.onFailure(item, reason);
+    if (!_failure)
+        _failure = reason;
 }
 
 } // namespace
@@ -132,9 +230,9 @@ std::error_code FileCopy::copyContents(int from, int to, const std::stop_token& 
         const ssize_t count
             = retryOnInterrupt([&] { return ::read(from, buffer.data(), buffer.size()); });
         if (count <= 0)
-            return count < 0 ? lastError() : std::error_code();
-        if (const auto failure = writeAll(to, {buffer.data(), static_cast<std::size_t>(count)}))
-            return failure;
+            return errorOf(count);
+        if (!FileBytes::writeAll(to, {buffer.data(), static_cast<std::size_t>(count)}))
+            return lastError();
     }
     return std::make_error_code(std::errc::operation_canceled);
 }
@@ -153,45 +251,5 @@ std::error_code FileCopy::copyAttributes(int from, int to)
 
 std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to, const Options& options)
 {
-    std::error_code failure;
-    const auto note = [&](const fs::path& item, std::error_code result) {
-        if (result && options.onFailure)
-            options.onFailure(item, result);
-        if (result && !failure)
-            failure = result;
-        return !result;
-    };
-    std::error_code missing; // is told by copyOne
-    const auto type = fs::symlink_status(from, missing).type();
-    if (!note(from, copyOne(from, to, type, options.stop)) || type != fs::file_type::directory)
-        return failure;
-
-    const Identity leftOut[] = {identityOf(to), identityOf(options.leavingOut)};
-    std::vector<std::pair<fs::path, fs::path>> folders{{from, to}};
-    std::error_code unreadable;
-    constexpr auto iteration = fs::directory_options::skip_permission_denied; // noted further down
-    fs::recursive_directory_iterator entry(from, iteration, unreadable);
-    while (!unreadable && !options.stop.stop_requested()
-        && entry != fs::recursive_directory_iterator()) {
-        const fs::path target = to / entry->path().lexically_relative(from);
-        const auto kind = entry->symlink_status(unreadable).type();
-        const bool isFolder = kind == fs::file_type::directory;
-        const bool isLeftOut
-            = isFolder && std::ranges::count(leftOut, identityOf(entry->path())) > 0;
-        const bool isCopied
-            = !isLeftOut && note(entry->path(), copyOne(entry->path(), target, kind, options.stop));
-        if (isFolder && isCopied)
-            folders.emplace_back(entry->path(), target);
-        else
-            entry.disable_recursion_pending();
-        entry.increment(unreadable);
-    }
-    note(from,
-        options.stop.stop_requested() ? std::make_error_code(std::errc::operation_canceled)
-                                      : unreadable);
-
-    // From the inside out, for filling a folder changes its times.
-    for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
-        note(folder->first, copyFolderAttributes(folder->first, folder->second));
-    return failure;
+    return ItemCopy(from, to, options).run();
 }

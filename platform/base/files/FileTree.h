@@ -1,7 +1,7 @@
-// Whole folder trees, walked by descriptor and without recursion: neither the depth nor the length
-// of a path is limited, and links are never followed. Paths that cannot be opened in one piece can
-// therefore be below the top, but not be the top.
+// Whole folder trees of any depth, links never followed.
 #pragma once
+
+#include "platform/base/files/TreeWalk.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -11,15 +11,12 @@
 namespace FileTree
 {
 
+using TreeWalk::Permissions;
+
 // All that is below a folder. 0 for what is not a folder or cannot be read; a folder below that
 // cannot be read counts as one. Asked to stop, it gives what it has counted.
 [[nodiscard]] std::uint64_t countEntries(
     const std::filesystem::path& top, const std::stop_token& stop = {});
-
-enum class Permissions {
-    respected,
-    overridden, // folders that deny their owner something are opened up first
-};
 
 // Removes a file, a link or a folder with all that is in it. Goes on after a failure and gives the
 // first one.

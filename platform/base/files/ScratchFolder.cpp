@@ -20,6 +20,7 @@ namespace
 using FileStatus = struct stat; // a name of its own, beside the function
 
 const std::string prefix = std::string(Bundle::bundleIdentifier) + "-";
+const std::string hiddenPrefix = "." + prefix;
 
 FileDescriptor openFolder(const fs::path& path)
 {
@@ -50,13 +51,22 @@ bool isAt(const fs::path& path, const FileDescriptor& locked)
 
 ScratchFolder::ScratchFolder()
 {
-    const fs::path parent = SearchPaths::temporaryDirectory();
+    _make(SearchPaths::temporaryDirectory(), prefix);
+}
+
+ScratchFolder::ScratchFolder(const fs::path& inFolder)
+{
+    _make(inFolder, hiddenPrefix);
+}
+
+void ScratchFolder::_make(const fs::path& parent, const std::string& beginning)
+{
     removeStaleFolders(parent);
 
     // Between the making and the locking another process may take the folder for a stale one and
     // remove it: then a new one is made. Where nothing can be locked, nothing is removed either.
     do {
-        std::string name = parent / (prefix + std::to_string(::getpid()) + "-XXXXXX");
+        std::string name = parent / (beginning + std::to_string(::getpid()) + "-XXXXXX");
         const bool made = ::mkdtemp(name.data()) != nullptr;
         _lock = made ? openFolder(name) : FileDescriptor();
         if (!_lock && (!made || errno != ENOENT))
@@ -73,7 +83,8 @@ void ScratchFolder::removeStaleFolders(const fs::path& parent)
     while (!unreadable && entry != fs::directory_iterator()) {
         const fs::path path = entry->path();
         entry.increment(unreadable);
-        if (path.filename().native().rfind(prefix, 0) != 0)
+        const std::string name = path.filename();
+        if (!name.starts_with(prefix) && !name.starts_with(hiddenPrefix))
             continue;
         const FileDescriptor folder = openFolder(path);
         if (folder && isOurs(folder) && lock(folder))

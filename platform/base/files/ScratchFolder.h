@@ -1,12 +1,13 @@
-// A private folder below the temporary directory, which lives as long as this object and goes with
-// everything in it. It is locked for that time: a folder of ours that nobody has locked belonged to
-// a process that was killed, and the next one made removes it.
+// A private folder, below the temporary directory or in a given one, which lives as long as this
+// object and goes with everything in it. It is locked for that time: a folder of ours that nobody
+// has locked belonged to a process that was killed, and the next one made removes it.
 #pragma once
 
 #include "system/FileDescriptor.h"
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
 
 // "cannot make a working folder in X: reason".
 class ScratchFolderFailure : public std::runtime_error
@@ -18,8 +19,9 @@ public:
 class ScratchFolder
 {
 public:
-    // Throws ScratchFolderFailure.
+    // Throw ScratchFolderFailure. The second makes a hidden one inside a folder of the user's.
     ScratchFolder();
+    explicit ScratchFolder(const std::filesystem::path& inFolder);
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
@@ -34,6 +36,8 @@ public:
     static void removeStaleFolders(const std::filesystem::path& parent);
 
 private:
+    void _make(const std::filesystem::path& parent, const std::string& beginning);
+
     std::filesystem::path _path;
     FileDescriptor _lock; // never inherited by a child, which would prolong it
 };

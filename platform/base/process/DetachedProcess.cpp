@@ -1,8 +1,8 @@
 #include "platform/base/process/DetachedProcess.h"
 
+#include "platform/base/process/Environment.h"
 #include "platform/base/process/SpawnPlan.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <system_error>
@@ -12,21 +12,6 @@
 
 namespace
 {
-
-// Our environment, in which the changes replace variables of the same name.
-std::vector<std::string> environmentWith(const std::vector<std::string>& changes)
-{
-    std::vector<std::string> result = changes;
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-        const std::string_view text = *variable;
-        const std::string_view name = text.substr(0, text.find('=') + 1);
-        const bool isChanged = std::any_of(changes.begin(), changes.end(),
-            [&](const std::string& change) { return change.starts_with(name); });
-        if (!isChanged)
-            result.emplace_back(text);
-    }
-    return result;
-}
 
 int wait(pid_t pid, int options, int& status)
 {
@@ -59,10 +44,11 @@ void reapLater(pid_t pid)
 
 DetachedProcess::DetachedProcess(const Setup& setup)
 {
-    const SpawnPlan plan({.error = STDERR_FILENO}, SpawnPlan::Group::ofItsOwnSession);
+    const SpawnPlan plan(
+        {.output = setup.output, .error = STDERR_FILENO}, SpawnPlan::Group::ofItsOwnSession);
     std::vector<std::string> vector = setup.arguments;
     vector.insert(vector.begin(), setup.program);
-    std::vector<std::string> environment = environmentWith(setup.changedEnvironment);
+    std::vector<std::string> environment = Environment::ours(setup.changedEnvironment);
     const int reason
         = ::posix_spawnp(&_pid, setup.program.c_str(), plan.actions(), plan.attributes(),
             SpawnPlan::pointers(vector).data(), SpawnPlan::pointers(environment).data());

@@ -1,7 +1,7 @@
 // A program of the desktop that is started for the user and lives on by itself: in a session of its
-// own, with /dev/null as input and output, our standard error, where a session keeps its log, and
-// no other descriptor of ours. Its owner may watch for its end. When the owner goes, the program
-// does not, and no zombie stays.
+// own, with /dev/null as input and, unless it is given one, as output, our standard error, where a
+// session keeps its log, and no other descriptor of ours. Its owner may watch for its end. When the
+// owner goes, the program does not, and no zombie stays.
 #pragma once
 
 #include "platform/base/process/Task.h"
@@ -20,6 +20,7 @@ public:
         std::string program; // a path, or a name that is looked up in PATH
         std::vector<std::string> arguments = {}; // without the program's own name
         std::vector<std::string> changedEnvironment = {}; // "NAME=value" besides or instead of ours
+        int output = -1; // a descriptor for its standard output; -1: /dev/null
     };
 
     // Throws LaunchFailure (see Task.h).

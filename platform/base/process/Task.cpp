@@ -55,17 +55,13 @@ Task::~Task()
 
 void Task::launch()
 {
-    const bool isSeparate = _setup.output == Output::separate;
-    const bool isErrorOurs = _setup.output == Output::standardErrorIsOurs;
     PipeEnds output = makePipe();
-    PipeEnds error = isSeparate ? makePipe() : PipeEnds();
     PipeEnds input = _setup.input == Input::emptyPipe ? makePipe() : PipeEnds();
     input.writing.close();
+    const bool isErrorOurs = _setup.output == Output::standardErrorIsOurs;
     _spawn(input.reading.number(), output.writing.number(),
-        isErrorOurs ? STDERR_FILENO : (isSeparate ? error : output).writing.number());
-    _pipes.push_back({Stream::standardOutput, std::move(output.reading)});
-    if (isSeparate)
-        _pipes.push_back({Stream::standardError, std::move(error.reading)});
+        isErrorOurs ? STDERR_FILENO : output.writing.number());
+    _output = std::move(output.reading);
     _exited = FileDescriptor(SpawnPlan::openProcess(_pid));
     if (!_exited) {
         const int reason = errno;
@@ -99,79 +95,61 @@ void Task::_spawn(int standardInput, int standardOutput, int standardError)
 }
 
 void Task::readUntilExit(const ChunkHandler& onChunk)
-try {
-    std::string buffer(chunkSize, '\0');
-    std::vector<pollfd> watched(_pipes.size() + 1, {.fd = -1, .events = POLLIN, .revents = 0});
-    pollfd& exited = watched.back();
-    exited.fd = _exited.number();
-    while (exited.revents == 0) {
-        for (std::size_t index = 0; index < _pipes.size(); ++index) {
-            watched[index].fd
-                = _pipes[index].readingEnd.number(); // -1, which is skipped, at its end
-            watched[index].revents = 0;
-        }
-        retryOnInterrupt([&] { return ::poll(watched.data(), watched.size(), -1); });
-        for (std::size_t index = 0; index < _pipes.size(); ++index)
-            if (watched[index].revents != 0 && exited.revents == 0)
-                _readChunk(_pipes[index], chunkSize, onChunk, buffer);
-    }
-    for (Pipe& pipe : _pipes)
-        _drain(pipe, onChunk, buffer);
-    _reap();
-} catch (...) {
-    _stop();
-    throw;
+{
+    _read(_exited.number(), onChunk);
 }
 
 void Task::readToEndOfOutput(const ChunkHandler& onChunk)
+{
+    _read(-1, onChunk);
+}
+
+// Until the process has ended that the descriptor stands for; without one, until the output has.
+void Task::_read(int exitDescriptor, const ChunkHandler& onChunk)
 try {
-    std::string buffer(chunkSize, '\0');
-    std::vector<pollfd> watched(_pipes.size(), {.fd = -1, .events = POLLIN, .revents = 0});
-    const auto isOpen = [](const Pipe& pipe) { return static_cast<bool>(pipe.readingEnd); };
-    while (std::any_of(_pipes.begin(), _pipes.end(), isOpen)) {
-        for (std::size_t index = 0; index < _pipes.size(); ++index) {
-            watched[index].fd = _pipes[index].readingEnd.number();
-            watched[index].revents = 0;
-        }
-        retryOnInterrupt([&] { return ::poll(watched.data(), watched.size(), -1); });
-        for (std::size_t index = 0; index < _pipes.size(); ++index)
-            if (watched[index].revents != 0)
-                _readChunk(_pipes[index], chunkSize, onChunk, buffer);
+    std::vector<char> buffer(chunkSize);
+    pollfd watched[] = {{.fd = -1, .events = POLLIN, .revents = 0},
+        {.fd = exitDescriptor, .events = POLLIN, .revents = 0}};
+    auto& [output, exited] = watched;
+    while (exited.revents == 0 && (_output || exitDescriptor >= 0)) {
+        output.fd = _output.number(); // -1, which is skipped, at its end
+        retryOnInterrupt([&] { return ::poll(watched, std::size(watched), -1); });
+        if (output.revents != 0 && exited.revents == 0)
+            _readChunk(buffer, onChunk);
     }
+    _drain(buffer, onChunk);
     _reap();
 } catch (...) {
     _stop();
     throw;
 }
 
-// Reads at most `limit` bytes, waiting for the first, and closes the pipe at its end.
-void Task::_readChunk(
-    Pipe& pipe, std::size_t limit, const ChunkHandler& onChunk, std::string& buffer)
+// Fills at most the buffer, waiting for the first byte, and closes the pipe at its end.
+void Task::_readChunk(std::span<char> buffer, const ChunkHandler& onChunk)
 {
-    const ssize_t count = retryOnInterrupt([&] {
-        return ::read(pipe.readingEnd.number(), buffer.data(), std::min(limit, chunkSize));
-    });
+    const ssize_t count
+        = retryOnInterrupt([&] { return ::read(_output.number(), buffer.data(), buffer.size()); });
     if (count > 0)
-        onChunk(pipe.stream, {buffer.data(), static_cast<std::size_t>(count)});
+        onChunk({buffer.data(), static_cast<std::size_t>(count)});
     else
-        pipe.readingEnd.close();
+        _output.close();
 }
 
 // Reads what the child wrote before it ended, and not until the end of the pipe: a process that it
 // left behind may keep that open, and even write to it, for ever.
-void Task::_drain(Pipe& pipe, const ChunkHandler& onChunk, std::string& buffer)
+void Task::_drain(std::span<char> buffer, const ChunkHandler& onChunk)
 {
     int available = 0;
-    if (!pipe.readingEnd || ::ioctl(pipe.readingEnd.number(), FIONREAD, &available) != 0)
+    if (!_output || ::ioctl(_output.number(), FIONREAD, &available) != 0)
         return;
     auto left = static_cast<std::size_t>(available);
-    const auto countDown = [&](Stream stream, std::string_view bytes) {
+    const auto countDown = [&](std::string_view bytes) {
         left -= bytes.size();
-        onChunk(stream, bytes);
+        onChunk(bytes);
     };
-    while (left > 0 && pipe.readingEnd)
-        _readChunk(pipe, left, countDown, buffer);
-    pipe.readingEnd.close();
+    while (left > 0 && _output)
+        _readChunk(buffer.first(std::min(left, buffer.size())), countDown);
+    _output.close();
 }
 
 bool Task::isRunning() const
@@ -229,7 +207,7 @@ void Task::_stop()
 {
     if (!isRunning())
         return;
-    _pipes.clear(); // it may be waiting for someone to read
+    _output.close(); // it may be waiting for someone to read
     interrupt();
     pollfd exited{.fd = _exited.number(), .events = POLLIN, .revents = 0};
     const auto wait = static_cast<int>(gracePeriod.count());

@@ -11,6 +11,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -31,11 +32,9 @@ public:
     enum class Input { null, emptyPipe };
     enum class Output {
         combined, // both streams through one pipe
-        separate,
         standardErrorIsOurs, // only standard output is read, the other goes where ours does
     };
-    enum class Stream { standardOutput, standardError };
-    using ChunkHandler = std::function<void(Stream stream, std::string_view bytes)>;
+    using ChunkHandler = std::function<void(std::string_view bytes)>;
 
     struct Setup {
         std::filesystem::path launchPath;
@@ -81,21 +80,16 @@ public:
     [[nodiscard]] int terminationStatus() const;
 
 private:
-    struct Pipe {
-        Stream stream = Stream::standardOutput;
-        FileDescriptor readingEnd;
-    };
-
     void _spawn(int standardInput, int standardOutput, int standardError);
-    void _readChunk(
-        Pipe& pipe, std::size_t limit, const ChunkHandler& onChunk, std::string& buffer);
-    void _drain(Pipe& pipe, const ChunkHandler& onChunk, std::string& buffer);
+    void _read(int exitDescriptor, const ChunkHandler& onChunk);
+    void _readChunk(std::span<char> buffer, const ChunkHandler& onChunk);
+    void _drain(std::span<char> buffer, const ChunkHandler& onChunk);
     void _signal(int number);
     void _reap();
     void _stop();
 
     Setup _setup;
-    std::vector<Pipe> _pipes;
+    FileDescriptor _output; // until its end
     FileDescriptor _exited; // a pidfd: readable when the child has ended
 
     mutable std::mutex _mutex; // protects the rest: no signal may follow the reaping

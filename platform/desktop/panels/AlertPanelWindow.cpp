@@ -1,10 +1,10 @@
 #include "platform/desktop/panels/AlertPanelWindow.h"
 
+#include "platform/desktop/panels/PlainLabel.h"
 #include "platform/desktop/panels/Tag.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QStyle>
@@ -18,12 +18,9 @@ namespace
 // A line that people read without losing their place.
 constexpr int messageWidthInCharacters = 52;
 
-QLabel* plainLabel(const std::string& text, const char* objectName, QWidget* parent)
+QLabel* readableLabel(const std::string& text, const QString& objectName, QWidget* parent)
 {
-    auto* label = new QLabel(QString::fromStdString(text), parent);
-    label->setObjectName(QLatin1String(objectName));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
+    QLabel* label = PlainLabel::make(QString::fromStdString(text), objectName, parent);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setMinimumWidth(label->fontMetrics().averageCharWidth() * messageWidthInCharacters);
     return label;
@@ -53,11 +50,9 @@ AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* pare
     icon->setPixmap(
         (image.isNull() ? style()->standardIcon(QStyle::SP_MessageBoxInformation) : image)
             .pixmap(size, size));
-    QLabel* title = plainLabel(alert.title, "alertTitle", this);
-    QFont bold = title->font();
-    bold.setBold(true);
-    title->setFont(bold);
-    QLabel* message = plainLabel(alert.message, "alertMessage", this);
+    QLabel* title = readableLabel(alert.title, QStringLiteral("alertTitle"), this);
+    PlainLabel::setBold(title);
+    QLabel* message = readableLabel(alert.message, QStringLiteral("alertMessage"), this);
     setAccessibleDescription(message->text());
 
     auto* texts = new QVBoxLayout;

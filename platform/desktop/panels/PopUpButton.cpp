@@ -44,7 +44,7 @@ void PopUpButton::addItemWithTitle(const QString& title)
     const auto same
         = std::ranges::find(_rows, title, [](const Row& row) { return row.item.title; });
     if (same != _rows.end())
-        _removeRow(static_cast<int>(same - _rows.begin()));
+        removeItemAtIndex(static_cast<int>(same - _rows.begin()));
 
     auto* action = new QAction(withoutMnemonic(title), this);
     connect(action, &QAction::triggered, this, [this, action] { _choose(action); });
@@ -53,15 +53,10 @@ void PopUpButton::addItemWithTitle(const QString& title)
     addAction(action);
     _rows.push_back({.item = {.title = title}, .action = action});
     if (_selected < 0)
-        selectItemAtIndex(0);
+        _select(0);
 }
 
 void PopUpButton::removeItemAtIndex(int index)
-{
-    _removeRow(index);
-}
-
-void PopUpButton::_removeRow(int index)
 {
     // Deleted later: it may be the very action that leads here.
     QAction* action = _rows[index].action;
@@ -114,10 +109,10 @@ void PopUpButton::selectItemWithTag(int tag)
 {
     const auto found = std::ranges::find(_rows, tag, [](const Row& row) { return row.item.tag; });
     if (found != _rows.end())
-        selectItemAtIndex(static_cast<int>(found - _rows.begin()));
+        _select(static_cast<int>(found - _rows.begin()));
 }
 
-void PopUpButton::selectItemAtIndex(int index)
+void PopUpButton::_select(int index)
 {
     _selected = index;
     setAccessibleDescription(_rows.at(index).item.title);
@@ -130,7 +125,7 @@ void PopUpButton::_choose(const QAction* action)
     if (found == _rows.end() || !_isEnabled(found->item))
         return;
     if (found->item.action.isEmpty()) {
-        selectItemAtIndex(static_cast<int>(found - _rows.begin()));
+        _select(static_cast<int>(found - _rows.begin()));
         Q_EMIT selectedTagChanged(selectedTag());
         return;
     }
@@ -161,25 +156,28 @@ void PopUpButton::sizeToFit()
     adjustSize();
 }
 
-QSize PopUpButton::sizeHint() const
+QSize PopUpButton::_sizeFor(int titleWidth) const
 {
     const int unit = fontMetrics().averageCharWidth();
-    int width = narrowestInCharacters * unit;
-    for (const Row& row : _rows)
-        width = std::max(width, fontMetrics().horizontalAdvance(row.item.title));
+    const QSize contents(
+        std::clamp(titleWidth, narrowestInCharacters * unit, widestInCharacters * unit),
+        fontMetrics().height());
     QStyleOptionComboBox option;
     option.initFrom(this);
-    const QSize contents(std::min(width, widestInCharacters * unit), fontMetrics().height());
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
+}
+
+QSize PopUpButton::sizeHint() const
+{
+    int widest = 0;
+    for (const Row& row : _rows)
+        widest = std::max(widest, fontMetrics().horizontalAdvance(row.item.title));
+    return _sizeFor(widest);
 }
 
 QSize PopUpButton::minimumSizeHint() const
 {
-    QStyleOptionComboBox option;
-    option.initFrom(this);
-    const QSize contents(
-        narrowestInCharacters * fontMetrics().averageCharWidth(), fontMetrics().height());
-    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
+    return _sizeFor(0);
 }
 
 void PopUpButton::paintEvent(QPaintEvent* /*event*/)

@@ -46,7 +46,6 @@ public:
     // When set, the items' targets are asked each time before the menu opens and before a key
     // equivalent is obeyed. An item whose target does not validate is always enabled.
     void setAutoenablesItems(bool flag) { _autoenablesItems = flag; }
-    [[nodiscard]] bool autoenablesItems() const { return _autoenablesItems; }
 
     // Appends an item without a target; one that has the title already is replaced by it.
     void addItemWithTitle(const QString& title);
@@ -62,11 +61,9 @@ public:
 
     // The tag of the selected item; -1 when nothing is selected.
     [[nodiscard]] int selectedTag() const;
-    [[nodiscard]] int indexOfSelectedItem() const { return _selected; }
 
     // Selects the first such item; without one, the selection stays.
     void selectItemWithTag(int tag);
-    void selectItemAtIndex(int index);
 
     // Takes the width that the widest item needs.
     void sizeToFit();
@@ -88,9 +85,10 @@ private:
     };
 
     [[nodiscard]] bool _isEnabled(const PopUpMenuItem& item) const;
+    [[nodiscard]] QSize _sizeFor(int titleWidth) const;
     void _validate();
+    void _select(int index);
     void _choose(const QAction* action);
-    void _removeRow(int index);
 
     std::vector<Row> _rows;
     QActionGroup* _group; // one item is checked

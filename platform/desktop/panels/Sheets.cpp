@@ -1,8 +1,11 @@
 #include "platform/desktop/panels/Sheets.h"
 
 #include <QDialog>
+#include <QEvent>
+#include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -13,11 +16,56 @@ void attach(QDialog* sheet, QWidget* onWindow)
     if (sheet->parentWidget() != onWindow || sheet->windowType() != Qt::Sheet)
         sheet->setParent(onWindow, flags);
     sheet->setWindowModality(Qt::WindowModal);
-    if (sheet->windowTitle().isEmpty())
+    if (sheet->windowTitle().isEmpty() && onWindow)
         sheet->setWindowTitle(onWindow->windowTitle()); // screen readers begin with it
 }
 
+// Waits for a sheet to go, and looks again: another may have come.
+class SheetWatch : public QObject
+{
+public:
+    SheetWatch(QWidget* window, QObject* context, std::function<void()> block)
+        : QObject(context)
+        , _window(window)
+        , _block(std::move(block))
+    {
+        _look();
+    }
+
+protected:
+    bool eventFilter(QObject* sheet, QEvent* event) override
+    {
+        if (event->type() == QEvent::Hide) {
+            sheet->removeEventFilter(this);
+            QMetaObject::invokeMethod(
+                this, [this] { _look(); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    void _look()
+    {
+        QDialog* sheet = _window ? Sheets::attachedSheet(_window) : nullptr;
+        if (sheet != nullptr) {
+            sheet->installEventFilter(this);
+            return;
+        }
+        deleteLater();
+        if (_window)
+            _block();
+    }
+
+    QPointer<QWidget> _window;
+    std::function<void()> _block;
+};
+
 } // namespace
+
+void Sheets::whenNoneIsUp(QWidget* onWindow, QObject* context, std::function<void()> block)
+{
+    new SheetWatch(onWindow, context, std::move(block)); // deletes itself
+}
 
 void Sheets::begin(QDialog* sheet, QWidget* onWindow)
 {

@@ -1,14 +1,17 @@
 // Sheets: dialogs that belong to one window and keep it from input while they are up.
 #pragma once
 
+#include <functional>
+
 class QDialog;
+class QObject;
 class QWidget;
 
 namespace Sheets
 {
 
-// Shows the dialog as a sheet on the window and returns at once. The sheet becomes the window's
-// child, but stays the caller's to delete.
+// Shows the dialog as a sheet on the window, or without one as a window of its own, and returns at
+// once. The sheet becomes the window's child, but stays the caller's to delete.
 void begin(QDialog* sheet, QWidget* onWindow);
 
 // The same, then serves events until the sheet is done; the result is what done() was given, 0 when
@@ -17,5 +20,9 @@ int runModal(QDialog* sheet, QWidget* onWindow);
 
 // The sheet that is up on the window; nothing when there is none.
 [[nodiscard]] QDialog* attachedSheet(const QWidget* window);
+
+// Calls the block once the sheet that is up has gone and no other is there; not without the
+// context.
+void whenNoneIsUp(QWidget* onWindow, QObject* context, std::function<void()> block);
 
 } // namespace Sheets

@@ -1,10 +1,16 @@
 #include "platform/desktop/services/DefaultApplication.h"
 
-#include <QProcess>
-#include <QTimer>
+#include "platform/desktop/services/ProgramLauncher.h"
+#include "system/FileBytes.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <memory>
+#include <span>
 #include <utility>
+
+#include <sys/mman.h>
 
 namespace
 {
@@ -12,48 +18,26 @@ namespace
 // It takes some tenths of a second; on a desktop that it asks by D-Bus, as long as that hangs.
 constexpr std::chrono::seconds longestWait{5};
 
-// One run of xdg-mime. Goes when it has told.
-class Query : public QObject
+QString firstLineOf(const FileDescriptor& file)
 {
-public:
-    Query(const QString& type, QObject* context, std::function<void(const QString&)> then)
-        : QObject(context)
-        , _then(std::move(then))
-    {
-        const auto finish = [this] { _finish(); };
-        connect(&_process, &QProcess::finished, this, finish);
-        connect(&_process, &QProcess::errorOccurred, this, finish, Qt::QueuedConnection);
-        QTimer::singleShot(longestWait, this, finish);
-        _process.setStandardInputFile(QProcess::nullDevice());
-        _process.setStandardErrorFile(QProcess::nullDevice());
-        _process.start(QStringLiteral("xdg-mime"),
-            {QStringLiteral("query"), QStringLiteral("default"), type}, QIODevice::ReadOnly);
-    }
-
-    ~Query() override
-    {
-        _process.disconnect(this);
-        _process.kill();
-        _process.waitForFinished(); // which is at once, then
-    }
-
-private:
-    void _finish()
-    {
-        if (!_then)
-            return;
-        deleteLater();
-        std::exchange(_then, nullptr)(QString::fromUtf8(_process.readLine()).trimmed());
-    }
-
-    QProcess _process;
-    std::function<void(const QString&)> _then;
-};
+    std::array<char, 4096> bytes{}; // a desktop id is a file's name
+    const auto size
+        = FileBytes::readFullyAt(file.number(), 0, std::as_writable_bytes(std::span(bytes)));
+    const auto text = QByteArray(bytes.data(), std::max<qsizetype>(size, 0));
+    return QString::fromUtf8(text.split('\n').first()).trimmed();
+}
 
 } // namespace
 
 void DefaultApplication::query(
     const QString& type, QObject* context, std::function<void(const QString& id)> then)
 {
-    new Query(type, context, std::move(then));
+    // A file in memory: it takes what xdg-mime writes without anybody reading meanwhile.
+    const auto output = std::make_shared<FileDescriptor>(::memfd_create("xdg-mime", MFD_CLOEXEC));
+    ProgramLauncher::launch(
+        {.program = "xdg-mime",
+            .arguments = {"query", "default", type.toStdString()},
+            .output = output->number()},
+        context, [output, then = std::move(then)](bool) { then(firstLineOf(*output)); },
+        longestWait);
 }

@@ -2,7 +2,8 @@
 
 #include "platform/base/bundle/Bundle.h"
 #include "platform/desktop/services/DesktopEntry.h"
-#include "system/FileDescriptor.h"
+#include "system/FileBytes.h"
+#include "system/PartFile.h"
 #include "system/PathString.h"
 
 #include <algorithm>
@@ -10,15 +11,12 @@
 #include <map>
 #include <optional>
 
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace
 {
-
-using FileStatus = struct stat; // a name of its own, beside the function
 
 constexpr std::string_view extension = ".desktop";
 constexpr const char* hideKey = "X-Parcelo-Hide"; // for us alone: see Record::hide
@@ -28,8 +26,7 @@ struct Item {
     std::string fileName;
     DesktopEntry entry;
     fs::path program; // empty when Exec cannot be read
-    bool isUsers; // there is a file of the user's
-    bool isSystems; // there is one of the system's
+    bool isSystems; // there is a file of the system's
 };
 
 // The parts of a variable with paths between colons. Relative ones do not count in XDG variables.
@@ -54,39 +51,6 @@ fs::path userFolder()
     return folder.is_absolute() ? folder / "autostart" : fs::path();
 }
 
-// The whole of a regular file; a pipe in the folder must not hold us up.
-std::optional<std::string> contentOf(const fs::path& file)
-{
-    const FileDescriptor opened(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    FileStatus status{};
-    if (!opened || ::fstat(opened.number(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    std::string content(largestEntryInBytes, '\0');
-    std::size_t length = 0;
-    ssize_t count = 1;
-    while (count > 0 && length < content.size()) {
-        count = retryOnInterrupt([&] {
-            return ::read(opened.number(), content.data() + length, content.size() - length);
-        });
-        length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-    }
-    content.resize(length);
-    return count == 0 ? std::optional(content) : std::nullopt;
-}
-
-bool write(int file, std::string_view content)
-{
-    while (!content.empty()) {
-        const ssize_t count
-            = retryOnInterrupt([&] { return ::write(file, content.data(), content.size()); });
-        if (count < 0)
-            return false;
-        content.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
-// Under a name that no desktop reads until it is complete.
 bool writeEntry(const std::string& fileName, const DesktopEntry& entry)
 {
     const fs::path folder = userFolder();
@@ -95,16 +59,9 @@ bool writeEntry(const std::string& fileName, const DesktopEntry& entry)
         return false;
     if (fs::create_directories(folder, failure))
         fs::permissions(folder, fs::perms::owner_all, failure); // as the base directories are made
-    std::string hidden = folder / ("." + fileName + "-XXXXXX");
-    const FileDescriptor file(::mkostemp(hidden.data(), O_CLOEXEC));
-    if (!file)
-        return false;
-    const bool isWritten = write(file.number(), entry.text()) && ::fchmod(file.number(), 0644) == 0
-        && ::fsync(file.number()) == 0
-        && ::rename(hidden.c_str(), (folder / fileName).c_str()) == 0;
-    if (!isWritten)
-        ::unlink(hidden.c_str());
-    return isWritten;
+    PartFile file(folder / fileName, 0644);
+    return file && FileBytes::writeAll(file.descriptor(), entry.text())
+        && !file.commitDurably(PartFile::Existing::replace);
 }
 
 bool isProgram(const fs::path& path)
@@ -133,36 +90,33 @@ fs::path programOf(const DesktopEntry& entry)
     return found.empty() ? fs::path(arguments->front()) : found;
 }
 
+void addItemsIn(const fs::path& folder, bool isUsers, std::map<std::string, Item>& items)
+{
+    std::error_code unreadable;
+    for (fs::directory_iterator at(folder, unreadable); !unreadable && at != end(at);
+         at.increment(unreadable)) {
+        const std::string name = at->path().filename();
+        if (!name.ends_with(extension) || name.front() == '.')
+            continue;
+        if (const auto known = items.find(name); known != items.end()) {
+            known->second.isSystems = true;
+            continue;
+        }
+        const auto content = FileBytes::readWhole(at->path(), largestEntryInBytes);
+        // An unreadable file hides those of its name as any other does, but it is no item.
+        const auto entry = DesktopEntry::read(content.value_or(""));
+        const fs::path program = entry ? programOf(*entry) : fs::path();
+        items.emplace(name, Item{name, entry.value_or(DesktopEntry()), program, !isUsers});
+    }
+}
+
 // What the folders hold, by the names of the files; the user's file stands for the system's.
 std::map<std::string, Item> allItems()
 {
     std::map<std::string, Item> items;
-    const fs::path users = userFolder();
-    std::vector<fs::path> folders = foldersIn("XDG_CONFIG_DIRS", "/etc/xdg");
-    for (fs::path& folder : folders)
-        folder /= "autostart";
-    if (!users.empty())
-        folders.insert(folders.begin(), users);
-    for (const fs::path& folder : folders) {
-        std::error_code unreadable;
-        for (fs::directory_iterator at(folder, unreadable); !unreadable && at != end(at);
-             at.increment(unreadable)) {
-            const std::string name = at->path().filename();
-            if (!name.ends_with(extension) || name.front() == '.')
-                continue;
-            if (const auto known = items.find(name); known != items.end()) {
-                known->second.isSystems = true;
-                continue;
-            }
-            const auto content = contentOf(at->path());
-            // An unreadable file hides those of its name as any other does, but it is no item.
-            auto entry = DesktopEntry::read(content.value_or(""));
-            const bool isUsers = folder == users;
-            const fs::path program = entry ? programOf(*entry) : fs::path();
-            items.emplace(
-                name, Item{name, entry.value_or(DesktopEntry()), program, isUsers, !isUsers});
-        }
-    }
+    addItemsIn(userFolder(), true, items);
+    for (const fs::path& folder : foldersIn("XDG_CONFIG_DIRS", "/etc/xdg"))
+        addItemsIn(folder / "autostart", false, items);
     return items;
 }
 

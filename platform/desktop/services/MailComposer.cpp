@@ -3,16 +3,15 @@
 #include "platform/desktop/services/DefaultApplication.h"
 #include "platform/desktop/services/PortalRequest.h"
 #include "platform/desktop/services/ProgramLauncher.h"
+#include "platform/desktop/services/SharedService.h"
 #include "platform/desktop/services/UriList.h"
 
-#include <QCoreApplication>
 #include <QDBusMetaType>
 #include <QDBusUnixFileDescriptor>
 #include <QList>
 #include <QTimer>
 
 #include <algorithm>
-#include <atomic>
 
 #include <fcntl.h>
 
@@ -64,8 +63,6 @@ constexpr QLatin1String browsers[] = {
     QLatin1String("vivaldi"),
     QLatin1String("waterfox"),
 };
-
-std::atomic<MailComposer*> standInComposer = nullptr;
 
 DetachedProcess::Setup commandFor(const MailProgram& mail, const fs::path& attachment)
 {
@@ -198,18 +195,12 @@ private:
 
 MailComposer& MailComposer::sharedComposer()
 {
-    static MailComposer* const desktop = [] {
-        auto* composer = new MailComposer; // kept until the process ends
-        composer->moveToThread(QCoreApplication::instance()->thread());
-        return composer;
-    }();
-    MailComposer* const standIn = standInComposer;
-    return standIn ? *standIn : *desktop;
+    return SharedService<MailComposer>::get();
 }
 
 void MailComposer::setSharedComposer(MailComposer* standIn)
 {
-    standInComposer = standIn;
+    SharedService<MailComposer>::set(standIn);
 }
 
 bool MailComposer::composeMessage(const fs::path& attachment)

@@ -20,15 +20,12 @@ using Clock = std::chrono::steady_clock;
 // the time has come.
 void runAt(Clock::time_point time, MainQueue::Block block)
 {
-    constexpr auto longest = 24h;
+    constexpr std::chrono::milliseconds longest = 24h;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now());
-    QTimer::singleShot(std::clamp<std::chrono::milliseconds>(left, 0ms, longest), Qt::PreciseTimer,
-        QCoreApplication::instance(), [time, block = std::move(block)]() mutable {
-            if (Clock::now() < time)
-                runAt(time, std::move(block));
-            else
-                block();
-        });
+    if (left <= 0ms)
+        return block();
+    QTimer::singleShot(std::min(left, longest), Qt::PreciseTimer, QCoreApplication::instance(),
+        [time, block = std::move(block)]() mutable { runAt(time, std::move(block)); });
 }
 
 Clock::time_point timeAfter(std::chrono::nanoseconds delay)

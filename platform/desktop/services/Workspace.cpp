@@ -5,16 +5,15 @@
 #include "platform/desktop/services/DefaultApplication.h"
 #include "platform/desktop/services/PortalRequest.h"
 #include "platform/desktop/services/ProgramLauncher.h"
+#include "platform/desktop/services/SharedService.h"
 #include "platform/desktop/services/UriList.h"
 
-#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
 #include <QTimer>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 
 #include <fcntl.h>
@@ -40,8 +39,6 @@ constexpr FileManager fileManagers[] = {
     {QLatin1String("nemo"), "nemo", nullptr, Shown::file},
     {QLatin1String("thunar"), "thunar", nullptr, Shown::folder}, // it would open the file itself
 };
-
-std::atomic<Workspace*> standInWorkspace = nullptr;
 
 // Shows one file by the first means that works, from the one that selects it to the one that just
 // opens its folder, and goes then.
@@ -136,18 +133,12 @@ private:
 
 Workspace& Workspace::sharedWorkspace()
 {
-    static Workspace* const desktop = [] {
-        auto* workspace = new Workspace; // kept until the process ends
-        workspace->moveToThread(QCoreApplication::instance()->thread());
-        return workspace;
-    }();
-    Workspace* const standIn = standInWorkspace;
-    return standIn ? *standIn : *desktop;
+    return SharedService<Workspace>::get();
 }
 
 void Workspace::setSharedWorkspace(Workspace* standIn)
 {
-    standInWorkspace = standIn;
+    SharedService<Workspace>::set(standIn);
 }
 
 bool Workspace::openURL(const QUrl& url)

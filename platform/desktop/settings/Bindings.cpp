@@ -1,89 +1,51 @@
 #include "platform/desktop/settings/Bindings.h"
 
 #include "platform/desktop/settings/ControlValue.h"
-#include "platform/desktop/settings/PropertyObserver.h"
-
-#include <QMetaProperty>
-
-#include <array>
-#include <functional>
-#include <utility>
 
 namespace
 {
 
-// What follows the controller's property, given the bound object and that property.
-using Binder = bool (*)(QObject* object, QObject* controller, const QMetaProperty& property);
-
-void follow(QObject* controller, const QMetaProperty& property, QObject* object,
-    const std::function<void(const QVariant&)>& show)
+void bindValue(QWidget* control, QObject* controller, const QMetaProperty& property)
 {
-    PropertyObserver::observe(controller, property, object,
-        [controller, property, show] { show(property.read(controller)); });
-    show(property.read(controller));
-}
-
-bool bindValue(QObject* object, QObject* controller, const QMetaProperty& property)
-{
-    auto* control = qobject_cast<QWidget*>(object);
-    if (!control || !ControlValue::propertyOf(control).isValid())
-        return false;
-    follow(controller, property, control,
-        [control](const QVariant& value) { ControlValue::setValue(control, value); });
+    const auto show = [=] { ControlValue::setValue(control, property.read(controller)); };
+    ControlValue::onChange(controller, property, control, show);
+    show();
     if (!property.isWritable())
-        return true;
+        return;
     // The controller may make something else of the value, which the control shows then.
-    ControlValue::onChange(control, controller, [=](const QVariant& value) {
+    ControlValue::onChange(control, ControlValue::propertyOf(control), controller, [=] {
+        const QVariant value = ControlValue::valueOf(control);
         if (property.read(controller) != value)
             property.write(controller, value);
-        ControlValue::setValue(control, property.read(controller));
+        show();
     });
-    return true;
 }
 
-template <const char* own>
-bool bindState(QObject* object, QObject* controller, const QMetaProperty& property)
+void bindEnabled(QObject* object, QObject* controller, const QMetaProperty& property)
 {
-    if (object->metaObject()->indexOfProperty(own) < 0)
-        return false;
-    follow(controller, property, object,
-        [object](const QVariant& value) { object->setProperty(own, value.toBool()); });
-    return true;
+    const auto show = [=] { object->setProperty("enabled", property.read(controller)); };
+    ControlValue::onChange(controller, property, object, show);
+    show();
 }
 
-constexpr char enabled[] = "enabled";
-constexpr char visible[] = "visible";
-
-struct Kind {
-    const char* name; // of the dynamic property
-    Binder bind;
-};
-constexpr std::array kinds{Kind{"boundTo", bindValue}, Kind{"enabledBy", bindState<enabled>},
-    Kind{"visibleBy", bindState<visible>}};
+// The controller's property that the object names; not valid when it names none.
+QMetaProperty propertyNamed(const QObject* object, const char* kind, const QObject* controller)
+{
+    const QByteArray name = object->property(kind).toByteArray();
+    const QMetaObject* type = controller->metaObject();
+    const QMetaProperty property = type->property(type->indexOfProperty(name.constData()));
+    Q_ASSERT_X(name.isEmpty() || property.isValid(), kind, name.constData());
+    return property;
+}
 
 } // namespace
 
-QStringList Bindings::bind(QWidget* root, QObject* controller)
-{
-    QStringList unbound;
-    QList<QObject*> objects = root->findChildren<QObject*>();
-    objects.prepend(root);
-    const QMetaObject* type = controller->metaObject();
-    for (QObject* object : std::as_const(objects)) {
-        for (const Kind& kind : kinds) {
-            const QString name = object->property(kind.name).toString();
-            if (name.isEmpty())
-                continue;
-            const auto property = type->property(type->indexOfProperty(name.toUtf8().constData()));
-            if (!property.isValid() || !kind.bind(object, controller, property))
-                unbound.append(object->objectName() + QStringLiteral(": ") + name);
-        }
-    }
-    return unbound;
-}
-
 void Bindings::bindAll(QWidget* root, QObject* controller)
 {
-    [[maybe_unused]] const QStringList unbound = bind(root, controller);
-    Q_ASSERT_X(unbound.isEmpty(), "bindAll", qPrintable(unbound.join(u'\n')));
+    for (QWidget* control : root->findChildren<QWidget*>())
+        if (const auto value = propertyNamed(control, "boundTo", controller); value.isValid())
+            bindValue(control, controller, value);
+    for (QObject* object : root->findChildren<QObject*>())
+        if (const auto state = propertyNamed(object, "enabledBy", controller); state.isValid())
+            bindEnabled(object, controller, state);
 }

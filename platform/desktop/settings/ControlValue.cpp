@@ -1,7 +1,5 @@
 #include "platform/desktop/settings/ControlValue.h"
 
-#include "platform/desktop/settings/PropertyObserver.h"
-
 #include <QComboBox>
 #include <QLabel>
 
@@ -10,13 +8,23 @@
 namespace
 {
 
-bool haveData(const QComboBox* box)
+// What a signal that is known only by name can be connected to.
+class Observer : public QObject
 {
-    for (int index = 0; index < box->count(); ++index)
-        if (box->itemData(index).isValid())
-            return true;
-    return false;
-}
+    Q_OBJECT
+
+public:
+    Observer(QObject* context, std::function<void()> function)
+        : QObject(context)
+        , _function(std::move(function))
+    {
+    }
+
+    Q_SLOT void notice() { _function(); }
+
+private:
+    const std::function<void()> _function;
+};
 
 } // namespace
 
@@ -33,22 +41,29 @@ QMetaProperty ControlValue::propertyOf(const QWidget* control)
 QVariant ControlValue::valueOf(const QWidget* control)
 {
     const auto* box = qobject_cast<const QComboBox*>(control);
-    return box && haveData(box) ? box->currentData() : propertyOf(control).read(control);
+    return box ? box->currentData() : propertyOf(control).read(control);
 }
 
 void ControlValue::setValue(QWidget* control, const QVariant& value)
 {
     const auto* box = qobject_cast<const QComboBox*>(control);
-    QVariant shown = box && haveData(box) ? QVariant(box->findData(value)) : value;
+    QVariant shown = box ? QVariant(box->findData(value)) : value;
     const QMetaProperty property = propertyOf(control);
     shown.convert(property.metaType());
     if (property.read(control) != shown)
         property.write(control, shown);
 }
 
-bool ControlValue::onChange(
-    QWidget* control, QObject* context, std::function<void(const QVariant&)> function)
+void ControlValue::onChange(QObject* object, const QMetaProperty& property, QObject* context,
+    std::function<void()> function)
 {
-    return PropertyObserver::observe(control, propertyOf(control), context,
-        [control, function = std::move(function)] { function(valueOf(control)); });
+    if (!property.hasNotifySignal())
+        return;
+    auto* observer = new Observer(context, std::move(function));
+    const QMetaObject& type = Observer::staticMetaObject;
+    QObject::connect(
+        object, property.notifySignal(), observer, type.method(type.indexOfSlot("notice()")));
+    QObject::connect(object, &QObject::destroyed, observer, &QObject::deleteLater);
 }
+
+#include "ControlValue.moc"

@@ -1,6 +1,5 @@
 // The one value that a control of any kind shows and lets the user change: whether it is checked,
-// its number, its text. A combo box has the data of its current item, or the index where items have
-// no data. Labels show a text.
+// its number, its text. A combo box has the data of its current item. Labels show a text.
 #pragma once
 
 #include <QMetaProperty>
@@ -20,8 +19,9 @@ namespace ControlValue
 // Does nothing when the control shows the value already: the cursor of a text stays where it is.
 void setValue(QWidget* control, const QVariant& value);
 
-// Calls the function with each new value until the context is gone. False for what users cannot
-// change.
-bool onChange(QWidget* control, QObject* context, std::function<void(const QVariant&)> function);
+// Calls the function each time the property, which is known only by name, tells of a change, as
+// long as both objects live. Nothing for a property that never tells.
+void onChange(QObject* object, const QMetaProperty& property, QObject* context,
+    std::function<void()> function);
 
 } // namespace ControlValue

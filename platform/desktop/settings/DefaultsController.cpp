@@ -9,6 +9,11 @@
 namespace
 {
 
+QString keyOf(const QWidget* control)
+{
+    return control->property("defaultsKey").toString();
+}
+
 int intOf(qint64 number)
 {
     using Limits = std::numeric_limits<int>;
@@ -21,88 +26,55 @@ DefaultsController::DefaultsController(UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , _defaults(defaults)
 {
-    QObject::connect(&_defaults, &UserDefaults::didChange, this, &DefaultsController::_show);
+    connect(&_defaults, &UserDefaults::didChange, this, &DefaultsController::_show);
 }
 
-QStringList DefaultsController::bind(QWidget* root)
+void DefaultsController::bind(QWidget* root)
 {
-    QStringList unbound;
-    QList<QWidget*> controls = root->findChildren<QWidget*>();
-    controls.prepend(root);
-    for (QWidget* control : std::as_const(controls)) {
-        const QString key = control->property("defaultsKey").toString();
-        if (key.isEmpty())
+    for (QWidget* control : root->findChildren<QWidget*>()) {
+        if (keyOf(control).isEmpty())
             continue;
-        const bool isBound = ControlValue::onChange(control, this,
-            [this, key, control](const QVariant& value) { _edit(key, control, value); });
-        if (!isBound) {
-            unbound.append(control->objectName());
-            continue;
-        }
-        _controls[key].push_back(control);
-        QObject::connect(control, &QObject::destroyed, this,
-            [this, key, control] { std::erase(_controls[key], control); });
-        _show(key);
+        ControlValue::onChange(
+            control, ControlValue::propertyOf(control), this, [this, control] { _edit(control); });
+        _controls.emplace_back(control);
     }
-    return unbound;
-}
-
-void DefaultsController::setAppliesImmediately(bool appliesImmediately)
-{
-    _appliesImmediately = appliesImmediately;
-    if (_appliesImmediately)
-        save();
+    _show();
 }
 
 void DefaultsController::save()
 {
-    const QVariantMap edits = std::exchange(_edits, {});
-    for (auto edit = edits.begin(); edit != edits.end(); ++edit)
-        _defaults.setObject(edit.value(), edit.key());
+    _defaults.setObjects(std::exchange(_edits, {}));
 }
 
 void DefaultsController::revert()
 {
     _edits.clear();
-    for (const auto& [key, controls] : _controls)
-        _show(key);
+    _show();
 }
 
-// As the kind of value that the control has.
-QVariant DefaultsController::_storedValue(const QString& key, const QWidget* control) const
+QVariant DefaultsController::_storedValue(const QWidget* control) const
 {
-    switch (ControlValue::propertyOf(control).typeId()) {
-    case QMetaType::Bool:
-        return _defaults.boolForKey(key);
-    case QMetaType::Int:
-        return intOf(_defaults.integerForKey(key));
-    default:
-        return _defaults.stringForKey(key).value_or(QString());
-    }
+    if (ControlValue::propertyOf(control).typeId() == QMetaType::Bool)
+        return _defaults.boolForKey(keyOf(control));
+    return intOf(_defaults.integerForKey(keyOf(control)));
 }
 
-void DefaultsController::_edit(const QString& key, const QWidget* control, const QVariant& value)
+void DefaultsController::_edit(const QWidget* control)
 {
+    const QVariant value = ControlValue::valueOf(control);
     if (_isShowing)
         return;
-    if (_appliesImmediately) {
-        _defaults.setObject(value, key); // which shows it
-        return;
-    }
-    if (value == _storedValue(key, control))
-        _edits.remove(key);
+    if (value == _storedValue(control))
+        _edits.remove(keyOf(control));
     else
-        _edits.insert(key, value);
-    _show(key);
+        _edits.insert(keyOf(control), value);
 }
 
-void DefaultsController::_show(const QString& key)
+void DefaultsController::_show()
 {
-    const auto found = _controls.find(key);
-    if (found == _controls.end() || _isShowing)
-        return;
     _isShowing = true; // a control that cannot show a value must not store another one
-    for (QWidget* control : found->second)
-        ControlValue::setValue(control, _edits.value(key, _storedValue(key, control)));
+    for (QWidget* control : _controls)
+        if (control)
+            ControlValue::setValue(control, _edits.value(keyOf(control), _storedValue(control)));
     _isShowing = false;
 }

@@ -5,8 +5,8 @@
 
 #include "platform/desktop/settings/UserDefaults.h"
 
-#include "platform/base/bundle/TextNumber.h"
 #include "platform/desktop/services/PathText.h"
+#include "system/TextNumber.h"
 
 #include <QEvent>
 #include <QLocale>
@@ -15,6 +15,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 
@@ -47,29 +48,16 @@ bool isList(const QVariant& object)
     return object.typeId() == QMetaType::QVariantList || object.typeId() == QMetaType::QStringList;
 }
 
-bool isNumber(const QVariant& object)
+bool isBoolOrNumber(const QVariant& object)
 {
-    switch (object.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
+    constexpr std::array types{QMetaType::Bool, QMetaType::Int, QMetaType::UInt,
+        QMetaType::LongLong, QMetaType::ULongLong, QMetaType::Float, QMetaType::Double};
+    return std::ranges::find(types, object.typeId()) != types.end();
 }
 
 bool isReal(const QVariant& object)
 {
     return object.typeId() == QMetaType::Double || object.typeId() == QMetaType::Float;
-}
-
-bool isBoolOrNumber(const QVariant& object)
-{
-    return object.typeId() == QMetaType::Bool || isNumber(object);
 }
 
 // Exact, with a point in every language.
@@ -112,6 +100,7 @@ std::unique_ptr<UserDefaults>& standard()
 UserDefaults::UserDefaults(fs::path file)
     : _path(std::move(file))
     , _file(std::make_unique<SettingsFile>(PathText::textOf(_path), QSettings::IniFormat))
+    , _objects(_read())
 {
 }
 
@@ -135,12 +124,13 @@ void UserDefaults::setStandardUserDefaults(std::unique_ptr<UserDefaults> default
     standard() = std::move(defaults);
 }
 
-QVariantMap UserDefaults::_objects() const
+QVariantMap UserDefaults::_read() const
 {
     QVariantMap objects = _fallbacks;
     for (const QString& key : _file->allKeys())
-        if (!key.isEmpty()) // only a broken file has such
-            objects.insert(key, _objectForKey(key));
+        if (const QVariant stored = _file->value(key); stored.isValid())
+            objects.insert(key, objectOfStoredForm(stored));
+    objects.remove(QString()); // only a broken file has such a key
     return objects;
 }
 
@@ -148,9 +138,9 @@ QVariantMap UserDefaults::_objects() const
 template <typename Change> void UserDefaults::_change(Change change)
 {
     QMutexLocker lock(&_mutex);
-    const QVariantMap before = _objects();
     change();
-    const QVariantMap after = _objects();
+    const QVariantMap before = std::exchange(_objects, _read());
+    const QVariantMap after = _objects;
     lock.unlock();
 
     QVariantMap either = before;
@@ -173,16 +163,10 @@ void UserDefaults::registerDefaults(const QVariantMap& fallbacks)
     _change([&] { _fallbacks.insert(fallbacks); });
 }
 
-QVariant UserDefaults::_objectForKey(const QString& key) const
-{
-    const QVariant stored = _file->value(key);
-    return stored.isValid() ? objectOfStoredForm(stored) : _fallbacks.value(key);
-}
-
 QVariant UserDefaults::objectForKey(const QString& key) const
 {
     const QMutexLocker lock(&_mutex);
-    return _objectForKey(key);
+    return _objects.value(key);
 }
 
 std::optional<QString> UserDefaults::stringForKey(const QString& key) const
@@ -228,16 +212,21 @@ std::optional<QStringList> UserDefaults::stringArrayForKey(const QString& key) c
     return QVariant(*list).toStringList();
 }
 
-void UserDefaults::setObject(const QVariant& object, const QString& forKey)
+void UserDefaults::setObjects(const QVariantMap& objects)
 {
-    if (!object.isValid()) {
-        removeObjectForKey(forKey);
-        return;
-    }
     _change([&] {
-        _file->setValue(forKey, storedForm(object));
+        for (auto each = objects.begin(); each != objects.end(); ++each)
+            if (each.value().isValid())
+                _file->setValue(each.key(), storedForm(each.value()));
+            else
+                _file->remove(each.key());
         _write();
     });
+}
+
+void UserDefaults::setObject(const QVariant& object, const QString& forKey)
+{
+    setObjects({{forKey, object}});
 }
 
 void UserDefaults::setBool(bool value, const QString& forKey)
@@ -248,14 +237,6 @@ void UserDefaults::setBool(bool value, const QString& forKey)
 void UserDefaults::setInteger(qint64 value, const QString& forKey)
 {
     setObject(value, forKey);
-}
-
-void UserDefaults::removeObjectForKey(const QString& key)
-{
-    _change([&] {
-        _file->remove(key);
-        _write();
-    });
 }
 
 void UserDefaults::synchronize()

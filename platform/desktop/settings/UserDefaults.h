@@ -58,7 +58,9 @@ public:
     void setObject(const QVariant& object, const QString& forKey);
     void setBool(bool value, const QString& forKey);
     void setInteger(qint64 value, const QString& forKey);
-    void removeObjectForKey(const QString& key);
+
+    // The same for several keys, with one write of the file.
+    void setObjects(const QVariantMap& objects);
 
     // Takes over what other processes have written, and tries again what could not be written.
     void synchronize();
@@ -68,8 +70,7 @@ Q_SIGNALS:
     void didChange(const QString& key);
 
 private:
-    QVariant _objectForKey(const QString& key) const;
-    QVariantMap _objects() const;
+    QVariantMap _read() const;
     void _write();
     template <typename Change> void _change(Change change);
 
@@ -77,4 +78,5 @@ private:
     mutable QMutex _mutex; // guards what follows
     std::unique_ptr<QSettings> _file;
     QVariantMap _fallbacks;
+    QVariantMap _objects; // what is read under each key
 };

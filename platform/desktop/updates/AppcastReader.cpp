@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <array>
 
-using AppcastReader::Fault;
-using AppcastReader::Feed;
 using AppcastReader::Item;
 
 namespace
@@ -19,15 +17,12 @@ struct Field {
 };
 
 constexpr auto elements = std::to_array<Field>({
-    {u"title", &Item::title},
     {u"version", &Item::version},
     {u"shortVersionString", &Item::shortVersionString},
     {u"link", &Item::link},
-    {u"pubDate", &Item::pubDate},
     {u"description", &Item::description},
     {u"releaseNotesLink", &Item::releaseNotesLink},
     {u"os", &Item::os},
-    {u"minimumSystemVersion", &Item::minimumSystemVersion},
     {u"channel", &Item::channel},
 });
 
@@ -37,7 +32,6 @@ constexpr auto enclosureAttributes = std::to_array<Field>({
     {u"version", &Item::version},
     {u"shortVersionString", &Item::shortVersionString},
     {u"os", &Item::os},
-    {u"minimumSystemVersion", &Item::minimumSystemVersion},
 });
 
 template <typename Fields> QString Item::*fieldNamed(const Fields& fields, QStringView name)
@@ -72,7 +66,6 @@ Item readItem(QXmlStreamReader& xml)
         }
         if (xml.name() == u"enclosure")
             readEnclosure(xml.attributes(), enclosure);
-        item.isInformational |= xml.name() == u"informationalUpdate";
         item.isCritical |= xml.name() == u"criticalUpdate";
         xml.skipCurrentElement();
     }
@@ -82,8 +75,9 @@ Item readItem(QXmlStreamReader& xml)
     return item;
 }
 
-void readChannel(QXmlStreamReader& xml, std::vector<Item>& items)
+std::vector<Item> readChannel(QXmlStreamReader& xml)
 {
+    std::vector<Item> items;
     QString link;
     while (xml.readNextStartElement()) {
         if (xml.name() == u"item")
@@ -96,22 +90,18 @@ void readChannel(QXmlStreamReader& xml, std::vector<Item>& items)
     for (Item& item : items)
         if (item.link.isEmpty())
             item.link = link;
+    return items;
 }
 
-// To the root element. Comments and the like may stand before it.
-Fault readProlog(QXmlStreamReader& xml)
+// Whether what comes first, but for comments and the like, is the root of a feed.
+bool readRoot(QXmlStreamReader& xml)
 {
     while (!xml.atEnd()) {
-        switch (xml.readNext()) {
-        case QXmlStreamReader::DTD:
-            return Fault::documentType;
-        case QXmlStreamReader::StartElement:
-            return xml.name() == u"rss" ? Fault::none : Fault::noFeed;
-        default:
-            break;
-        }
+        const auto token = xml.readNext();
+        if (token == QXmlStreamReader::DTD || token == QXmlStreamReader::StartElement)
+            return xml.name() == u"rss" && token == QXmlStreamReader::StartElement;
     }
-    return Fault::malformed;
+    return false;
 }
 
 bool isDigit(QChar unit)
@@ -162,28 +152,21 @@ int compareParts(const Part& first, const Part& second)
 
 } // namespace
 
-Feed AppcastReader::read(const QByteArray& bytes)
+std::optional<std::vector<Item>> AppcastReader::read(const QByteArray& bytes)
 {
-    if (bytes.size() > largestFeedInBytes)
-        return {.fault = Fault::tooLarge};
     QXmlStreamReader xml(bytes);
-    if (const Fault fault = readProlog(xml); fault != Fault::none)
-        return {.fault = fault};
-
-    Feed feed{.fault = Fault::noFeed};
+    if (bytes.size() > largestFeedInBytes || !readRoot(xml))
+        return std::nullopt;
+    std::optional<std::vector<Item>> items; // of the first channel
     while (xml.readNextStartElement()) {
-        if (xml.name() == u"channel" && feed.fault == Fault::noFeed) {
-            readChannel(xml, feed.items);
-            feed.fault = Fault::none;
-        } else {
+        if (xml.name() == u"channel" && !items)
+            items = readChannel(xml);
+        else
             xml.skipCurrentElement();
-        }
     }
     while (!xml.atEnd())
         xml.readNext(); // what stands after the root may still be wrong
-    if (xml.hasError())
-        return {.fault = Fault::malformed};
-    return feed;
+    return xml.hasError() ? std::nullopt : items;
 }
 
 const Item* AppcastReader::newestItem(const std::vector<Item>& items)

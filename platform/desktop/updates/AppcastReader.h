@@ -16,35 +16,20 @@ constexpr qsizetype largestFeedInBytes = 1 << 20;
 
 // All texts as they stand in the feed; empty where it says nothing.
 struct Item {
-    QString title;
     QString version; // what is compared
     QString shortVersionString; // what people read; empty: the version
     QString link; // of the item's page, or the feed's where the item has none
-    QString pubDate;
     QString description; // mostly HTML
     QString releaseNotesLink;
     QString enclosureURL; // empty: an item that only tells
     QString os;
-    QString minimumSystemVersion;
     QString channel;
-    bool isInformational = false;
     bool isCritical = false;
 };
 
-enum class Fault {
-    none,
-    tooLarge,
-    documentType, // a DOCTYPE, which no feed needs and which could define entities
-    malformed, // no XML, cut short included
-    noFeed, // XML, but no RSS with a channel
-};
-
-struct Feed {
-    Fault fault = Fault::none;
-    std::vector<Item> items = {}; // in the feed's order; empty with a fault
-};
-
-[[nodiscard]] Feed read(const QByteArray& bytes);
+// The items in the feed's order; nothing when the bytes are too many, no XML to their end, no RSS
+// with a channel, or have a DOCTYPE, which no feed needs and which could define entities.
+[[nodiscard]] std::optional<std::vector<Item>> read(const QByteArray& bytes);
 
 // Of the items for this system, and for everybody rather than for a channel that one has to join,
 // the one with the highest version; null when there is none.

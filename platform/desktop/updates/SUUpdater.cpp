@@ -1,8 +1,10 @@
 #include "platform/desktop/updates/SUUpdater.h"
 
 #include "platform/base/bundle/Bundle.h"
+#include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/updates/HTMLText.h"
 #include "platform/desktop/updates/UpdateSheet.h"
+#include "system/ReferenceDate.h"
 
 #include <QApplication>
 #include <QWindow>
@@ -20,8 +22,9 @@ const QString lastCheckKey = QStringLiteral("SULastCheckTime");
 
 std::chrono::seconds now()
 {
-    static const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
-    return std::chrono::seconds(reference.secsTo(QDateTime::currentDateTimeUtc()));
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::floor<std::chrono::seconds>(sinceEpoch)
+        - std::chrono::seconds(referenceDateInUnixSeconds);
 }
 
 // A feed may name any address; those of the web are opened and no others.
@@ -121,9 +124,8 @@ void SUUpdater::_finish()
         _tellProblem(result.problem);
         return;
     }
-    const AppcastReader::Feed feed = AppcastReader::read(result.bytes);
-    if (feed.fault == AppcastReader::Fault::none)
-        _tell(AppcastReader::newestItem(feed.items));
+    if (const auto items = AppcastReader::read(result.bytes))
+        _tell(AppcastReader::newestItem(*items));
     else
         _tellProblem(tr("The list of versions cannot be read."));
 }
@@ -148,5 +150,5 @@ void SUUpdater::_tellProblem(const QString& problem)
 void SUUpdater::_show(QDialog* sheet)
 {
     _sheet = sheet;
-    sheet->open();
+    Sheets::begin(sheet, _parentWindow);
 }

@@ -6,7 +6,6 @@
 #include "platform/desktop/updates/AppcastReader.h"
 #include "platform/desktop/updates/FeedDownload.h"
 
-#include <QDateTime>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>

@@ -1,10 +1,10 @@
 #include "platform/desktop/updates/UpdateSheet.h"
 
 #include "platform/base/bundle/Bundle.h"
+#include "platform/desktop/panels/PlainLabel.h"
 #include "platform/desktop/services/Workspace.h"
 
 #include <QDialogButtonBox>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -18,20 +18,8 @@ constexpr int heightInLines = 12;
 
 void makeSheet(QDialog& dialog)
 {
-    dialog.setWindowFlags((dialog.windowFlags() & ~Qt::WindowType_Mask) | Qt::Sheet);
     dialog.setAttribute(Qt::WA_DeleteOnClose);
-    dialog.setWindowModality(Qt::WindowModal);
     dialog.setWindowTitle(UpdateSheet::tr("Software Update"));
-}
-
-QLabel* makeLabel(const QString& text, const QString& name, QWidget* parent)
-{
-    auto* label = new QLabel(parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setText(text);
-    label->setObjectName(name);
-    return label;
 }
 
 } // namespace
@@ -44,15 +32,13 @@ UpdateSheet::UpdateSheet(const Offer& offer, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
 
     const QString name = QLatin1String(Bundle::name);
-    auto* headline
-        = makeLabel(offer.isCritical ? tr("An important update of %1 is available.").arg(name)
-                                     : tr("A new version of %1 is available.").arg(name),
-            QStringLiteral("headline"), this);
-    QFont bold = headline->font();
-    bold.setBold(true);
-    headline->setFont(bold);
+    auto* headline = PlainLabel::make(offer.isCritical
+            ? tr("An important update of %1 is available.").arg(name)
+            : tr("A new version of %1 is available.").arg(name),
+        QStringLiteral("headline"), this);
+    PlainLabel::setBold(headline);
     layout->addWidget(headline);
-    layout->addWidget(makeLabel(
+    layout->addWidget(PlainLabel::make(
         tr("%1 %2 can be downloaded; you have %3.").arg(name, offer.version, offer.hostVersion),
         QStringLiteral("versions"), this));
     if (!offer.whatIsNew.isEmpty())

@@ -85,6 +85,10 @@ public:
     [[nodiscard]] const std::optional<ArchiverDelegate>& delegate() const { return _delegate; }
     void setDelegate(std::optional<ArchiverDelegate> delegate) { _delegate = std::move(delegate); }
 
+    // What alerts name as the archive of the jobs to come, where that is made in one place to be
+    // moved to another; without it, the path that it is made at.
+    void setArchiveInAlerts(std::optional<Path> path) { _archiveInAlerts = std::move(path); }
+
     // The archive's path, also when a tool failed or the job was cancelled; nothing when there is
     // no name, no folder, no such type or no tool for it.
     std::optional<Path> archiveFiles(const ArchiveFiles& job);
@@ -156,7 +160,6 @@ private:
         const std::string& inMethod, const Archiver* object, int lineNumber, const char* text);
     void _stageCopy(const Path& item, const Path& entry) const;
     static std::optional<std::string> _filenameFromData(std::string_view data);
-    static int _numberOfLinesInData(std::string_view data);
     void _replaceArchive(const Path& archive, const Path& byArchive) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);
@@ -165,6 +168,7 @@ private:
     std::unique_ptr<Task> _task; // set while a tool runs, and after one that could not be started
     std::optional<ArchiverDelegate> _delegate;
     Path _workingDirectory;
+    std::optional<Path> _archiveInAlerts;
     std::atomic<bool> _cancelFlag = false;
     std::stop_source _abandoning; // ends what the engine does itself, such as copying
 };

@@ -7,18 +7,18 @@
 // intended.
 
 #include "platform/base/bundle/PropertyList.h"
-#include "platform/base/bundle/TextNumber.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
+#include "system/FileBytes.h"
+#include "system/PartFile.h"
 #include "system/PathString.h"
+#include "system/TextNumber.h"
 #include "system/Utf8.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 namespace convenience = FileManagerArchiverConvenience;
 namespace fs = std::filesystem;
@@ -44,16 +44,9 @@ std::int32_t sectorsFor(std::int32_t size)
 // The file is there whole or not at all. That it may not be written is found when it is read.
 void writeAtomically(const fs::path& path, const std::string& bytes)
 {
-    std::string hidden = path.parent_path() / ("." + path.filename().native() + "-XXXXXX");
-    const int file = ::mkostemp(hidden.data(), O_CLOEXEC);
-    if (file < 0)
-        return;
-    ::close(file);
-    std::ofstream stream(hidden, std::ios::binary);
-    stream << bytes;
-    stream.close();
-    if (!stream || ::rename(hidden.c_str(), path.c_str()) != 0)
-        ::unlink(hidden.c_str());
+    PartFile file(path.native(), S_IRUSR | S_IWUSR);
+    if (file && FileBytes::writeAll(file.descriptor(), bytes))
+        (void)file.commit(PartFile::Existing::replace);
 }
 
 template <typename Type>

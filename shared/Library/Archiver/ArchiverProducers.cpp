@@ -122,10 +122,11 @@ int Archiver::createPlainZipAtPath(const Path& archive, const std::vector<Path>&
 // removed, and the alert tells that nothing could be written. That is intended.
 void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
 {
+    const std::string named = _archiveInAlerts.value_or(archive).native();
     std::error_code missing;
     const bool isThere = std::filesystem::exists(archive, missing);
     if (isThere && FileTree::remove(archive)) {
-        showAlertLater("Unable to replace existing file at '" + archive.native() + "'");
+        showAlertLater("Unable to replace existing file at '" + named + "'");
         return;
     }
     // Once the older one is gone only the new one can make up for it.
@@ -135,7 +136,7 @@ void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
     if (stop.stop_requested())
         convenience::removeItemAtPath(byArchive);
     else
-        showAlertLater("Unable to write to '" + archive.native() + "'");
+        showAlertLater("Unable to write to '" + named + "'");
 }
 
 std::optional<Archiver::Path> Archiver::createForkZip(const Path& staged, const Path& toFolder)

@@ -16,12 +16,12 @@ std::optional<std::string> Archiver::runCommand(const std::optional<Path>& comma
     task.launch();
     std::optional<std::string> result;
     if (_delegate) {
-        task.readUntilExit([&](Task::Stream, std::string_view chunk) { taskDataAvailable(chunk); });
+        task.readUntilExit([&](std::string_view chunk) { taskDataAvailable(chunk); });
         if (_delegate->taskCompletedWithStatusCode)
             _delegate->taskCompletedWithStatusCode(task.terminationStatus());
     } else {
         result.emplace();
-        task.readUntilExit([&](Task::Stream, std::string_view chunk) { *result += chunk; });
+        task.readUntilExit([&](std::string_view chunk) { *result += chunk; });
         if (terminationStatus != nullptr)
             *terminationStatus = task.terminationStatus();
     }
@@ -77,9 +77,4 @@ std::optional<std::string> Archiver::_filenameFromData(std::string_view data)
         return std::string(data.substr(0, data.size() - std::min<std::size_t>(data.size(), 1)));
     }
     return std::nullopt;
-}
-
-int Archiver::_numberOfLinesInData(std::string_view data)
-{
-    return DataArchiverConvenience::numberOfLines(data);
 }

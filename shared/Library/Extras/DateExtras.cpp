@@ -1,14 +1,23 @@
 #include "shared/Library/Extras/DateExtras.h"
 
 #include <QLocale>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 namespace
 {
 
-QString digits(std::int64_t number, int width)
+// What Qt calls the directives that it has names for.
+constexpr std::pair<char16_t, const char*> qtFormats[] = {{u'Y', "yyyy"}, {u'y', "yy"},
+    {u'm', "MM"}, {u'd', "dd"}, {u'e', "d"}, {u'H', "HH"}, {u'M', "mm"}, {u'S', "ss"},
+    {u'F', "zzz"}, {u'B', "MMMM"}, {u'b', "MMM"}, {u'A', "dddd"}, {u'a', "ddd"}, {u'p', "AP"},
+    {u'x', "MM/dd/yy"}, {u'X', "HH:mm:ss"}, {u'c', "ddd MMM d HH:mm:ss yyyy"}};
+
+QString digits(int number, int width)
 {
     return QStringLiteral("%1").arg(number, width, 10, QLatin1Char('0'));
 }
@@ -20,64 +29,16 @@ QString offsetText(int seconds)
     return sign + digits(minutes / 60 * 100 + minutes % 60, 4);
 }
 
-// Nothing for what is no directive, here and below.
-std::optional<QString> numberFor(char16_t directive, const QDateTime& date, bool withZeros)
+// Nothing for what is no directive.
+std::optional<QString> textFor(char16_t directive, const QDateTime& date)
 {
-    const QDate day = date.date();
-    const QTime time = date.time();
-    const auto filled
-        = [&](int number, int width) { return digits(number, withZeros ? width : 1); };
     switch (directive) {
-    case u'Y':
-        return filled(day.year(), 4);
-    case u'y':
-        return filled(std::abs(day.year()) % 100, 2);
-    case u'm':
-        return filled(day.month(), 2);
-    case u'd':
-        return filled(day.day(), 2);
-    case u'e':
-        return filled(day.day(), 1);
     case u'j':
-        return filled(day.dayOfYear(), 3);
+        return digits(date.date().dayOfYear(), 3);
     case u'w':
-        return filled(day.dayOfWeek() % 7, 1);
-    case u'H':
-        return filled(time.hour(), 2);
+        return digits(date.date().dayOfWeek() % 7, 1);
     case u'I':
-        return filled((time.hour() + 11) % 12 + 1, 2);
-    case u'M':
-        return filled(time.minute(), 2);
-    case u'S':
-        return filled(time.second(), 2);
-    case u'F':
-        return filled(time.msec(), 3);
-    default:
-        return std::nullopt;
-    }
-}
-
-std::optional<QString> textFor(char16_t directive, const QDateTime& date, bool withZeros)
-{
-    const QLocale english = QLocale::c();
-    const QDate day = date.date();
-    switch (directive) {
-    case u'B':
-        return english.monthName(day.month(), QLocale::LongFormat);
-    case u'b':
-        return english.monthName(day.month(), QLocale::ShortFormat);
-    case u'A':
-        return english.dayName(day.dayOfWeek(), QLocale::LongFormat);
-    case u'a':
-        return english.dayName(day.dayOfWeek(), QLocale::ShortFormat);
-    case u'p':
-        return date.time().hour() < 12 ? english.amText() : english.pmText();
-    case u'x':
-        return CalendarDate{date, QStringLiteral("%m/%d/%y")}.description();
-    case u'X':
-        return CalendarDate{date, QStringLiteral("%H:%M:%S")}.description();
-    case u'c':
-        return CalendarDate{date, QStringLiteral("%a %b %e %X %Y")}.description();
+        return digits((date.time().hour() + 11) % 12 + 1, 2);
     case u'Z':
         return date.timeZoneAbbreviation();
     case u'z':
@@ -85,7 +46,11 @@ std::optional<QString> textFor(char16_t directive, const QDateTime& date, bool w
     case u'%':
         return QStringLiteral("%");
     default:
-        return numberFor(directive, date, withZeros);
+        const auto* const found = std::ranges::find(
+            qtFormats, directive, [](const auto& format) { return format.first; });
+        return found == std::end(qtFormats)
+            ? std::nullopt
+            : std::optional(QLocale::c().toString(date, QLatin1String(found->second)));
     }
 }
 
@@ -98,13 +63,16 @@ QDate localDay(const QDateTime& date)
 
 QString CalendarDate::description() const
 {
+    static const QRegularExpression zerosBeforeNumber(QStringLiteral("^0+(?=\\d+$)"));
     QString text;
     for (qsizetype index = 0; index < calendarFormat.size(); ++index) {
         const QStringView rest = QStringView(calendarFormat).sliced(index);
         const qsizetype length = rest.startsWith(u"%1") ? 3 : 2;
-        const auto filled = rest.front() == u'%' && rest.size() >= length
-            ? textFor(rest[length - 1].unicode(), date, length == 2)
+        auto filled = rest.front() == u'%' && rest.size() >= length
+            ? textFor(rest[length - 1].unicode(), date)
             : std::nullopt;
+        if (filled && length == 3)
+            filled->remove(zerosBeforeNumber);
         text += filled.value_or(rest.first(1).toString());
         index += filled ? length - 1 : 0;
     }

@@ -2,9 +2,11 @@
 
 #include "platform/base/files/FileCopy.h"
 #include "platform/base/files/FileTree.h"
+#include "platform/desktop/services/UriList.h"
 #include "system/PathString.h"
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 #include <utility>
 
@@ -57,8 +59,8 @@ std::optional<QUrl> firstURL(SearchPaths::Directory directory)
     const auto found = SearchPaths::directories(directory, SearchPaths::DomainMask::user);
     if (found.empty())
         return std::nullopt;
-    const QByteArray path = QByteArray::fromStdString(found.front().native());
-    return QUrl::fromEncoded("file://" + path.toPercentEncoding("/"), QUrl::StrictMode);
+    return QUrl::fromEncoded(
+        QByteArray::fromStdString(UriList::fileUri(found.front())), QUrl::StrictMode);
 }
 
 bool setExtensionHidden(const fs::path& path, const char* value)
@@ -117,17 +119,13 @@ std::optional<fs::path> FileManagerExtras::findOrCreateDirectory(SearchPaths::Di
     if (appendPathComponent)
         path = PathString::stringByAppendingPathComponent(path.native(), *appendPathComponent);
 
-    std::error_code failure;
     if (isDirectory(path))
         return path;
-    if (somethingExists(path))
-        failure = FileTree::remove(path);
+    std::error_code failure = somethingExists(path) ? FileTree::remove(path) : std::error_code();
     if (!failure)
         fs::create_directories(path, failure);
-    if (!failure)
-        return path;
     store(error, failure);
-    return std::nullopt;
+    return failure ? std::nullopt : std::optional(path);
 }
 
 bool FileManagerExtras::isDirectory(const fs::path& path)
@@ -256,8 +254,6 @@ std::int64_t FileManagerExtras::fileSizeAtPath(const fs::path& path)
 
 std::int64_t FileManagerExtras::fileSizeAtPaths(const std::vector<fs::path>& paths)
 {
-    std::int64_t sum = 0;
-    for (const fs::path& path : paths)
-        sum += fileSizeAtPath(path);
-    return sum;
+    return std::transform_reduce(
+        paths.begin(), paths.end(), std::int64_t{0}, std::plus(), fileSizeAtPath);
 }

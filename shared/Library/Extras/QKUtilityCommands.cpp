@@ -2,15 +2,15 @@
 
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/process/DetachedProcess.h"
+#include "platform/base/process/Environment.h"
 #include "platform/base/process/Task.h"
 #include "shared/Library/Extras/QKUtility.h"
+#include "system/TextNumber.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 
 #include <unistd.h>
 
@@ -24,23 +24,6 @@ QKUtility::Terminator& terminator()
     return current;
 }
 
-std::vector<std::string> ourEnvironment()
-{
-    std::vector<std::string> entries;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
-        entries.emplace_back(*entry);
-    return entries;
-}
-
-// What has too many digits becomes the largest number.
-std::int32_t numberIn(const std::string& digits)
-{
-    std::int32_t number = 0;
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<std::int32_t>::max()
-                                                       : number;
-}
-
 } // namespace
 
 std::string QKUtility::runCommand(const std::filesystem::path& command,
@@ -50,13 +33,13 @@ std::string QKUtility::runCommand(const std::filesystem::path& command,
 {
     Task task({.launchPath = command,
         .arguments = withArguments,
-        .environment = ourEnvironment(),
+        .environment = Environment::ours(),
         .currentDirectory = currentDirectoryPath.value_or(std::filesystem::path()),
         .input = Task::Input::emptyPipe,
         .output = Task::Output::standardErrorIsOurs});
     std::string output;
     task.launch();
-    task.readToEndOfOutput([&](Task::Stream, std::string_view bytes) { output += bytes; });
+    task.readToEndOfOutput([&](std::string_view bytes) { output += bytes; });
     if (terminationStatus != nullptr)
         *terminationStatus = task.terminationStatus();
     return output;
@@ -86,7 +69,7 @@ try {
     std::string digits;
     std::copy_if(output.begin(), output.end(), std::back_inserter(digits),
         [](char byte) { return byte >= '0' && byte <= '9'; });
-    return numberIn(digits);
+    return TextNumber::intValue(digits);
 } catch (const std::exception&) {
     return 0;
 }

@@ -30,10 +30,6 @@ enum PromptResult : int {
 class QKWindow : public QMainWindow
 {
     Q_OBJECT
-    Q_PROPERTY(bool hideToolbarLabelOnlyMode READ hideToolbarLabelOnlyMode WRITE
-            setHideToolbarLabelOnlyMode)
-    Q_PROPERTY(bool hideToolbarUseSmallIcons READ hideToolbarUseSmallIcons WRITE
-            setHideToolbarUseSmallIcons)
 
 public:
     // Asked when the user wants to close the window; without an answer the window closes.

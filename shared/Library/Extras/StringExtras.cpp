@@ -1,49 +1,17 @@
 #include "shared/Library/Extras/StringExtras.h"
 
+#include "system/Utf8.h"
+
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 
-namespace
-{
-
-bool isLineEnd(QChar unit)
-{
-    return (unit >= u'\n' && unit <= u'\r') || unit == u'\u0085' || unit == u'\u2028'
-        || unit == u'\u2029';
-}
-
-qsizetype indexOfLastLineEnd(QStringView text)
-{
-    if (text.endsWith(u"\r\n"))
-        return text.size() - 2;
-    return !text.isEmpty() && isLineEnd(text.back()) ? text.size() - 1 : text.size();
-}
-
-// How many units the digit at the end takes; 0 when there is none.
-qsizetype sizeOfLastDigit(QStringView text)
-{
-    if (text.isEmpty())
-        return 0;
-    if (text.back().isDigit())
-        return 1;
-    const bool isPair = text.size() > 1 && text.back().isLowSurrogate()
-        && text[text.size() - 2].isHighSurrogate();
-    return isPair
-            && QChar::isDigit(QChar::surrogateToUcs4(text[text.size() - 2], text[text.size() - 1]))
-        ? 2
-        : 0;
-}
-
-} // namespace
-
 std::optional<QString> StringExtras::myStringWithCString(const char* cString, std::uint64_t length)
 {
     const std::string_view bytes(cString, ::strnlen(cString, length));
-    const auto isASCII = [](char byte) { return (static_cast<unsigned char>(byte) & 0x80U) == 0; };
-    if (!std::all_of(bytes.begin(), bytes.end(), isASCII))
-        return std::nullopt;
-    return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    return Utf8::isAscii(bytes) ? std::optional(QString::fromLatin1(bytes)) : std::nullopt;
 }
 
 QString StringExtras::stringFromHexVersion(std::int32_t version)
@@ -86,14 +54,10 @@ QString StringExtras::stringByTrimmingLeadingWhitespaces(const QString& string)
 
 QString StringExtras::stringByTrimmingTrailingDigits(const QString& string)
 {
-    const auto sizeBefore = [&](qsizetype end) {
-        while (const qsizetype digit = sizeOfLastDigit(QStringView(string).first(end)))
-            end -= digit;
-        return end;
-    };
-    const qsizetype lineEnd = indexOfLastLineEnd(string);
-    const qsizetype digits = sizeBefore(lineEnd);
-    return string.first(digits) + string.sliced(lineEnd);
+    // Any line end may stand behind the digits, which are not ASCII's alone.
+    static const QRegularExpression digitsAtEnd(
+        QStringLiteral("(*ANY)\\d*$"), QRegularExpression::UseUnicodePropertiesOption);
+    return QString(string).remove(digitsAtEnd);
 }
 
 bool StringExtras::containsString(const QString& string, const QString& needle, bool ignoreCase)

@@ -2,8 +2,9 @@
 
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/bundle/PropertyList.h"
-#include "platform/base/bundle/TextNumber.h"
 #include "shared/Library/Extras/ValueCoding.h"
+#include "system/ReferenceDate.h"
+#include "system/TextNumber.h"
 
 #include <chrono>
 #include <stdexcept>
@@ -11,7 +12,7 @@
 namespace
 {
 
-const QDateTime referenceDate(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+const QDateTime referenceDate = QDateTime::fromSecsSinceEpoch(referenceDateInUnixSeconds, Qt::UTC);
 
 // Makes of each kind of value what Qt has for it.
 struct VariantMaker {
@@ -132,6 +133,5 @@ int UserDefaultsExtras::incrementIntegerForKey(UserDefaults& defaults, const QSt
     const auto number = static_cast<std::uint32_t>(defaults.integerForKey(key));
     const auto next = static_cast<std::int32_t>(number + 1);
     defaults.setInteger(next, key);
-    defaults.synchronize();
     return next;
 }

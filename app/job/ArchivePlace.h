@@ -1,0 +1,36 @@
+// The place where an archive is to stand. It knows what stands there from its making on, and puts
+// the new archive into the place of that and of nothing else: a file that somebody else has put
+// there meanwhile stays, and the archive gets the next free name beside it.
+#pragma once
+
+#include "system/FileDescriptor.h"
+
+#include <filesystem>
+#include <system_error>
+
+class ArchivePlace
+{
+public:
+    using Path = std::filesystem::path;
+
+    explicit ArchivePlace(Path path);
+
+    // Where the archive stands, once it does: the path given, or one beside it.
+    [[nodiscard]] const Path& path() const { return _path; }
+
+    // Whether a folder stands there, which no archive may replace.
+    [[nodiscard]] bool isTakenByFolder() const;
+
+    // Moves a complete file of the same file system there in one rename, flushed to the disk
+    // before it gets the name. What it replaces is left at the path that it had, or gone. After a
+    // failure all stands as it stood.
+    [[nodiscard]] std::error_code put(const Path& made);
+
+private:
+    [[nodiscard]] std::error_code _exchange(const Path& made);
+    [[nodiscard]] std::error_code _takeFreeName(const Path& made);
+    [[nodiscard]] bool _isFormer(const Path& path) const;
+
+    Path _path;
+    FileDescriptor _former; // held, so that no other file can get its identity
+};

@@ -1,0 +1,91 @@
+// How files come to the box besides a drop: opened with the program's icon, chosen, or pasted.
+
+#include "app/window/AppController.h"
+#include "app/window/DropView.h"
+#include "platform/desktop/panels/OpenPanel.h"
+#include "platform/desktop/services/PathText.h"
+#include "shared/Library/Extras/QKWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+
+namespace
+{
+
+// Documents that are opened together arrive one by one.
+constexpr double openDelay = 0.05;
+
+// After this the window stands in its place, and a sheet finds it.
+constexpr double windowDelay = 0.5;
+
+// A list that fits on a sheet.
+QString listed(const QStringList& names)
+{
+    constexpr int longest = 8;
+    if (names.size() <= longest)
+        return names.join(QLatin1Char('\n'));
+    return names.mid(0, longest - 1).join(QLatin1Char('\n')) + QStringLiteral("\n…");
+}
+
+} // namespace
+
+bool AppController::applicationOpenFile(const Path& path)
+{
+    if (_interface.saveDropView->files().empty())
+        _afterDelay(openDelay, [this] { startProcessing(this); });
+    _interface.saveDropView->addFileWithPath(path);
+    ++_dockDropCount;
+    return true;
+}
+
+void AppController::couldNotOpen(const std::vector<Path>& missing)
+{
+    QStringList names;
+    for (const Path& path : missing)
+        names.append(PathText::textOf(path));
+    _afterDelay(windowDelay, [this, names] {
+        _tell(
+            tr("There are no such files"), tr("These cannot be archived:\n%1").arg(listed(names)));
+    });
+}
+
+void AppController::_tellWhatIsLeftOut()
+{
+    const QStringList leftOut = _interface.saveDropView->leftOut();
+    if (!leftOut.isEmpty())
+        _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
+            tr("These are no files of this computer, and will be left out:\n%1")
+                .arg(listed(leftOut)));
+}
+
+void AppController::chooseFiles(QObject* /*sender*/)
+{
+    if (acceptsFiles())
+        OpenPanel::beginForFiles(
+            _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
+}
+
+void AppController::chooseFolder(QObject* /*sender*/)
+{
+    if (acceptsFiles())
+        OpenPanel::beginForFolder(
+            _interface.mainWindow, {}, [this](const auto& paths) { _chose(paths); });
+}
+
+void AppController::_chose(const std::vector<Path>& paths)
+{
+    if (paths.empty())
+        return;
+    _interface.saveDropView->setFiles(paths);
+    _interface.saveDropView->concludeDragOperation();
+}
+
+void AppController::paste(QObject* /*sender*/)
+{
+    const QMimeData* pasteboard = QApplication::clipboard()->mimeData();
+    DropView& box = *_interface.saveDropView;
+    if (acceptsFiles() && pasteboard != nullptr && DropView::offersFiles(*pasteboard)
+        && box.performDragOperation(*pasteboard))
+        box.concludeDragOperation();
+}
