@@ -221,10 +221,11 @@ void ArchiveJob::_heedStop()
         _engine.cancel();
 }
 
+// Also when it was asked before: a tool that was about to start has missed that.
 void ArchiveJob::cancel()
 {
     Stop untilNow = Stop::none;
-    if (_stop.compare_exchange_strong(untilNow, Stop::asked))
+    if (_stop.compare_exchange_strong(untilNow, Stop::asked) || untilNow == Stop::asked)
         _engine.cancel();
 }
 
