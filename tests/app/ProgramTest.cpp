@@ -324,6 +324,23 @@ TEST_F(Program, nothingIsLostOfItemsOfOneName)
     }
 }
 
+// Neither the private folder nor what is in it is a file of the user's.
+TEST_F(Program, anItemMayContainTheDestination)
+{
+    for (const char* tool : {"zip", "tar", "ditto"})
+        useTool(tool);
+    fs::create_directory(folder / "in/.org.parcelo.Parcelo-mine"); // of no job: a folder like any
+    for (const char* type : {"zip", "mac-zip", "tar.gz"}) {
+        ASSERT_EQ(parcelo({"--to=.", "--name=Demo", "--type", type, "../in"}).status, 0);
+        const fs::path archive
+            = folder / "in" / (std::string(type) == "tar.gz" ? "Demo.tar.gz" : "Demo.zip");
+        const RunResult listing = run({"bsdtar", "-tf", archive});
+        EXPECT_EQ(std::ranges::count(listing.out, '\n'), type[0] == 'z' ? 5 : 6) << listing.out;
+        EXPECT_NE(listing.out.find("in/.org.parcelo.Parcelo-mine/\n"), std::string::npos);
+        fs::remove(archive);
+    }
+}
+
 TEST_F(Program, whatIsAskedForReachesTheTools)
 {
     for (const char* tool : {"hdiutil", "du"})

@@ -247,7 +247,7 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
 {
     const TestFolder folder;
     setenv("TMPDIR", folder.path().c_str(), 1);
-    const fs::path stale = folder / "org.parcelo.Parcelo-1-stale";
+    const fs::path stale = folder / "org.parcelo.Parcelo-1-staled";
     writeFile(folder / "org.parcelo.Parcelo", "another's");
     {
         const ScratchFolder first;
@@ -255,7 +255,7 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
         EXPECT_TRUE(live.filename().native().starts_with(
             "org.parcelo.Parcelo-" + std::to_string(getpid())));
         EXPECT_EQ(fs::status(live).permissions(), fs::perms::owner_all);
-        fs::create_directory_symlink(live, folder / "org.parcelo.Parcelo-1-link");
+        fs::create_directory_symlink(live, folder / "org.parcelo.Parcelo-1-linked");
         for (const fs::path& parent : {live, stale}) {
             writeFile(parent / "sub/file", "");
             chmod((parent / "sub").c_str(), 0);
@@ -264,7 +264,7 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
         EXPECT_TRUE(fs::exists(live));
         EXPECT_FALSE(fs::exists(stale));
     }
-    EXPECT_EQ(namesIn(folder.path()), (Names{"org.parcelo.Parcelo", "org.parcelo.Parcelo-1-link"}));
+    EXPECT_EQ(namesIn(folder.path()), (Names{"org.parcelo.Parcelo", "org.parcelo.Parcelo-1-linked"}));
 
     std::atomic<int> made = 0; // each must survive the tidying of all others
     {
