@@ -3,6 +3,7 @@
 #include "platform/base/files/TreeWalk.h"
 #include "system/FileBytes.h"
 #include "system/FileDescriptor.h"
+#include "system/FileStatus.h"
 #include "system/LastError.h"
 #include "system/ScratchName.h"
 
@@ -15,7 +16,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
 
 namespace fs = std::filesystem;

@@ -2,6 +2,7 @@
 
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/SearchPaths.h"
+#include "system/FileStatus.h"
 #include "system/ScratchName.h"
 
 #include <algorithm>
@@ -12,14 +13,11 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
 namespace
 {
-
-using FileStatus = struct stat; // a name of its own, beside the function
 
 const std::string prefix = std::string(ScratchName::prefix) + "-";
 const std::string hiddenPrefix = "." + prefix;
@@ -63,7 +61,7 @@ bool isAt(const fs::path& path, const FileDescriptor& locked)
     FileStatus there{};
     FileStatus ours{};
     return ::lstat(path.c_str(), &there) == 0 && ::fstat(locked.number(), &ours) == 0
-        && there.st_dev == ours.st_dev && there.st_ino == ours.st_ino;
+        && isSameFile(there, ours);
 }
 
 } // namespace
