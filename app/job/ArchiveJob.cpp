@@ -115,6 +115,8 @@ void ArchiveJob::_makeIn(const Path& folder)
         _deliver(*made);
     if (made)
         _result.archive = _place.path();
+    else
+        _result.reason = "nothing was made";
 }
 
 void ArchiveJob::_deliver(const Path& made)
