@@ -13,27 +13,14 @@ using Fuzzing::require;
 namespace
 {
 
-using Bytes = std::vector<std::byte>;
-
-struct Read {
-    ExistingArchive archive;
-    Bytes records;
-};
-
 // Nothing when the archive is refused. Any other exception ends the program.
-std::optional<Read> read(std::span<const std::byte> bytes)
+std::optional<ExistingArchive> read(std::span<const std::byte> bytes, SpillBuffer& records)
 {
     const FileDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
-    const auto size = static_cast<::ssize_t>(bytes.size());
-    require(
-        ::pwrite(file.number(), bytes.data(), bytes.size(), 0) == size, "memory holds the input");
-    SpillBuffer records("/tmp"); // which an input of this size never takes
+    const auto written = ::pwrite(file.number(), bytes.data(), bytes.size(), 0);
+    require(static_cast<std::size_t>(written) == bytes.size(), "memory holds the input");
     try {
-        Read result{.archive = ExistingArchive::read(file.number(), bytes.size(), records)};
-        records.read(records.size(), [&](std::span<const std::byte> piece) {
-            result.records.insert(result.records.end(), piece.begin(), piece.end());
-        });
-        return result;
+        return ExistingArchive::read(file.number(), bytes.size(), records);
     } catch (const Failure& failure) {
         require(failure.kind() == FailureKind::badArchive, "it is the archive that is wrong");
         return std::nullopt;
@@ -41,21 +28,21 @@ std::optional<Read> read(std::span<const std::byte> bytes)
 }
 
 // The archive with an empty file behind its members, as adding in place makes it.
-Bytes withOneMore(std::span<const std::byte> bytes, const Read& former)
+ByteBuffer withOneMore(
+    std::span<const std::byte> bytes, const ExistingArchive& archive, const SpillBuffer& records)
 {
-    ZipFormat::Directory directory = former.archive.directory;
+    ZipFormat::Directory directory = archive.directory;
     const ZipFormat::Entry entry{.name = "added/file", .offset = directory.offset, .mode = S_IFREG};
-    const std::span<const std::byte> members = bytes.first(directory.offset);
     ByteBuffer result;
-    result.append(members);
+    result.append(bytes.first(directory.offset));
     ZipFormat::appendLocalHeader(result, entry);
     directory.offset = result.size();
-    result.append(former.records);
+    records.read(records.size(), [&](auto piece) { result.append(piece); });
     ZipFormat::appendCentralRecord(result, entry);
     directory.size = result.size() - directory.offset;
     ++directory.entryCount;
-    ZipFormat::appendEnd(result, directory, former.archive.comment);
-    return {result.begin(), result.end()};
+    ZipFormat::appendEnd(result, directory, archive.comment);
+    return result;
 }
 
 } // namespace
@@ -63,20 +50,20 @@ Bytes withOneMore(std::span<const std::byte> bytes, const Read& former)
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const auto bytes = std::as_bytes(std::span(data, size));
-    const auto former = read(bytes);
-    if (!former)
+    SpillBuffer records("/tmp"); // which an input of this size never takes
+    const auto archive = read(bytes, records);
+    if (!archive)
         return 0;
-    const ExistingArchive& archive = former->archive;
-    require(former->records.size() == archive.directory.size, "the records are the directory");
-    require(archive.directory.offset + archive.directory.size + archive.tail.size() == size,
+    require(archive->directory.offset + records.size() + archive->tail.size() == size,
         "members, directory and tail are all there is");
 
-    const auto added = read(withOneMore(bytes, *former));
+    SpillBuffer moreRecords("/tmp");
+    const auto added = read(withOneMore(bytes, *archive, records), moreRecords);
     require(added.has_value(), "what was added to can be added to");
-    require(added->archive.directory.entryCount == archive.directory.entryCount + 1
-            && added->archive.comment == archive.comment,
+    require(added->directory.entryCount == archive->directory.entryCount + 1
+            && added->comment == archive->comment,
         "nothing is lost");
-    require(added->archive.topNames.starts_with(archive.topNames), "the names stay");
-    require(added->archive.holds("added"), "and one more is there");
+    require(added->topNames.starts_with(archive->topNames) && added->holds("added"),
+        "the names stay, and one more is there");
     return 0;
 }

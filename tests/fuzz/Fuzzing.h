@@ -8,7 +8,6 @@
 #include <iostream>
 #include <string_view>
 
-// libFuzzer calls it with one input after the other.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace Fuzzing
