@@ -1,17 +1,15 @@
 #include "system/FileBytes.h"
 
 #include "system/FileDescriptor.h"
+#include "system/FileStatus.h"
 
 #include <cerrno>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
-
-using FileStatus = struct stat; // a name of its own, beside the function
 
 template <typename Read> std::ptrdiff_t fill(std::span<std::byte> buffer, const Read& read)
 {
@@ -106,4 +104,10 @@ bool FileBytes::writeAllAt(int descriptor, std::uint64_t offset, std::span<const
     return drain(bytes, [&](std::span<const std::byte> rest, std::size_t written) {
         return ::pwrite(descriptor, rest.data(), rest.size(), static_cast<off_t>(offset + written));
     });
+}
+
+bool FileBytes::flush(int descriptor)
+{
+    FileDescriptor another(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+    return another && another.close();
 }

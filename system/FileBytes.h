@@ -35,4 +35,8 @@ namespace FileBytes
 [[nodiscard]] bool writeAllAt(
     int descriptor, std::uint64_t offset, std::span<const std::byte> bytes);
 
+// Makes sure that the system has taken what was written: some file systems tell at a close that
+// there was no room, so another descriptor of the file is closed.
+[[nodiscard]] bool flush(int descriptor);
+
 } // namespace FileBytes

@@ -49,11 +49,13 @@ std::string FileName::nextFree(
 std::error_code FileName::rename(
     int folder, const std::string& from, const std::string& to, Existing existing)
 {
-    const unsigned flags = existing == Existing::keep ? RENAME_NOREPLACE : 0;
-    const auto renamed = errorOf(::renameat2(folder, from.c_str(), folder, to.c_str(), flags));
+    if (existing == Existing::replace)
+        return errorOf(::renameat(folder, from.c_str(), folder, to.c_str()));
+    const auto renamed
+        = errorOf(::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE));
     const bool knowsTheFlag
         = renamed != std::errc::invalid_argument && renamed != std::errc::function_not_supported;
-    if (flags == 0 || knowsTheFlag)
+    if (knowsTheFlag)
         return renamed;
     // A second link never replaces either.
     const auto linked = errorOf(::linkat(folder, from.c_str(), folder, to.c_str(), 0));

@@ -1,21 +1,21 @@
 #include "system/PartFile.h"
 
+#include "system/FileBytes.h"
+#include "system/FileStatus.h"
 #include "system/LastError.h"
 #include "system/PathString.h"
 #include "system/Utf8.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
 #include <dirent.h>
 #include <sys/file.h>
 #include <sys/random.h>
-#include <sys/stat.h>
 
 namespace
 {
-
-using FileStatus = struct stat; // a name of its own, beside the function
 
 constexpr std::size_t suffixSize = 6;
 constexpr std::string_view hiddenTail = ".part-";
@@ -25,9 +25,9 @@ std::string randomSuffix()
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::array<unsigned char, suffixSize> random{};
     (void)retryOnInterrupt([&] { return ::getrandom(random.data(), random.size(), 0); });
-    std::string suffix;
-    for (const unsigned char byte : random)
-        suffix += letters[byte % letters.size()];
+    std::string suffix(suffixSize, '\0');
+    std::ranges::transform(
+        random, suffix.begin(), [&](unsigned char byte) { return letters[byte % letters.size()]; });
     return suffix;
 }
 
@@ -40,12 +40,13 @@ std::error_code sync(int descriptor)
 
 } // namespace
 
-PartFile::PartFile(std::string path, mode_t mode, int folder)
+PartFile::PartFile(std::string path, mode_t mode, int folder, Place place)
     : _folder(folder)
     , _path(std::move(path))
 {
-    _removeAbandoned();
-    _create(mode);
+    if (place == Place::shared)
+        _removeAbandoned();
+    _create(mode, place);
 }
 
 PartFile::PartFile(PartFile&& other) noexcept
@@ -54,6 +55,7 @@ PartFile::PartFile(PartFile&& other) noexcept
     , _hiddenPath(std::exchange(other._hiddenPath, {}))
     , _file(std::move(other._file))
     , _failure(other._failure)
+    , _nameFailure(other._nameFailure)
 {
 }
 
@@ -63,28 +65,37 @@ PartFile::~PartFile()
         ::unlinkat(_folder, _hiddenPath.c_str(), 0);
 }
 
-std::string PartFile::_folderPath() const
+FileDescriptor PartFile::_openFolder() const
 {
-    const std::string folder = PathString::stringByDeletingLastPathComponent(_path);
-    return folder.empty() ? "." : folder;
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    return FileDescriptor(::openat(_folder, PathString::folderOf(_path).c_str(), flags));
 }
 
 std::string PartFile::_hiddenPrefix() const
 {
     constexpr std::size_t room = FileName::longestInBytes - 1 - hiddenTail.size() - suffixSize;
-    const std::string name = PathString::lastPathComponent(_path);
-    return "." + std::string(Utf8::shortened(name, room)) + std::string(hiddenTail);
+    const std::string_view path(_path);
+    const std::size_t nameAt = path.rfind('/') + 1; // npos + 1 is 0
+    std::string prefix;
+    prefix.reserve(path.size() + 1 + hiddenTail.size() + suffixSize);
+    prefix += path.substr(0, nameAt);
+    prefix += '.';
+    prefix += Utf8::shortened(path.substr(nameAt), room);
+    prefix += hiddenTail;
+    return prefix;
 }
 
-void PartFile::_create(mode_t mode)
+void PartFile::_create(mode_t mode, Place place)
 {
     if (_path.empty() || _path.ends_with('/')) {
         _failure = std::make_error_code(std::errc::is_a_directory);
         return;
     }
+    _hiddenPath = _hiddenPrefix();
+    const std::size_t prefixSize = _hiddenPath.size();
     while (true) {
-        _hiddenPath = PathString::stringByAppendingPathComponent(
-            PathString::stringByDeletingLastPathComponent(_path), _hiddenPrefix() + randomSuffix());
+        _hiddenPath.resize(prefixSize);
+        _hiddenPath += randomSuffix();
         constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
         _file = FileDescriptor(
             retryOnInterrupt([&] { return ::openat(_folder, _hiddenPath.c_str(), flags, mode); }));
@@ -95,6 +106,8 @@ void PartFile::_create(mode_t mode)
             _hiddenPath.clear();
             return;
         }
+        if (place == Place::own)
+            return;
         // Best effort: without locks nothing abandoned can be told from what is in use.
         ::flock(_file.number(), LOCK_EX | LOCK_NB);
         FileStatus status{};
@@ -111,30 +124,28 @@ void PartFile::_create(mode_t mode)
 
 void PartFile::_removeAbandoned() const
 {
-    const FileDescriptor opened(
-        ::openat(_folder, _folderPath().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    FileDescriptor opened = _openFolder();
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(
-        opened ? ::fdopendir(::fcntl(opened.number(), F_DUPFD_CLOEXEC, 0)) : nullptr, ::closedir);
+        opened ? ::fdopendir(opened.number()) : nullptr, ::closedir);
     if (!folder)
         return;
-    const std::string prefix = _hiddenPrefix();
+    const int number = opened.release(); // the folder closes it
+    const std::string prefix = PathString::lastPathComponent(_hiddenPrefix());
     // Read by this thread alone.
     while (const dirent* entry = ::readdir(folder.get())) { // NOLINT(concurrency-mt-unsafe)
         const std::string_view name(entry->d_name);
         if (!name.starts_with(prefix) || name.size() != prefix.size() + suffixSize)
             continue;
         constexpr int flags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-        const FileDescriptor file(::openat(opened.number(), entry->d_name, flags));
+        const FileDescriptor file(::openat(number, entry->d_name, flags));
         if (file && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0)
-            ::unlinkat(opened.number(), entry->d_name, 0);
+            ::unlinkat(number, entry->d_name, 0);
     }
 }
 
-// Closing another descriptor of the file tells what closing this one would.
 std::error_code PartFile::commit(Existing existing)
 {
-    FileDescriptor another(::fcntl(_file.number(), F_DUPFD_CLOEXEC, 0));
-    if (!another || !another.close())
+    if (!FileBytes::flush(_file.number()))
         return lastError();
     if (const auto failure = FileName::rename(_folder, _hiddenPath, _path, existing))
         return failure;
@@ -149,9 +160,7 @@ std::error_code PartFile::commitDurably(Existing existing)
     if (const auto failure = commit(existing))
         return failure;
     // The file has its name already, and "failed" would be the wrong word for it.
-    const FileDescriptor folder(
-        ::openat(_folder, _folderPath().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder)
-        (void)sync(folder.number());
+    const FileDescriptor folder = _openFolder();
+    _nameFailure = folder ? sync(folder.number()) : lastError();
     return {};
 }

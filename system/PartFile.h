@@ -23,7 +23,10 @@ public:
     // A new file for `path`, which is relative to an open folder or else to the working folder,
     // with the permissions `mode` without the process's umask. False if it cannot be made: then
     // failure() tells why.
-    PartFile(std::string path, mode_t mode, int folder = AT_FDCWD);
+    // Of many files for a folder where nobody else makes any, none is locked or looks for abandoned
+    // ones: that takes reading the folder.
+    enum class Place { shared, own };
+    PartFile(std::string path, mode_t mode, int folder = AT_FDCWD, Place place = Place::shared);
     PartFile(PartFile&& other) noexcept;
     PartFile& operator=(PartFile&&) = delete;
     ~PartFile();
@@ -41,16 +44,19 @@ public:
     // The same with all of it on the disk before the name is, and the name there, too, unless the
     // file system or the folder's permissions are against it.
     [[nodiscard]] std::error_code commitDurably(Existing existing);
+    // What was against it: a power cut could take the name away again.
+    [[nodiscard]] std::error_code nameFailure() const { return _nameFailure; }
 
 private:
-    void _create(mode_t mode);
+    void _create(mode_t mode, Place place);
     void _removeAbandoned() const;
-    [[nodiscard]] std::string _folderPath() const;
-    [[nodiscard]] std::string _hiddenPrefix() const;
+    [[nodiscard]] FileDescriptor _openFolder() const;
+    [[nodiscard]] std::string _hiddenPrefix() const; // of the path, without its six letters
 
     int _folder;
     std::string _path;
     std::string _hiddenPath; // empty once it has its name
     FileDescriptor _file;
     std::error_code _failure;
+    std::error_code _nameFailure;
 };

@@ -32,6 +32,12 @@ std::string PathString::stringByDeletingLastPathComponent(std::string_view path)
     return std::string(withoutSlashesAtEnd(path.substr(0, slash + 1)));
 }
 
+std::string PathString::folderOf(std::string_view path)
+{
+    std::string folder = stringByDeletingLastPathComponent(path);
+    return folder.empty() ? "." : folder;
+}
+
 std::string PathString::stringByDeletingPathExtension(std::string_view path)
 {
     path = withoutSlashesAtEnd(path);

@@ -14,6 +14,9 @@ namespace PathString
 // "/tmp/a.txt" -> "/tmp", "/tmp" -> "/", "a.txt" -> "".
 [[nodiscard]] std::string stringByDeletingLastPathComponent(std::string_view path);
 
+// Where a path's last component lies, as it can be opened: "/tmp/a.txt" -> "/tmp", "a.txt" -> ".".
+[[nodiscard]] std::string folderOf(std::string_view path);
+
 // "a.tar.gz" -> "a.tar", "/tmp/a.b/" -> "/tmp/a"; a name's first or last dot starts no extension.
 [[nodiscard]] std::string stringByDeletingPathExtension(std::string_view path);
 

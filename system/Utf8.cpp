@@ -57,6 +57,8 @@ bool isValid(std::string_view text)
 
 std::string_view shortened(std::string_view text, std::size_t size)
 {
+    if (text.size() <= size)
+        return text;
     std::size_t kept = 0;
     while (kept < text.size()) {
         const std::size_t next = kept + std::max<std::size_t>(1, sequenceLength(text.substr(kept)));

@@ -6,6 +6,7 @@
 #include "platform/base/seams/AlertPanel.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
+#include "system/FileStatus.h"
 #include "system/LastError.h"
 #include "system/PathString.h"
 
@@ -16,7 +17,6 @@
 #include <thread>
 #include <utility>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -45,12 +45,12 @@ bool complain(const fs::path& path, const std::error_code& reason)
 }
 
 // Of links, they themselves and not what they lead to.
-bool isSameFile(const fs::path& one, const fs::path& other)
+bool areSame(const fs::path& one, const fs::path& other)
 {
-    struct stat first = {};
-    struct stat second = {};
+    FileStatus first{};
+    FileStatus second{};
     return ::lstat(one.c_str(), &first) == 0 && ::lstat(other.c_str(), &second) == 0
-        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+        && isSameFile(first, second);
 }
 
 } // namespace
@@ -118,7 +118,7 @@ bool CommandLineJob::_chooseArchive()
         / (_line.name.value_or(proposedName(_files, false, _line.extension())) + _line.extension());
     if (fs::is_directory(fs::symlink_status(_archive, missing)))
         return complain(_archive, std::make_error_code(std::errc::is_a_directory));
-    if (std::ranges::any_of(_files, [&](const Path& file) { return isSameFile(file, _archive); }))
+    if (std::ranges::any_of(_files, [&](const Path& file) { return areSame(file, _archive); }))
         return complain("'" + _archive.native() + "' would replace a file that is to be archived");
     return true;
 }

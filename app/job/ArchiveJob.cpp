@@ -115,6 +115,8 @@ void ArchiveJob::_makeIn(const Path& folder)
         _deliver(*made);
     if (made)
         _result.archive = _place.path();
+    else
+        _result.reason = "nothing was made";
 }
 
 void ArchiveJob::_deliver(const Path& made)
@@ -221,10 +223,11 @@ void ArchiveJob::_heedStop()
         _engine.cancel();
 }
 
+// Also when it was asked before: a tool that was about to start has missed that.
 void ArchiveJob::cancel()
 {
     Stop untilNow = Stop::none;
-    if (_stop.compare_exchange_strong(untilNow, Stop::asked))
+    if (_stop.compare_exchange_strong(untilNow, Stop::asked) || untilNow == Stop::asked)
         _engine.cancel();
 }
 

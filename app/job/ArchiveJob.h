@@ -45,12 +45,14 @@ public:
     };
 
     struct Result {
-        // Where the archive stands, or would: next to a file that came in its place. Nothing when
-        // the engine had nothing to do or could not go on; then the reason says why.
+        // Where the archive stands, or would: next to a file that came in its place. Without a
+        // reason there always is one.
         std::optional<Path> archive = std::nullopt;
         bool isMade = false; // by this job
         bool isWhole = false; // and nothing was left out
-        std::string reason = {}; // why it is not made, where more is known than the messages tell
+        // Why the engine could not begin or go on, or its archive not be put in place; empty also
+        // when a tool failed or the job was stopped, of which the messages tell.
+        std::string reason = {};
         // A line each: what is missing and why, what has got another name, what the tools said.
         std::vector<std::string> messages = {};
     };

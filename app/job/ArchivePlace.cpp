@@ -1,6 +1,7 @@
 #include "app/job/ArchivePlace.h"
 
 #include "system/FileName.h"
+#include "system/FileStatus.h"
 #include "system/LastError.h"
 
 #include <cstdio>
@@ -8,13 +9,10 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
-
-using FileStatus = struct stat; // a name of its own, beside the function
 
 // The contents alone: that costs nothing where the tool has seen to it, while all of a file that
 // was renamed since would be one more turn of the disk.
@@ -57,7 +55,7 @@ bool ArchivePlace::_isFormer(const Path& path) const
     FileStatus former{};
     FileStatus now{};
     return ::fstat(_former.number(), &former) == 0 && ::lstat(path.c_str(), &now) == 0
-        && former.st_dev == now.st_dev && former.st_ino == now.st_ino;
+        && isSameFile(former, now);
 }
 
 std::error_code ArchivePlace::put(const Path& made)

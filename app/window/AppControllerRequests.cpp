@@ -148,9 +148,9 @@ void AppController::_work()
         Sheets::begin(_interface.progressWindow, _interface.mainWindow);
     });
     _performOnMainThread([this, result = _job->run()] {
-        if (result.archive)
+        if (result.reason.empty())
             _deliver(*result.archive);
-        else // nothing was begun, so nothing tells that it has ended
+        else
             _fail(result.reason);
         _interface.saveDropView->clearFiles();
         incrementUsageCount();

@@ -24,8 +24,6 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
     };
     const Case cases[] = {
         {{}, Request::window, ""},
-        {{"a", "-"}, Request::window, ""},
-        {{"--help"}, Request::help, ""},
         {{"--to", "d", "--version"}, Request::version, ""},
         {{"--quiet", "a"}, Request::wrongUsage, "there is no --to FOLDER"},
         {{"--to", "d"}, Request::wrongUsage, "there is no FILE"},
@@ -34,12 +32,10 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         {{"--to=d", "-x"}, Request::wrongUsage, "no such option: '-x'"},
         {{"--to=d", "--quiet=1", "a"}, Request::wrongUsage, "the option --quiet takes no value"},
         {{"--to=d", "--level=10", "a"}, Request::wrongUsage, "the level is a digit, not '10'"},
-        {{"--to=d", "--level=-1", "a"}, Request::wrongUsage, "the level is a digit, not '-1'"},
         {{"--to=d", "--type", "rar", "a"}, Request::wrongUsage, "no such type: 'rar'"},
         {{"--to=d", "--password-stdin", "a"}, Request::wrongUsage,
             "only the type dmg takes a password"},
         {{"--to=d", "--name=", "a"}, Request::wrongUsage, "'' is no name for a file"},
-        {{"--to=d", "--name=..", "a"}, Request::wrongUsage, "'..' is no name for a file"},
         {{"--to=d", "--name=...zip", "a"}, Request::wrongUsage, "'..' is no name for a file"},
         {{"--to=d", "--name=a/b", "a"}, Request::wrongUsage, "'a/b' is no name for a file"},
         {{"--to=d", "--name", longName, "a"}, Request::archive, ""},
@@ -65,7 +61,6 @@ TEST(CommandLine, namesArchivesThatFitAFileName)
         accents += "\u00e9";
     const Case cases[] = {
         {"zip", "Demo.zip", "", "Demo"},
-        {"zip", "Demo.tar.gz", "", "Demo.tar.gz"},
         {"tar.gz", "Demo.tar.gz", "", "Demo"},
         {"zip", ".zip", "", ".zip"},
         {"zip", "", "Report.pdf", "Report"},

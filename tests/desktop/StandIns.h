@@ -1,16 +1,16 @@
-// What stands in for the desktop: services on a message bus and programs in PATH, all of them
+// What stands in for the desktop: programs in PATH and services on a message bus, all of them
 // private to the test program.
 #pragma once
 
 #include "tests/support/EnvironmentVariable.h"
+#include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 
-#include <QDBusConnection>
-#include <QDBusVirtualObject>
 #include <QTest>
 
+#include <fstream>
+#include <memory>
 #include <string>
-#include <vector>
 
 namespace standins
 {
@@ -21,50 +21,43 @@ inline bool waitForEndOf(const QObject& asked)
     return QTest::qWaitFor([&] { return asked.children().isEmpty(); }, 20000);
 }
 
-// As long as it lives, PATH holds nothing but the programs added to it.
+// As long as it lives, PATH holds nothing but the programs added to it, and the locale is C.
 class Programs
 {
 public:
-    // Adds a program that notes its call and ends with that status.
-    void add(const std::string& name, int status = 0) const;
-    void addScript(const std::string& name, const std::string& script) const;
-    // What was run, a line each: the name and every argument in angle brackets.
-    std::vector<std::string> calls() const;
+    Programs() { support::writeFile(_folder / "calls", ""); }
+    // Adds a program that notes its call, with what LC_ALL says behind that C, and ends with the
+    // status.
+    void add(const std::string& name, int status = 0) const
+    {
+        addScript(name,
+            "{ printf %s " + name + "${LC_ALL#C}; printf ' <%s>' \"$@\"; echo; } >>"
+                + (_folder / "calls").native() + "\nexit " + std::to_string(status));
+    }
+    void addScript(const std::string& name, const std::string& script) const
+    {
+        support::writeFile(_folder / name, "#!/bin/sh\n" + script + "\n");
+        std::filesystem::permissions(_folder / name, std::filesystem::perms::owner_all);
+    }
+    void note(const std::string& call) const
+    {
+        std::ofstream(_folder / "calls", std::ios::app) << call << '\n';
+    }
+    // What was called, a line each: the name and every argument in angle brackets.
+    std::string calls() const { return support::readFile(_folder / "calls"); }
 
 private:
     support::TestFolder _folder;
-    support::EnvironmentVariable _path{"PATH", _folder.path().native()};
+    support::EnvironmentVariable _path{"PATH", _folder.path()};
+    support::EnvironmentVariable _locale{"LC_ALL", "C"};
 };
 
-// A service on the private bus, with a connection of its own. It notes what is called: the method
-// and its arguments in angle brackets, a file handed over as the path that it has in /proc.
-class Service : public QDBusVirtualObject
-{
-public:
-    enum class Answer {
-        yes,
-        error,
-        response, // of a portal: yes, with the outcome after it
-        responseBefore, // with the outcome before it
-        responseElsewhere, // after it and at an object of another name
-        goneAfterwards, // yes, and then the service is gone
-    };
-    Service(const QString& name, Answer answer, unsigned outcome = 0);
-    ~Service() override;
+// What a service says when it is called. A portal says yes and tells later what the user did; these
+// come first, as it numbers them.
+enum class Answer { done, cancelled, failed, doneBefore, goneAfterwards, yes, error, none };
 
-    const std::vector<std::string>& calls() const { return _calls; }
-
-    QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
-
-private:
-    void _respond(const QString& path);
-
-    const QString _name;
-    const Answer _answer;
-    const unsigned _outcome;
-    QDBusConnection _connection;
-    std::vector<std::string> _calls;
-};
+// A service on the private bus, unless its answer is none. Its calls are noted as the programs'
+// are, a file handed over as the path that it has in /proc.
+std::unique_ptr<QObject> serve(const QString& name, Answer answer, const Programs& programs);
 
 } // namespace standins

@@ -153,12 +153,12 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
 {
     const TestFolder folder;
     const EnvironmentVariable temporary("TMPDIR", folder.path());
-    const fs::path stale = folder / "org.parcelo.Parcelo-1-stale";
+    const fs::path stale = folder / "org.parcelo.Parcelo-1-staled";
     {
         const ScratchFolder first;
         const fs::path live = first.path();
         EXPECT_EQ(fs::status(live).permissions(), fs::perms::owner_all);
-        fs::create_directory_symlink(live, folder / "org.parcelo.Parcelo-1-link");
+        fs::create_directory_symlink(live, folder / "org.parcelo.Parcelo-1-linked");
         for (const fs::path& parent : {live, stale}) {
             writeFile(parent / "sub/file", "");
             chmod((parent / "sub").c_str(), 0);
@@ -167,7 +167,7 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
         EXPECT_TRUE(fs::exists(live));
         EXPECT_FALSE(fs::exists(stale));
     }
-    EXPECT_EQ(namesIn(folder.path()), Names{"org.parcelo.Parcelo-1-link"});
+    EXPECT_EQ(namesIn(folder.path()), Names{"org.parcelo.Parcelo-1-linked"});
     std::atomic<int> made = 0; // each must survive the tidying of all others
     {
         std::vector<std::jthread> makers(4);

@@ -35,7 +35,7 @@ std::optional<Read> read(std::span<const std::byte> bytes)
         });
         return result;
     } catch (const Failure& failure) {
-        require(failure.kind() == FailureKind::BadArchive, "it is the archive that is wrong");
+        require(failure.kind() == FailureKind::badArchive, "it is the archive that is wrong");
         return std::nullopt;
     }
 }
@@ -46,15 +46,16 @@ Bytes withOneMore(std::span<const std::byte> bytes, const Read& former)
     ZipFormat::Directory directory = former.archive.directory;
     const ZipFormat::Entry entry{.name = "added/file", .offset = directory.offset, .mode = S_IFREG};
     const std::span<const std::byte> members = bytes.first(directory.offset);
-    Bytes result(members.begin(), members.end());
+    ByteBuffer result;
+    result.append(members);
     ZipFormat::appendLocalHeader(result, entry);
     directory.offset = result.size();
-    result.insert(result.end(), former.records.begin(), former.records.end());
+    result.append(former.records);
     ZipFormat::appendCentralRecord(result, entry);
     directory.size = result.size() - directory.offset;
     ++directory.entryCount;
     ZipFormat::appendEnd(result, directory, former.archive.comment);
-    return result;
+    return {result.begin(), result.end()};
 }
 
 } // namespace

@@ -70,6 +70,18 @@ TEST_F(QKWindowTest, aPromptReturnsWhatWasPressed)
     EXPECT_EQ(Sheets::attachedSheet(&window), nullptr);
 }
 
+TEST_F(QKWindowTest, buttonsHaveKeysByTheirTags)
+{
+    QWidget panel;
+    QStringList keys;
+    for (const int tag : {1, 0, -1})
+        addButton(&panel, tag);
+    QKWindow::setupKeyEquivalents(&panel);
+    for (const auto* button : panel.findChildren<QPushButton*>())
+        keys << button->shortcut().toString();
+    EXPECT_EQ(keys, QStringList({u"Return"_qs, u"Esc"_qs, QString()}));
+}
+
 TEST_F(QKWindowTest, aSheetEndsWithTheTagOfAWiredButton)
 {
     auto* sheet = new QDialog(&window);

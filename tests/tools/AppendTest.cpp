@@ -17,26 +17,17 @@ RunResult add(const fs::path& archive, const fs::path& item)
 }
 
 // Archives of `old`, made in the folder it is in.
-struct Maker {
-    std::string name;
-    std::string command;
+const Names makers = {
+    "zip -q -r a.zip old",
+    "zip -q -r a.zip old; echo 'a comment PK' | zip -q -z a.zip",
+    "zip -q -r - old | cat > a.zip",
+    "7z a -tzip -bso0 -bsp0 a.zip old",
+    "python3 -c \"import zipfile\nwith zipfile.ZipFile('a.zip', 'w') as z:\n"
+    "  for n in ('old/', 'old/file'):\n"
+    "    with z.open(n, 'w', force_zip64=True) as f: f.write(b'old' if n[-1] != '/' else b'')\n"
+    "  z.comment = b'commented'\"",
+    ": > a.zip; rm -r old",
 };
-const Maker makers[] = {
-    {"zip", "zip -q -r a.zip old"},
-    {"zipWithComment", "zip -q -r a.zip old; echo 'a comment PK' | zip -q -z a.zip"},
-    {"zipToAPipe", "zip -q -r - old | cat > a.zip"},
-    {"7z", "7z a -tzip -bso0 -bsp0 a.zip old"},
-    {"pythonZip64",
-        "python3 -c \"import zipfile\nwith zipfile.ZipFile('a.zip', 'w') as z:\n"
-        "  for n in ('old/', 'old/file'):\n"
-        "    with z.open(n, 'w', force_zip64=True) as f: f.write(b'old' if n[-1] != '/' else b'')\n"
-        "  z.comment = b'commented'\""},
-    {"emptyFile", ": > a.zip; rm -r old"},
-};
-void PrintTo(const Maker& maker, std::ostream* stream)
-{
-    *stream << maker.name;
-}
 
 struct Append : Zip {
     RunResult addNew(const std::string& name, const std::string& content)
@@ -45,35 +36,33 @@ struct Append : Zip {
         return add(archive, folder / ("in/" + name));
     }
 };
-struct AppendTo : Append, testing::WithParamInterface<Maker> {
-};
 
 } // namespace
 
-TEST_P(AppendTo, keepsWhatAnotherProgramStored)
+TEST_F(Append, keepsWhatAnotherProgramStored)
 {
-    writeFile(folder / "in/old/file", "old");
-    ASSERT_EQ(run({"sh", "-c", GetParam().command}, {.folder = folder / "in"}).status, 0);
-    fs::rename(folder / "in/a.zip", archive);
-    const ZipReport before = fs::file_size(archive) > 0 ? inspectZip(archive, 100) : ZipReport();
-    ASSERT_EQ(before.complaints, nothing);
-    writeFile(folder / "in/new/file", someText(2'500'000));
+    for (const std::string& command : makers) {
+        SCOPED_TRACE(command);
+        fs::remove_all(folder / "in");
+        writeFile(folder / "in/old/file", "old");
+        ASSERT_EQ(run({"sh", "-c", command}, {.folder = folder / "in"}).status, 0);
+        fs::rename(folder / "in/a.zip", archive);
+        const ZipReport before
+            = fs::file_size(archive) > 0 ? inspectZip(archive, 100) : ZipReport();
+        ASSERT_EQ(before.complaints, nothing);
 
-    const RunResult result = add(archive, folder / "in/new");
+        const RunResult result = addNew("new", someText(1'500'000));
 
-    EXPECT_EQ(result.status, 0) << result.err;
-    const ZipReport after = inspectZip(archive, before.entries.size());
-    EXPECT_EQ(after.complaints, nothing);
-    EXPECT_EQ(after.comment, before.comment);
-    const TreeSnapshot expected = snapshot(folder / "in");
-    for (const ForeignReader& reader : zipReaders()) {
-        const Tolerance tolerance = {.modeMask = 0, .seconds = -1};
-        EXPECT_EQ(extractionFaults({reader.name, {}, reader.extract, tolerance}, archive, expected),
-            nothing);
+        EXPECT_EQ(result.status, 0) << result.err;
+        const ZipReport after = inspectZip(archive, before.entries.size());
+        EXPECT_EQ(after.complaints, nothing);
+        EXPECT_EQ(after.comment, before.comment);
+        for (ForeignReader reader : zipReaders()) {
+            reader.tolerance = {.modeMask = 0, .seconds = -1};
+            EXPECT_EQ(extractionFaults(reader, archive, tree()), nothing);
+        }
     }
 }
-INSTANTIATE_TEST_SUITE_P(
-    Tools, AppendTo, testing::ValuesIn(makers), [](const auto& test) { return test.param.name; });
 
 TEST_F(Append, refusesWhatIsNotAWholeZipAndLeavesItAlone)
 {
@@ -93,25 +82,6 @@ TEST_F(Append, refusesWhatIsNotAWholeZipAndLeavesItAlone)
         EXPECT_EQ(snapshot(folder.path())["a.zip"].time, 1'000'000'000);
     }
     EXPECT_EQ(namesIn(folder.path()), (Names{"a.zip", "in"}));
-}
-
-TEST_F(Append, isRefusedOrWorksWhateverByteOfTheDirectoryIsDamaged)
-{
-    ASSERT_EQ(addNew("old", "old").status, 0);
-    const std::string whole = readFile(archive);
-    const std::size_t directory = whole.find("PK\1\2");
-    for (std::size_t i = directory; i < whole.size(); ++i) {
-        std::string bytes = whole;
-        bytes[i] = static_cast<char>(~bytes[i]);
-        writeFile(archive, bytes);
-        const int status = addNew("new", "what is added").status;
-        const std::string after = readFile(archive);
-        EXPECT_TRUE(status == 0 || (status == refused && after == bytes)) << "byte " << i;
-        if (status == 0) {
-            EXPECT_TRUE(after.starts_with(whole.substr(0, directory))) << "byte " << i;
-            EXPECT_EQ(run({"unzip", "-p", archive, "new"}).out, "what is added") << "byte " << i;
-        }
-    }
 }
 
 TEST_F(Append, findsTheNextFreeNameForAnItemWhoseNameIsTakenAndTellsIt)

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <csignal>
 #include <map>
-#include <random>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -29,10 +28,6 @@ struct Faults : EachToolAnd<bool> {
         writeFile(item / "b", randomBytes(400'000, 1) + someText(800'000));
         writeFile(item / "sub/in", "in");
         fs::create_symlink("../a", item / "sub/link");
-        learnComplete();
-    }
-    void learnComplete()
-    {
         ASSERT_EQ(run(tool, freshPlace(), item).status, 0);
         complete = content();
     }
@@ -99,12 +94,12 @@ struct TracedFaults : Faults {
         if (run({"strace", "-qq", "true"}).status != 0)
             GTEST_SKIP() << "no tracing here";
         Faults::SetUp();
-        trace({"-y"});
+        trace({});
         calls = readFile(folder / "log");
     }
     RunResult trace(Names options)
     {
-        options.insert(options.begin(), {"strace", "-f", "-qq", "-o", folder / "log"});
+        options.insert(options.begin(), {"strace", "-f", "-qq", "-y", "-o", folder / "log"});
         return run(tool, freshPlace(), item, {.threads = 2, .prefix = options});
     }
     // Which calls of that name are to be struck, counted in each thread as strace does: the first
@@ -168,6 +163,9 @@ struct TracedFaults : Faults {
             expectAllOrNothing(result, fault);
         }
         EXPECT_TRUE(fault != "error=EINTR" || content() == complete);
+        // What a disk says only when all is written is a failure like any other.
+        static const std::regex late(R"((close|fsync)\([^)]*\.part-[^)]*\) += -1 EIO)");
+        EXPECT_TRUE(!std::regex_search(log, late) || result.status == tool.writeError);
         return first != std::string::npos;
     }
 
@@ -284,27 +282,6 @@ TEST_P(Faults, limitsEndInAWholeArchiveOrNone)
     }
 }
 
-TEST_P(Faults, aSignalMayComeAtAnyMoment)
-{
-    const auto start = std::chrono::steady_clock::now();
-    learnComplete();
-    const auto whole = std::chrono::steady_clock::now() - start;
-    std::mt19937 generator(1);
-    const int rounds = isSanitized || isFullSweep() ? 12 : 6;
-    for (int round = 0; round < rounds; ++round) {
-        const int signal = std::array{SIGINT, SIGTERM, SIGHUP}.at(round % 3);
-        const ToolCall call = callOf(tool, freshPlace(), item);
-        RunningProgram program(call.arguments, call.options);
-        std::this_thread::sleep_for(whole * (generator() % 1000) / 1000);
-        program.signal(signal);
-        const RunResult result = program.wait();
-        if (result.status == 128 + signal && result.out.empty())
-            continue; // before its first instruction a program cannot but die from it
-        EXPECT_TRUE(result.status == 0 || result.status == tool.interrupted) << result.status;
-        expectAllOrNothing(result, "signal " + std::to_string(signal));
-    }
-}
-
 TEST_P(Faults, whatAKilledRunLeftIsRemovedByTheNext)
 {
     const auto makeWith = [&](const fs::path& left) {
@@ -344,13 +321,16 @@ TEST_P(Faults, aRunEndsWithTheProgramThatStartedItUnlessItIsToOutliveIt)
         RunningProgram program(call.arguments, call.options);
         ASSERT_TRUE(waitUntil([&] { return !program.out().empty(); }));
         program.signal(SIGKILL);
-        program.wait();
+        const pid_t started = std::stoi(program.wait().err);
         if (outlives) {
             std::this_thread::sleep_for(std::chrono::milliseconds(200));
             EXPECT_FALSE(isAsBefore());
-            ::kill(std::stoi(program.err()), SIGTERM);
+            ::kill(started, SIGTERM);
         }
-        EXPECT_TRUE(waitUntil([&] { return isAsBefore(); }));
+        const bool hasEnded = waitUntil([&] { return isAsBefore(); });
+        EXPECT_TRUE(hasEnded);
+        if (!hasEnded)
+            ::kill(started, SIGKILL);
     }
 }
 

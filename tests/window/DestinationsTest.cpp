@@ -6,8 +6,6 @@
 #include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
-#include <QAction>
-#include <QLineEdit>
 #include <QMenu>
 
 class DestinationMenu : public Program

@@ -6,9 +6,6 @@
 #include "tests/window/Program.h"
 
 #include <QAccessible>
-#include <QAction>
-#include <QApplication>
-#include <QLineEdit>
 
 #include <numeric>
 #include <set>

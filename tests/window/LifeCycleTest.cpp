@@ -2,7 +2,6 @@
 #include "shared/Library/Extras/QKUtility.h"
 #include "tests/window/Program.h"
 
-#include <QAction>
 #include <QMenuBar>
 #include <QScopeGuard>
 

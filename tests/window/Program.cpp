@@ -8,10 +8,7 @@
 #include "tests/window/Drag.h"
 
 #include <QAbstractButton>
-#include <QApplication>
-#include <QLabel>
 #include <QMessageBox>
-#include <QTimer>
 
 Program::Program()
 {

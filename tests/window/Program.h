@@ -7,9 +7,14 @@
 #include "tests/support/NotingDesktop.h"
 #include "tests/support/TestFolder.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QDialog>
-#include <QString>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QVariant>
 
 #include <functional>

@@ -5,12 +5,6 @@
 #include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QLabel>
-#include <QPushButton>
-#include <QTimer>
-
 #include <cstdlib>
 
 namespace

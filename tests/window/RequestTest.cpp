@@ -7,16 +7,10 @@
 #include "tests/window/Drag.h"
 #include "tests/window/Program.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMimeData>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QTimer>
 
 #include <unistd.h>
 

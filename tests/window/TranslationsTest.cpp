@@ -4,11 +4,8 @@
 #include "tests/window/Program.h"
 
 #include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
 #include <QFile>
 #include <QKeySequence>
-#include <QLabel>
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QScopeGuard>

@@ -2,9 +2,6 @@
 #include "tests/support/FeedServer.h"
 #include "tests/window/Program.h"
 
-#include <QAction>
-#include <QTimer>
-
 class Updates : public Program
 {
 protected:

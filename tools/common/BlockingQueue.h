@@ -27,14 +27,14 @@ public:
     {
         std::unique_lock lock(_mutex);
         _changed.wait(lock, [&] { return _isFinished || !_values.empty(); });
-        return takeFirst();
+        return _takeFirst();
     }
 
     // The same without waiting: none also when there is none yet.
     std::optional<Value> tryPop()
     {
         const std::lock_guard lock(_mutex);
-        return takeFirst();
+        return _takeFirst();
     }
 
     void finish()
@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    std::optional<Value> takeFirst()
+    std::optional<Value> _takeFirst()
     {
         if (_values.empty())
             return std::nullopt;

@@ -16,7 +16,6 @@ namespace
 {
 
 constexpr std::size_t storedBlockSize = 65535; // the most that a stored block's length field holds
-constexpr std::size_t storedHeaderSize = 5;
 
 // First test: bytes that all occur about equally often. Of each 4 KiB, 1 KiB is counted, so a
 // compressible part of that size is always seen. In a whole file 1 spot in 128 may be one all the
@@ -134,7 +133,7 @@ bool hasLongRepeats(std::span<const std::byte> data)
 bool hasShortRepeats(std::span<const std::byte> data)
 {
     Compressor quick(1);
-    std::vector<std::byte> scratch;
+    ByteBuffer scratch;
     for (std::size_t at = 0; at + sampleSize <= data.size(); at += sampleDistance) {
         scratch.clear();
         const std::size_t size = quick.compressSmaller(data.subspan(at, sampleSize), scratch);
@@ -176,19 +175,15 @@ std::span<const std::byte> firstIncompressible(std::span<const std::byte> data)
     return data.last(0);
 }
 
-void appendStoredBlocks(
-    std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output)
+void appendStoredBlocks(std::span<const std::byte> input, bool isLast, ByteBuffer& output)
 {
     do {
         const std::size_t size = std::min(input.size(), storedBlockSize);
         const bool isFinal = isLast && size == input.size();
-        const auto low = static_cast<std::byte>(size & 0xff);
-        const auto high = static_cast<std::byte>(size >> 8);
-        const std::array<std::byte, storedHeaderSize> header
-            = {std::byte{isFinal}, low, high, ~low, ~high};
-        output.insert(output.end(), header.begin(), header.end());
-        output.insert(
-            output.end(), input.begin(), input.begin() + static_cast<std::ptrdiff_t>(size));
+        output.u8(isFinal ? 1 : 0);
+        output.u16(size);
+        output.u16(~size);
+        output.append(input.first(size));
         input = input.subspan(size);
     } while (!input.empty());
 }
@@ -216,49 +211,37 @@ Compressor::Compressor(int level)
 
 Compressor::~Compressor() = default;
 
-std::size_t Compressor::compressSmaller(
-    std::span<const std::byte> input, std::vector<std::byte>& output)
+std::size_t Compressor::compressSmaller(std::span<const std::byte> input, ByteBuffer& output)
 {
     if (input.empty())
         return 0;
-    const std::span<std::byte> result = scratch(input.size() - 1);
+    const std::span<std::byte> room = output.room(input.size() - 1);
     const std::size_t size = libdeflate_deflate_compress(
-        _compressor.get(), input.data(), input.size(), result.data(), result.size());
-    output.insert(output.end(), result.data(), result.data() + size);
+        _compressor.get(), input.data(), input.size(), room.data(), room.size());
+    output.keep(size);
     return size;
 }
 
-void Compressor::compressPiece(
-    std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output)
+void Compressor::compressPiece(std::span<const std::byte> input, bool isLast, ByteBuffer& output)
 {
     do {
         const std::span<const std::byte> stored = firstIncompressible(input);
         const auto before = static_cast<std::size_t>(stored.data() - input.data());
         if (before > 0 || stored.empty())
-            compressRun(input.first(before), isLast && stored.empty(), output);
+            _compressRun(input.first(before), isLast && stored.empty(), output);
         input = input.subspan(before + stored.size());
         if (!stored.empty())
             appendStoredBlocks(stored, isLast && input.empty(), output);
     } while (!input.empty());
 }
 
-void Compressor::compressRun(
-    std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output)
+void Compressor::_compressRun(std::span<const std::byte> input, bool isLast, ByteBuffer& output)
 {
     const std::size_t bound = libdeflate_deflate_compress_bound(_compressor.get(), input.size());
-    const std::span<std::byte> result = scratch(bound + continuationSize);
-    std::size_t size = libdeflate_deflate_compress(
-        _compressor.get(), input.data(), input.size(), result.data(), bound);
-    if (!isLast)
-        size = makeContinuable(result, size);
-    output.insert(output.end(), result.data(), result.data() + size);
-}
-
-std::span<std::byte> Compressor::scratch(std::size_t size)
-{
-    if (_scratch.size() < size)
-        _scratch.resize(size);
-    return std::span(_scratch).first(size);
+    const std::span<std::byte> room = output.room(bound + continuationSize);
+    const std::size_t size = libdeflate_deflate_compress(
+        _compressor.get(), input.data(), input.size(), room.data(), bound);
+    output.keep(isLast ? size : makeContinuable(room, size));
 }
 
 std::uint64_t Compressor::worstSize(std::uint64_t size)

@@ -6,11 +6,12 @@
 // only larger than it could.
 #pragma once
 
+#include "tools/common/ByteBuffer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <vector>
 
 struct libdeflate_compressor;
 
@@ -33,23 +34,20 @@ public:
 
     // Appends a complete stream to `output` and returns its size, or leaves `output` as it was and
     // returns 0 when that would not be smaller than `input`.
-    std::size_t compressSmaller(std::span<const std::byte> input, std::vector<std::byte>& output);
+    std::size_t compressSmaller(std::span<const std::byte> input, ByteBuffer& output);
 
     // Appends one piece of a stream to `output`. Any piece but the last ends on a byte boundary and
     // must be followed by another. Parts that do not compress go into stored blocks.
-    void compressPiece(
-        std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output);
+    void compressPiece(std::span<const std::byte> input, bool isLast, ByteBuffer& output);
 
     // The most bytes that compressed pieces of together `size` bytes can take.
     static std::uint64_t worstSize(std::uint64_t size);
 
 private:
-    void compressRun(std::span<const std::byte> input, bool isLast, std::vector<std::byte>& output);
-    std::span<std::byte> scratch(std::size_t size);
+    void _compressRun(std::span<const std::byte> input, bool isLast, ByteBuffer& output);
 
     struct Free {
         void operator()(libdeflate_compressor* compressor) const;
     };
     std::unique_ptr<libdeflate_compressor, Free> _compressor;
-    std::vector<std::byte> _scratch; // kept, because a vector that grows is filled with zeros first
 };

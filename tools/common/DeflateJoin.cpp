@@ -33,7 +33,7 @@ public:
     // Makes at least 56 bits available, and all 64 for peeking; past the end they read as zeros.
     void refill()
     {
-        _bits |= wordAt(_next) << _count;
+        _bits |= _wordAt(_next) << _count;
         const unsigned bytes = (63 - _count) / 8;
         _next += bytes;
         _count += 8 * bytes;
@@ -63,8 +63,9 @@ public:
     }
 
 private:
-    [[nodiscard]] std::uint64_t wordAt(std::size_t at) const
+    [[nodiscard]] std::uint64_t _wordAt(std::size_t at) const
     {
+        static_assert(std::endian::native == std::endian::little);
         std::uint64_t word = 0;
         if (at + sizeof word <= _stream.size()) [[likely]] {
             std::memcpy(&word, _stream.data() + at, sizeof word);
@@ -74,8 +75,6 @@ private:
             if (at < _stream.size())
                 std::memcpy(&word, _stream.data() + at, _stream.size() - at);
         }
-        if constexpr (std::endian::native == std::endian::big)
-            word = __builtin_bswap64(word);
         return word;
     }
 
@@ -125,7 +124,7 @@ public:
             if (length == 0)
                 continue;
             const unsigned shown = length < bits ? length : bits;
-            const std::size_t begin = reversed(_codes[symbol], length) & ((1U << shown) - 1);
+            const std::size_t begin = _reversed(_codes[symbol], length) & ((1U << shown) - 1);
             const Value value = valueOf(symbol);
             for (std::size_t index = begin; index < table.size(); index += std::size_t{1} << shown)
                 table[index] = value;
@@ -151,7 +150,7 @@ public:
     }
 
 private:
-    static unsigned reversed(unsigned code, unsigned length)
+    static unsigned _reversed(unsigned code, unsigned length)
     {
         code = (code & 0x5555) << 1 | (code >> 1 & 0x5555);
         code = (code & 0x3333) << 2 | (code >> 2 & 0x3333);
@@ -276,7 +275,7 @@ public:
                 ? isLong
                 : distanceStep(codes.distances, symbol);
         });
-        joinLiterals();
+        _joinLiterals();
     }
 
     // The steps from a literal or length; those from a distance come toDistance behind them.
@@ -298,7 +297,7 @@ public:
 private:
     // Makes one step of a literal and the literals behind it, as far as the index tells them. From
     // the top down, because what follows has a smaller index and must still be a single step.
-    void joinLiterals()
+    void _joinLiterals()
     {
         for (std::size_t index = half; index-- > 0;) {
             unsigned bits = _steps[index];

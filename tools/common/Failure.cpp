@@ -1,6 +1,5 @@
 #include "tools/common/Failure.h"
 
-#include <cerrno>
 #include <cstring>
 
 std::string errorText(int error)
@@ -8,7 +7,7 @@ std::string errorText(int error)
     return std::strerror(error);
 }
 
-Failure systemFailure(FailureKind kind, const std::string& what)
+Failure systemFailure(FailureKind kind, const std::string& what, const std::error_code& reason)
 {
-    return {kind, what + ": " + errorText(errno)};
+    return {kind, what + ": " + reason.message()};
 }

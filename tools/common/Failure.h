@@ -2,19 +2,21 @@
 // the kind into its exit status and the text into a message.
 #pragma once
 
+#include "system/LastError.h"
+
 #include <stdexcept>
 #include <string>
 
 enum class FailureKind {
-    Usage, // the arguments are not of the one form that is taken
-    CannotCreate, // the archive can't be made or opened
-    NameTaken, // the archive was made by somebody else meanwhile
-    BadArchive, // an existing archive that can't be added to safely
-    NothingToDo, // no input is left that could be stored
-    Write, // the archive can't be written or put in place
-    Interrupted, // a signal asked to stop
-    Memory,
-    Internal, // our own books do not balance
+    usage, // the arguments are not of the one form that is taken
+    cannotCreate, // the archive can't be made or opened
+    nameTaken, // the archive was made by somebody else meanwhile
+    badArchive, // an existing archive that can't be added to safely
+    nothingToDo, // no input is left that could be stored
+    write, // the archive can't be written or put in place
+    interrupted, // a signal asked to stop
+    memory,
+    internal, // our own books do not balance
 };
 
 class Failure : public std::runtime_error
@@ -31,8 +33,9 @@ private:
     FailureKind _kind;
 };
 
-// The failure of a system call, with errno's text: "what: reason".
-Failure systemFailure(FailureKind kind, const std::string& what);
+// The failure of a system call: "what: reason".
+Failure systemFailure(
+    FailureKind kind, const std::string& what, const std::error_code& reason = lastError());
 
 // errno's text for `error`.
 std::string errorText(int error);

@@ -10,6 +10,8 @@
 namespace
 {
 
+using Action = struct sigaction; // a name of its own, beside the function
+
 std::atomic<bool> stopRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
@@ -27,21 +29,20 @@ void install()
 {
     bool outlivesParent = false;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction action {
-        };
-        sigaction(signal, nullptr, &action);
+        Action action{};
+        ::sigaction(signal, nullptr, &action);
         if (signal == SIGHUP && action.sa_handler == SIG_IGN) {
             outlivesParent = true;
             continue;
         }
         action = {};
         action.sa_handler = requestStop;
-        sigaction(signal, &action, nullptr);
+        ::sigaction(signal, &action, nullptr);
     }
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     if (!outlivesParent)
-        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 
 bool isRequested()
@@ -52,7 +53,7 @@ bool isRequested()
 void check()
 {
     if (stopRequested)
-        throw Failure(FailureKind::Interrupted, "interrupted");
+        throw Failure(FailureKind::interrupted, "interrupted");
 }
 
 } // namespace Interrupt

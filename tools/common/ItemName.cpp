@@ -8,8 +8,3 @@ std::string itemName(std::string_view argument)
         && argument.find('/') == std::string_view::npos;
     return std::string(isOneName ? argument : "");
 }
-
-bool isScratchFolderName(std::string_view name)
-{
-    return name.starts_with("org.parcelo.Parcelo");
-}

@@ -6,6 +6,3 @@
 // The one name in the current folder that `argument` means, with or without "./" before it; empty
 // if it means anything else (a path, the folder itself, its parent).
 std::string itemName(std::string_view argument);
-
-// Whether `name` is that of a scratch folder in which the program lets the tools work.
-bool isScratchFolderName(std::string_view name);

@@ -1,8 +1,8 @@
 #include "tools/common/Messages.h"
 
+#include "system/FileBytes.h"
 #include "system/Utf8.h"
 
-#include <cerrno>
 #include <mutex>
 
 #include <unistd.h>
@@ -14,17 +14,10 @@ namespace
 // parts.
 std::mutex outputMutex;
 
-void writeAll(int descriptor, std::string_view text)
+void write(int descriptor, std::string_view text)
 {
     const std::lock_guard lock(outputMutex);
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
+    (void)FileBytes::writeAll(descriptor, text);
 }
 
 void appendOctal(std::string& text, unsigned byte)
@@ -88,12 +81,12 @@ std::string readableName(std::string_view name)
 
 void progress(std::string_view lines)
 {
-    writeAll(STDOUT_FILENO, lines);
+    write(STDOUT_FILENO, lines);
 }
 
 void tell(const std::string& text)
 {
-    writeAll(STDERR_FILENO, text + '\n');
+    write(STDERR_FILENO, text + '\n');
 }
 
 void warn(std::string_view name, std::string_view reason)

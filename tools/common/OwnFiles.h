@@ -1,24 +1,33 @@
-// What of a walked tree is the run's own doing and must not get into the archive: the archive that
-// is being written, and the program's scratch folder when the dropped item contains it.
+// What of a walked tree is the program's own doing and must not get into the archive: the archive
+// that is being written, and scratch folders when the dropped item contains them: the one in which
+// the tool works, and those that a job holds.
 #pragma once
 
+#include "system/ScratchName.h"
 #include "tools/common/OutputFile.h"
+#include "tools/common/TreeWalk.h"
 
 #include <optional>
 #include <string>
 
-#include <sys/stat.h>
-
 class OwnFiles
 {
 public:
+    OwnFiles() = default; // none
     // `workingFolder` is taken for a scratch folder if it is called like one.
     OwnFiles(const OutputFile& output, const std::string& workingFolder);
 
-    [[nodiscard]] bool isOutput(const struct stat& status) const;
-    [[nodiscard]] bool isScratchFolder(const struct stat& status) const;
+    [[nodiscard]] bool isOutput(const FileStatus& status) const
+    {
+        return isSameFile(_output, status);
+    }
+    [[nodiscard]] bool isScratchFolder(const TreeItem& item, const FileStatus& status) const
+    {
+        return (_scratchFolder && isSameFile(*_scratchFolder, status))
+            || ScratchName::isInUse(item.folder, item.name);
+    }
 
 private:
-    struct stat _output;
-    std::optional<struct stat> _scratchFolder;
+    FileStatus _output{};
+    std::optional<FileStatus> _scratchFolder;
 };

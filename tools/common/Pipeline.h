@@ -35,8 +35,7 @@ public:
     class Feed
     {
     public:
-        // Waits for a block that is free; it comes as the writer left it. Throws when the run has
-        // been stopped.
+        // Waits for a block that is free, and empty. Throws when the run has been stopped.
         std::unique_ptr<Block> take()
         {
             Interrupt::check();
@@ -49,6 +48,7 @@ public:
                 block = _pipeline._empty.pop();
             if (!block)
                 throw Stopped();
+            (*block)->clear();
             return std::move(*block);
         }
 
@@ -62,9 +62,9 @@ public:
             if (_pipeline._isAlone) {
                 _startWriter();
                 _pipeline._isAlone = false;
-                handOn(std::move(_pipeline._first));
+                _handOn(std::move(_pipeline._first));
             }
-            handOn(std::move(block));
+            _handOn(std::move(block));
         }
 
     private:
@@ -76,15 +76,15 @@ public:
             , _startWorker(std::move(startWorker))
         {
         }
-        void handOn(std::unique_ptr<Block> block)
+        void _handOn(std::unique_ptr<Block> block)
         {
-            addWorker();
+            _addWorker();
             Job job{std::move(block), {}};
             if (!_pipeline._results.push(job.done.get_future()))
                 throw Stopped();
             _pipeline._jobs.push(std::move(job));
         }
-        void addWorker()
+        void _addWorker()
         {
             if (_workerCount == _pipeline._mostWorkers)
                 return;
@@ -113,11 +113,11 @@ public:
         {
             std::vector<std::jthread> threads;
             Feed feed(
-                *this, [&] { threads.emplace_back([&] { failure = writeAll(write); }); },
-                [&] { threads.emplace_back([&] { workAll(makeWork); }); });
-            const std::exception_ptr readFailure = readAll(read, feed);
+                *this, [&] { threads.emplace_back([&] { failure = _writeAll(write); }); },
+                [&] { threads.emplace_back([&] { _workAll(makeWork); }); });
+            const std::exception_ptr readFailure = _readAll(read, feed);
             if (_isAlone)
-                failure = finishAlone(makeWork, write, readFailure);
+                failure = _finishAlone(makeWork, write, readFailure);
         }
         if (failure)
             std::rethrow_exception(failure);
@@ -134,7 +134,7 @@ private:
     };
 
     // What kept it from reading all. It is handed on as the last result, too.
-    template <class Read> std::exception_ptr readAll(const Read& read, Feed& feed)
+    template <class Read> std::exception_ptr _readAll(const Read& read, Feed& feed)
     {
         std::exception_ptr failure;
         try {
@@ -152,7 +152,7 @@ private:
     }
 
     template <class MakeWork, class Write>
-    std::exception_ptr finishAlone(
+    std::exception_ptr _finishAlone(
         const MakeWork& makeWork, const Write& write, const std::exception_ptr& readFailure)
     {
         try {
@@ -167,7 +167,7 @@ private:
         return readFailure;
     }
 
-    template <class Write> std::exception_ptr writeAll(const Write& write)
+    template <class Write> std::exception_ptr _writeAll(const Write& write)
     {
         std::exception_ptr failure;
         try {
@@ -186,19 +186,19 @@ private:
         return failure;
     }
 
-    template <class MakeWork> void workAll(const MakeWork& makeWork)
+    template <class MakeWork> void _workAll(const MakeWork& makeWork)
     {
         try {
             auto work = makeWork();
             while (std::optional<Job> job = _jobs.pop())
-                workOn(*job, work);
+                _workOn(*job, work);
         } catch (...) { // makeWork found no memory: whatever this worker would have done fails
             while (std::optional<Job> job = _jobs.pop())
                 job->done.set_exception(std::current_exception());
         }
     }
 
-    template <class Work> static void workOn(Job& job, Work& work)
+    template <class Work> static void _workOn(Job& job, Work& work)
     {
         try {
             work(*job.block);

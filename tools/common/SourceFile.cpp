@@ -21,7 +21,7 @@ bool isSameTime(const timespec& a, const timespec& b)
 
 // A changed inode time alone is enough, unless it comes from another name of the file made or
 // removed.
-bool hasChanged(const struct stat& before, const struct stat& after)
+bool hasChanged(const FileStatus& before, const FileStatus& after)
 {
     return before.st_size != after.st_size || !isSameTime(before.st_mtim, after.st_mtim)
         || (!isSameTime(before.st_ctim, after.st_ctim) && before.st_nlink == after.st_nlink);
@@ -33,12 +33,12 @@ SourceFile::SourceFile(const TreeItem& item)
 {
     const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     _file = FileDescriptor(
-        openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
+        ::openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
     if (!_file && errno == ELOOP && !item.isFollowed) {
         _isUnreadable = true;
         _problem = "was replaced by a link while its folder was read";
-    } else if (!_file || fstat(_file.number(), &_status) != 0) {
-        fail(errno);
+    } else if (!_file || ::fstat(_file.number(), &_status) != 0) {
+        _fail(errno);
     } else if (!S_ISREG(_status.st_mode)) {
         _isUnreadable = true;
         _problem = "was replaced while its folder was read";
@@ -51,7 +51,7 @@ std::size_t SourceFile::read(std::span<std::byte> buffer)
         = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), remaining()));
     const std::ptrdiff_t count = FileBytes::readFully(_file.number(), buffer.first(wanted));
     if (count < 0) {
-        fail(errno);
+        _fail(errno);
         return 0;
     }
     _offset += static_cast<std::uint64_t>(count);
@@ -84,10 +84,9 @@ void SourceFile::finish()
 {
     if (!_problem.empty())
         return;
-    struct stat now {
-    };
-    if (fstat(_file.number(), &now) != 0)
-        fail(errno);
+    FileStatus now{};
+    if (::fstat(_file.number(), &now) != 0)
+        _fail(errno);
     else if (now.st_size > _status.st_size)
         _problem = "grew while it was read; stored up to its earlier size";
     else if (hasChanged(_status, now))
@@ -97,17 +96,17 @@ void SourceFile::finish()
         _problem = "does not tell its size; stored empty";
 }
 
-void SourceFile::fail(int error)
+void SourceFile::_fail(int error)
 {
     _isUnreadable = true;
     _problem = errorText(error);
 }
 
-std::optional<std::string> readLink(const TreeItem& item, const struct stat& status)
+std::optional<std::string> readLink(const TreeItem& item, const FileStatus& status)
 {
     std::string target(static_cast<std::size_t>(status.st_size) + 1, '\0');
     for (;;) {
-        const ssize_t size = readlinkat(item.folder, item.name, target.data(), target.size());
+        const ssize_t size = ::readlinkat(item.folder, item.name, target.data(), target.size());
         if (size < 0)
             return std::nullopt;
         if (static_cast<std::size_t>(size) < target.size()) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "system/FileDescriptor.h"
+#include "system/FileStatus.h"
 #include "tools/common/TreeWalk.h"
 
 #include <cstddef>
@@ -11,8 +12,6 @@
 #include <span>
 #include <string>
 
-#include <sys/stat.h>
-
 class SourceFile
 {
 public:
@@ -20,7 +19,7 @@ public:
     explicit SourceFile(const TreeItem& item);
 
     [[nodiscard]] int descriptor() const { return _file.number(); }
-    [[nodiscard]] const struct stat& status() const { return _status; }
+    [[nodiscard]] const FileStatus& status() const { return _status; }
     [[nodiscard]] std::uint64_t size() const { return static_cast<std::uint64_t>(_status.st_size); }
     [[nodiscard]] std::uint64_t remaining() const { return size() - _offset; }
 
@@ -40,15 +39,14 @@ public:
     [[nodiscard]] bool isUnreadable() const { return _isUnreadable; }
 
 private:
-    void fail(int error);
+    void _fail(int error);
 
     FileDescriptor _file;
-    struct stat _status {
-    };
+    FileStatus _status{};
     std::uint64_t _offset = 0;
     std::string _problem;
     bool _isUnreadable = false;
 };
 
 // The target of a link that the walk has found, as its bytes; none with errno.
-std::optional<std::string> readLink(const TreeItem& item, const struct stat& status);
+std::optional<std::string> readLink(const TreeItem& item, const FileStatus& status);

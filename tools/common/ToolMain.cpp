@@ -24,8 +24,18 @@ constexpr unsigned mostThreads = 64;
 void openStandardStreams()
 {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (fcntl(stream, F_GETFD) < 0)
-            (void)open("/dev/null", O_RDWR); // takes the lowest free number, which is this one
+        if (::fcntl(stream, F_GETFD) < 0)
+            (void)::open("/dev/null", O_RDWR); // takes the lowest free number, which is this one
+}
+
+// Returns the exit status.
+int fail(const Tool& tool, FailureKind kind, const std::string& text)
+{
+    Messages::tell(std::string(tool.name) + ": " + text);
+    for (const auto& [failure, status] : tool.statuses.failures)
+        if (failure == kind)
+            return status;
+    return tool.statuses.failed;
 }
 
 } // namespace
@@ -35,29 +45,25 @@ unsigned compressingThreads()
     if (const char* wanted = std::getenv("PARCELO_THREADS"))
         return static_cast<unsigned>(std::clamp<long>(std::atol(wanted), 1, mostThreads));
     cpu_set_t processors;
-    if (sched_getaffinity(0, sizeof processors, &processors) != 0)
+    if (::sched_getaffinity(0, sizeof processors, &processors) != 0)
         return 1;
     return std::clamp(static_cast<unsigned>(CPU_COUNT(&processors)), 1U, mostThreads);
 }
 
-int runTool(const char* name, const std::function<int()>& job,
-    const std::function<int(FailureKind)>& statusOf)
+int Tool::run(int argumentCount, const char* const* arguments) const
 {
-    const auto fail = [&](FailureKind kind, const std::string& text) {
-        Messages::tell(std::string(name) + ": " + text);
-        return statusOf(kind);
-    };
     // Times are stored in the zone of this machine, whatever zone the caller happens to work in.
-    unsetenv("TZ"); // NOLINT(concurrency-mt-unsafe): no thread has been started yet
+    ::unsetenv("TZ"); // NOLINT(concurrency-mt-unsafe): no thread has been started yet
     openStandardStreams();
     Interrupt::install();
     try {
-        return job();
+        const ToolArguments all(arguments, static_cast<std::size_t>(argumentCount));
+        return job(all.subspan(1)) == ToolResult::complete ? 0 : statuses.withWarnings;
     } catch (const Failure& failure) {
-        return fail(failure.kind(), failure.what());
+        return fail(*this, failure.kind(), failure.what());
     } catch (const std::bad_alloc&) {
-        return fail(FailureKind::Memory, "out of memory");
+        return fail(*this, FailureKind::memory, "out of memory");
     } catch (const std::exception& error) {
-        return fail(FailureKind::Internal, error.what());
+        return fail(*this, FailureKind::internal, error.what());
     }
 }

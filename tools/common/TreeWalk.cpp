@@ -22,7 +22,7 @@ constexpr std::string_view excludedName = ".DS_Store";
 // How much of the names in one folder is sorted at once: some 400,000 of usual length.
 constexpr std::size_t sortedBytes = std::size_t{8} << 20;
 
-enum class Kind : char { File, FollowedFile, Folder, FollowedFolder, Link, BadLink, Special, Gone };
+enum class Kind : char { file, followedFile, folder, followedFolder, link, badLink, special, gone };
 
 // Names and kinds in one block of memory: a folder may hold millions.
 class NameList
@@ -55,7 +55,7 @@ private:
 };
 
 struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
+    void operator()(DIR* folder) const { ::closedir(folder); }
 };
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
@@ -63,10 +63,10 @@ using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 OpenFolder openFolder(int parent, const char* name, bool isFollowed)
 {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isFollowed ? 0 : O_NOFOLLOW);
-    FileDescriptor opened(openat(parent, name, flags));
+    FileDescriptor opened(::openat(parent, name, flags));
     if (!opened)
         return nullptr;
-    OpenFolder folder(fdopendir(opened.number()));
+    OpenFolder folder(::fdopendir(opened.number()));
     if (folder)
         (void)opened.release(); // the folder closes it
     return folder;
@@ -76,13 +76,13 @@ Kind kindOfMode(mode_t mode)
 {
     switch (mode & S_IFMT) {
     case S_IFREG:
-        return Kind::File;
+        return Kind::file;
     case S_IFDIR:
-        return Kind::Folder;
+        return Kind::folder;
     case S_IFLNK:
-        return Kind::Link;
+        return Kind::link;
     default:
-        return Kind::Special;
+        return Kind::special;
     }
 }
 
@@ -105,9 +105,9 @@ public:
 
     std::uint64_t run()
     {
-        visit(AT_FDCWD, _name.c_str(), lookUp(AT_FDCWD, _name.c_str()));
+        _visit(AT_FDCWD, _name.c_str(), _lookUp(AT_FDCWD, _name.c_str()));
         while (!_frames.empty())
-            enterNext();
+            _enterNext();
         return _excludedCount;
     }
 
@@ -122,14 +122,14 @@ private:
         std::size_t next;
     };
 
-    void enterNext()
+    void _enterNext()
     {
         Frame& frame = _frames.back();
         _path.resize(frame.pathSize);
         const bool hasMore = frame.next < frame.subfolders.size();
-        if (hasMore && (_folder || reopen())) {
+        if (hasMore && (_folder || _reopen())) {
             const std::size_t index = frame.next++;
-            visitIn(frame.subfolders, index);
+            _visitIn(frame.subfolders, index);
             return;
         }
         if (hasMore)
@@ -139,7 +139,7 @@ private:
     }
 
     // Opens the last frame's folder again, from the top.
-    bool reopen()
+    bool _reopen()
     {
         std::size_t begin = 0;
         for (const Frame& frame : _frames) {
@@ -147,10 +147,9 @@ private:
                 = begin == 0 ? _name : _path.substr(begin, frame.pathSize - begin);
             begin = frame.pathSize + 1;
             _folder = openFolder(
-                _folder ? dirfd(_folder.get()) : AT_FDCWD, name.c_str(), frame.isFollowed);
-            struct stat status {
-            };
-            if (!_folder || fstat(dirfd(_folder.get()), &status) != 0
+                _folder ? ::dirfd(_folder.get()) : AT_FDCWD, name.c_str(), frame.isFollowed);
+            FileStatus status{};
+            if (!_folder || ::fstat(::dirfd(_folder.get()), &status) != 0
                 || status.st_dev != frame.device || status.st_ino != frame.inode) {
                 _folder.reset();
                 return false;
@@ -160,133 +159,128 @@ private:
     }
 
     // The list may move while the folder is visited, so only its index is passed.
-    void visitIn(const NameList& list, std::size_t index)
+    void _visitIn(const NameList& list, std::size_t index)
     {
         const std::string name = list.name(index);
         const Kind kind = list.kind(index);
         const std::size_t size = _path.size();
         _path += '/';
         _path += name;
-        visit(dirfd(_folder.get()), name.c_str(), kind);
-        if (kind != Kind::Folder && kind != Kind::FollowedFolder)
+        _visit(::dirfd(_folder.get()), name.c_str(), kind);
+        if (kind != Kind::folder && kind != Kind::followedFolder)
             _path.resize(size);
     }
 
-    void visit(int folder, const char* name, Kind kind)
+    void _visit(int folder, const char* name, Kind kind)
     {
-        const bool isFollowed = kind == Kind::FollowedFile || kind == Kind::FollowedFolder;
+        const bool isFollowed = kind == Kind::followedFile || kind == Kind::followedFolder;
         const TreeItem item{_path, folder, name, isFollowed};
         switch (kind) {
-        case Kind::File:
-        case Kind::FollowedFile:
+        case Kind::file:
+        case Kind::followedFile:
             _visitor.visitFile(item);
             return;
-        case Kind::Folder:
-        case Kind::FollowedFolder:
-            enter(item);
+        case Kind::folder:
+        case Kind::followedFolder:
+            _enter(item);
             return;
-        case Kind::Link:
-            visitLink(item);
+        case Kind::link:
+            _visitLink(item);
             return;
-        case Kind::BadLink:
-            visitLink(item);
-            _visitor.warn(_path, badLinkReason(item) + "; stored as a link");
+        case Kind::badLink:
+            _visitLink(item);
+            _visitor.warn(_path, _badLinkReason(item) + "; stored as a link");
             return;
-        case Kind::Special:
-        case Kind::Gone:
-            warnMissing(item);
+        case Kind::special:
+        case Kind::gone:
+            _warnMissing(item);
             return;
         }
     }
 
-    void visitLink(const TreeItem& item)
+    void _visitLink(const TreeItem& item)
     {
-        struct stat status {
-        };
-        if (fstatat(item.folder, item.name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+        FileStatus status{};
+        if (::fstatat(item.folder, item.name, &status, AT_SYMLINK_NOFOLLOW) == 0)
             _visitor.visitLink(item, status);
         else
             _visitor.warn(_path, errorText(errno));
     }
 
-    static std::string badLinkReason(const TreeItem& item)
+    static std::string _badLinkReason(const TreeItem& item)
     {
-        struct stat status {
-        };
-        if (fstatat(item.folder, item.name, &status, 0) == 0)
+        FileStatus status{};
+        if (::fstatat(item.folder, item.name, &status, 0) == 0)
             return "links to what " + specialReason(status.st_mode);
         return errno == ENOENT ? "links to nothing"
             : errno == ELOOP   ? "links in a circle"
                                : "can't be followed (" + errorText(errno) + ")";
     }
 
-    void warnMissing(const TreeItem& item)
+    void _warnMissing(const TreeItem& item)
     {
-        struct stat status {
-        };
-        if (fstatat(item.folder, item.name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+        FileStatus status{};
+        if (::fstatat(item.folder, item.name, &status, AT_SYMLINK_NOFOLLOW) == 0)
             _visitor.warn(_path, specialReason(status.st_mode));
         else
             _visitor.warn(_path, errorText(errno));
     }
 
-    void enter(const TreeItem& item)
+    void _enter(const TreeItem& item)
     {
         Interrupt::check();
         OpenFolder folder = openFolder(item.folder, item.name, item.isFollowed);
         if (!folder) {
-            visitUnreadable(item, errno);
+            _visitUnreadable(item, errno);
             return;
         }
-        struct stat status {
-        };
-        if (fstat(dirfd(folder.get()), &status) != 0)
+        FileStatus status{};
+        if (::fstat(::dirfd(folder.get()), &status) != 0)
             _visitor.warn(_path, errorText(errno));
-        else if (isAncestor(status))
-            visitLoop(item);
+        else if (_isAncestor(status))
+            _visitLoop(item);
         else if (_visitor.visitFolder(item, status))
-            visitContent(std::move(folder), status, item.isFollowed);
+            _visitContent(std::move(folder), status, item.isFollowed);
     }
 
     // Stores the folder itself, at least.
-    void visitUnreadable(const TreeItem& item, int error)
+    void _visitUnreadable(const TreeItem& item, int error)
     {
-        struct stat status {
-        };
+        FileStatus status{};
         const int flags = item.isFollowed ? 0 : AT_SYMLINK_NOFOLLOW;
         const bool isFolder
-            = fstatat(item.folder, item.name, &status, flags) == 0 && S_ISDIR(status.st_mode);
+            = ::fstatat(item.folder, item.name, &status, flags) == 0 && S_ISDIR(status.st_mode);
         if (!isFolder || _visitor.visitFolder(item, status))
             _visitor.warn(_path, errorText(error));
     }
 
-    [[nodiscard]] bool isAncestor(const struct stat& status) const
+    [[nodiscard]] bool _isAncestor(const FileStatus& status) const
     {
         return std::ranges::any_of(_frames, [&](const Frame& frame) {
             return frame.device == status.st_dev && frame.inode == status.st_ino;
         });
     }
 
-    void visitLoop(const TreeItem& item)
+    void _visitLoop(const TreeItem& item)
     {
         if (item.isFollowed)
-            visitLink(item);
+            _visitLink(item);
         _visitor.warn(_path,
             item.isFollowed ? "links to a folder it lies in; stored as a link"
                             : "is a folder it lies in");
     }
 
     // Visits all but the sub-folders, which are left for the new frame.
-    void visitContent(OpenFolder folder, const struct stat& status, bool isFollowed)
+    void _visitContent(OpenFolder folder, const FileStatus& status, bool isFollowed)
     {
         _folder = std::move(folder);
         NameList subfolders;
         for (bool hasMore = true; hasMore;) {
             NameList files;
-            hasMore = readNames(files, subfolders);
+            hasMore = _readNames(files, subfolders);
             files.sort();
             for (std::size_t index = 0; index < files.size(); ++index)
-                visitIn(files, index);
+                _visitIn(files, index);
         }
         subfolders.sort();
         _frames.push_back(
@@ -294,12 +288,12 @@ private:
     }
 
     // False when the folder has been read to its end.
-    bool readNames(NameList& files, NameList& subfolders)
+    bool _readNames(NameList& files, NameList& subfolders)
     {
         while (files.bytes() < sortedBytes) {
             errno = 0;
             // Each folder is read by the one thread that has opened it.
-            const dirent* entry = readdir(_folder.get()); // NOLINT(concurrency-mt-unsafe)
+            const dirent* entry = ::readdir(_folder.get()); // NOLINT(concurrency-mt-unsafe)
             if (entry == nullptr) {
                 if (errno != 0)
                     _visitor.warn(_path, errorText(errno));
@@ -308,9 +302,9 @@ private:
             const std::string_view name(entry->d_name);
             if (name == "." || name == "..")
                 continue;
-            const Kind kind = kindOf(*entry);
-            const bool isFile = kind == Kind::File || kind == Kind::FollowedFile;
-            const bool isFolder = kind == Kind::Folder || kind == Kind::FollowedFolder;
+            const Kind kind = _kindOf(*entry);
+            const bool isFile = kind == Kind::file || kind == Kind::followedFile;
+            const bool isFolder = kind == Kind::folder || kind == Kind::followedFolder;
             if (isFile && _options.excludesDSStore && name == excludedName)
                 ++_excludedCount;
             else
@@ -320,35 +314,34 @@ private:
     }
 
     // The folder usually tells the kind; what it doesn't is asked for.
-    [[nodiscard]] Kind kindOf(const dirent& entry) const
+    [[nodiscard]] Kind _kindOf(const dirent& entry) const
     {
         if (entry.d_type == DT_REG)
-            return Kind::File;
+            return Kind::file;
         if (entry.d_type == DT_DIR)
-            return Kind::Folder;
+            return Kind::folder;
         if (entry.d_type == DT_LNK && !_options.followsLinks)
-            return Kind::Link;
-        return lookUp(dirfd(_folder.get()), entry.d_name);
+            return Kind::link;
+        return _lookUp(::dirfd(_folder.get()), entry.d_name);
     }
 
-    [[nodiscard]] Kind lookUp(int folder, const char* name) const
+    [[nodiscard]] Kind _lookUp(int folder, const char* name) const
     {
-        struct stat status {
-        };
-        if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
-            return Kind::Gone;
+        FileStatus status{};
+        if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+            return Kind::gone;
         const Kind kind = kindOfMode(status.st_mode);
-        if (kind != Kind::Link || !_options.followsLinks)
+        if (kind != Kind::link || !_options.followsLinks)
             return kind;
-        if (fstatat(folder, name, &status, 0) != 0)
-            return Kind::BadLink;
+        if (::fstatat(folder, name, &status, 0) != 0)
+            return Kind::badLink;
         switch (kindOfMode(status.st_mode)) {
-        case Kind::File:
-            return Kind::FollowedFile;
-        case Kind::Folder:
-            return Kind::FollowedFolder;
+        case Kind::file:
+            return Kind::followedFile;
+        case Kind::folder:
+            return Kind::followedFolder;
         default:
-            return Kind::BadLink;
+            return Kind::badLink;
         }
     }
 

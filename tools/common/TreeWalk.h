@@ -13,11 +13,11 @@
 // that leads nowhere and one to a device are handed over as the links they are, with a warning.
 #pragma once
 
+#include "system/FileStatus.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include <sys/stat.h>
 
 struct TreeItem {
     std::string_view path; // from the item on, without a slash at the end
@@ -33,9 +33,9 @@ public:
 
     // A regular file, by what its folder says: to be opened, and looked at again, by the visitor.
     virtual void visitFile(const TreeItem& item) = 0;
-    virtual void visitLink(const TreeItem& item, const struct stat& status) = 0;
+    virtual void visitLink(const TreeItem& item, const FileStatus& status) = 0;
     // False leaves the folder and all in it out.
-    virtual bool visitFolder(const TreeItem& item, const struct stat& status) = 0;
+    virtual bool visitFolder(const TreeItem& item, const FileStatus& status) = 0;
     // Something is missing from the walk, or not what one would expect.
     virtual void warn(std::string_view path, const std::string& reason) = 0;
 };

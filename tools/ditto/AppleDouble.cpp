@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include <endian.h>
+
 namespace
 {
 
@@ -19,74 +21,70 @@ std::size_t recordSize(std::string_view name)
     return (11 + name.size() + 1 + 3) / 4 * 4;
 }
 
-void append(std::vector<std::byte>& bytes, std::span<const std::byte> more)
+void replace(ByteBuffer& bytes, std::span<const std::byte> others)
 {
-    bytes.insert(bytes.end(), more.begin(), more.end());
-}
-
-void appendNumber(std::vector<std::byte>& bytes, std::size_t value, int size)
-{
-    while (size-- > 0)
-        bytes.push_back(static_cast<std::byte>(value >> (8 * size)));
+    bytes.clear();
+    bytes.append(others);
 }
 
 } // namespace
 
 bool AppleDouble::add(std::string_view name, std::span<const std::byte> value)
 {
-    bool isAdded = totalSize() + value.size() <= mostBytes;
+    bool isAdded = _totalSize() + value.size() <= mostBytes;
     if (isAdded && name == "com.apple.ResourceFork")
-        _resourceFork.assign(value.begin(), value.end());
+        replace(_resourceFork, value);
     else if (isAdded && name == "com.apple.FinderInfo" && value.size() == finderSize)
-        _finderInformation.assign(value.begin(), value.end());
+        replace(_finderInformation, value);
     else
-        isAdded = isAdded && addAttribute(name, value);
+        isAdded = isAdded && _addAttribute(name, value);
     _hasAny = _hasAny || isAdded;
     return isAdded;
 }
 
-bool AppleDouble::addAttribute(std::string_view name, std::span<const std::byte> value)
+bool AppleDouble::_addAttribute(std::string_view name, std::span<const std::byte> value)
 {
     const std::size_t size = recordSize(name);
     if (name.empty() || name.size() > longestName || _headSize + size > longestHead
-        || totalSize() + size + value.size() > mostBytes)
+        || _totalSize() + size + value.size() > mostBytes)
         return false;
     _headSize += size;
     _attributes.push_back({std::string(name), value.size()});
-    append(_values, value);
+    _values.append(value);
     return true;
 }
 
-std::size_t AppleDouble::totalSize() const
+std::size_t AppleDouble::_totalSize() const
 {
     return _headSize + _values.size() + _resourceFork.size();
 }
 
-std::vector<std::byte> AppleDouble::bytes() const
+ByteBuffer AppleDouble::bytes() const
 {
     const std::size_t valuesEnd = _headSize + _values.size();
-    std::vector<std::byte> bytes;
-    const auto u16 = [&](std::size_t value) { appendNumber(bytes, value, 2); };
-    const auto u32 = [&](std::size_t value) { appendNumber(bytes, value, 4); };
-    const auto text
-        = [&](std::string_view words) { append(bytes, std::as_bytes(std::span(words))); };
+    ByteBuffer bytes;
+    const auto u16
+        = [&](std::size_t value) { bytes.u16(htobe16(static_cast<std::uint16_t>(value))); };
+    const auto u32
+        = [&](std::size_t value) { bytes.u32(htobe32(static_cast<std::uint32_t>(value))); };
+    const auto zerosTo = [&](std::size_t size) { bytes.zeros(size - bytes.size()); };
 
     u32(0x00051607);
     u32(0x00020000);
-    text("Mac OS X        ");
+    bytes.text("Mac OS X        ");
     u16(2);
     for (const std::size_t number : {std::size_t{9}, finderOffset, valuesEnd - finderOffset, //
              std::size_t{2}, valuesEnd, _resourceFork.size()})
         u32(number);
-    append(bytes, _finderInformation);
-    bytes.resize(attributesOffset);
+    bytes.append(_finderInformation);
+    zerosTo(attributesOffset);
 
-    text("ATTR");
+    bytes.text("ATTR");
     u32(0);
     u32(valuesEnd);
     u32(_headSize);
     u32(_values.size());
-    bytes.resize(bytes.size() + 12);
+    bytes.zeros(12);
     u16(0);
     u16(_attributes.size());
     std::size_t valueOffset = _headSize;
@@ -95,12 +93,12 @@ std::vector<std::byte> AppleDouble::bytes() const
         u32(valueOffset);
         u32(attribute.size);
         u16(0);
-        appendNumber(bytes, attribute.name.size() + 1, 1);
-        text(attribute.name);
-        bytes.resize(begin + recordSize(attribute.name));
+        bytes.u8(attribute.name.size() + 1);
+        bytes.text(attribute.name);
+        zerosTo(begin + recordSize(attribute.name));
         valueOffset += attribute.size;
     }
-    append(bytes, _values);
-    append(bytes, _resourceFork);
+    bytes.append(_values);
+    bytes.append(_resourceFork);
     return bytes;
 }

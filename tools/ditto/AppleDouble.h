@@ -19,8 +19,9 @@
 // by their names.
 #pragma once
 
+#include "tools/common/ByteBuffer.h"
+
 #include <cstddef>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,20 +33,20 @@ public:
     // False if there is no room left for it or no form in which readers would take it.
     [[nodiscard]] bool add(std::string_view name, std::span<const std::byte> value);
     [[nodiscard]] bool isEmpty() const { return !_hasAny; }
-    [[nodiscard]] std::vector<std::byte> bytes() const;
+    [[nodiscard]] ByteBuffer bytes() const;
 
 private:
     struct Attribute {
         std::string name;
         std::size_t size;
     };
-    bool addAttribute(std::string_view name, std::span<const std::byte> value);
-    [[nodiscard]] std::size_t totalSize() const;
+    bool _addAttribute(std::string_view name, std::span<const std::byte> value);
+    [[nodiscard]] std::size_t _totalSize() const;
 
-    std::vector<std::byte> _finderInformation; // none or 32 bytes
-    std::vector<std::byte> _resourceFork;
+    ByteBuffer _finderInformation; // none or 32 bytes
+    ByteBuffer _resourceFork;
     std::vector<Attribute> _attributes;
-    std::vector<std::byte> _values;
+    ByteBuffer _values;
     std::size_t _headSize = 120;
     bool _hasAny = false;
 };

@@ -16,7 +16,7 @@ constexpr std::array<std::string_view, 1> copyForm{"-rsrcFork"};
 
 Failure wrong(const std::string& what)
 {
-    return {FailureKind::Usage,
+    return {FailureKind::usage,
         what
             + "\nusage: ditto -V -c -k --keepParent --sequesterRsrc ./ITEM ARCHIVE"
               "\n       ditto -rsrcFork SOURCE TARGET"};

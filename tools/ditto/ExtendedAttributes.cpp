@@ -26,10 +26,10 @@ std::vector<std::string> split(std::string_view list)
 
 void ExtendedAttributes::forEach(int descriptor, const Visit& visit)
 {
-    if (flistxattr(descriptor, nullptr, 0) == 0)
+    if (::flistxattr(descriptor, nullptr, 0) == 0)
         return; // as nearly always
     std::string list(mostBytes, '\0');
-    const ssize_t listSize = flistxattr(descriptor, list.data(), list.size());
+    const ssize_t listSize = ::flistxattr(descriptor, list.data(), list.size());
     if (listSize < 0) {
         if (errno != ENOTSUP)
             visit("", {}, errno);
@@ -38,7 +38,7 @@ void ExtendedAttributes::forEach(int descriptor, const Visit& visit)
     list.resize(static_cast<std::size_t>(listSize));
     std::vector<std::byte> value(mostBytes);
     for (const std::string& name : split(list)) {
-        const ssize_t size = fgetxattr(descriptor, name.c_str(), value.data(), value.size());
+        const ssize_t size = ::fgetxattr(descriptor, name.c_str(), value.data(), value.size());
         if (size >= 0)
             visit(name, std::span(value).first(static_cast<std::size_t>(size)), 0);
         else if (errno != ENODATA) // removed meanwhile

@@ -2,7 +2,6 @@
 
 #include "tools/common/Failure.h"
 #include "tools/common/Messages.h"
-#include "tools/common/OwnFiles.h"
 #include "tools/ditto/AppleDouble.h"
 #include "tools/ditto/ExtendedAttributes.h"
 #include "tools/zip/StoreTree.h"
@@ -49,29 +48,29 @@ public:
 protected:
     void storedFile(const TreeItem& item, const SourceFile& file) override
     {
-        addAttributes(item, file.status(), file.descriptor());
+        _addAttributes(item, file.status(), file.descriptor());
     }
 
-    void storedFolder(const TreeItem& item, const struct stat& status) override
+    void storedFolder(const TreeItem& item, const FileStatus& status) override
     {
         const FileDescriptor folder(
-            openat(item.folder, item.name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+            ::openat(item.folder, item.name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (folder) // else the walk warns, too
-            addAttributes(item, status, folder.number());
+            _addAttributes(item, status, folder.number());
     }
 
 private:
-    void addAttributes(const TreeItem& item, const struct stat& status, int descriptor)
+    void _addAttributes(const TreeItem& item, const FileStatus& status, int descriptor)
     {
         AppleDouble side;
         ExtendedAttributes::forEach(descriptor, [&](const auto& name, auto value, int error) {
-            addAttribute(side, item, name, value, error);
+            _addAttribute(side, item, name, value, error);
         });
         if (!side.isEmpty())
-            addSide(item, status, side);
+            _addSide(item, status, side);
     }
 
-    void addAttribute(AppleDouble& side, const TreeItem& item, const std::string& name,
+    void _addAttribute(AppleDouble& side, const TreeItem& item, const std::string& name,
         std::span<const std::byte> value, int error)
     {
         const bool isUsers = name.starts_with(ExtendedAttributes::userPrefix);
@@ -81,7 +80,7 @@ private:
             warn(item.path, "extended attribute " + name + " is too long to be stored");
     }
 
-    void addSide(const TreeItem& item, const struct stat& status, const AppleDouble& side)
+    void _addSide(const TreeItem& item, const FileStatus& status, const AppleDouble& side)
     {
         ZipFormat::Entry entry = ZipFormat::makeEntry(sideName(item.path), status);
         entry.mode = S_IFREG | (status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO) & ~0111U);
@@ -96,17 +95,13 @@ private:
 
 } // namespace
 
-bool makeForkZip(const DittoOptions& options, unsigned threadCount)
+ToolResult makeForkZip(const DittoOptions& options)
 {
-    ZipWriter writer(options.target, ZipWriter::Existing::Replace,
+    ZipWriter writer(options.target, ZipWriter::Existing::replace,
         [&](const ZipFormat::Entry& entry) { return progressLine(options.source, entry); });
     const OwnFiles ownFiles(writer.file(), ".");
-    const TreeToStore tree{.item = options.source,
-        .storedName = options.source,
-        .level = level,
-        .threadCount = threadCount};
-    const ZipResult result = storeTree(writer, tree, [&](Pipeline<Block>::Feed& feed) {
+    const TreeToStore tree{.item = options.source, .storedName = options.source, .level = level};
+    return storeTree(writer, tree, [&](Pipeline<Block>::Feed& feed) {
         return std::make_unique<ForkReader>(feed, ownFiles, true);
     });
-    return result == ZipResult::Complete;
 }

@@ -8,7 +8,7 @@ constexpr std::size_t bytesPerFile = 100; // besides the name
 
 } // namespace
 
-const std::string* HardLinks::find(const struct stat& status)
+const std::string* HardLinks::find(const FileStatus& status)
 {
     const auto first = _files.find({status.st_dev, status.st_ino});
     if (status.st_nlink < 2 || first == _files.end())
@@ -21,7 +21,7 @@ const std::string* HardLinks::find(const struct stat& status)
     return &_found;
 }
 
-void HardLinks::add(const struct stat& status, const std::string& name)
+void HardLinks::add(const FileStatus& status, const std::string& name)
 {
     if (status.st_nlink < 2 || _size > mostBytes)
         return;

@@ -3,21 +3,21 @@
 // are then stored as files of their own.
 #pragma once
 
+#include "system/FileStatus.h"
+
 #include <cstddef>
 #include <map>
 #include <string>
 #include <utility>
 
-#include <sys/stat.h>
-
 class HardLinks
 {
 public:
     // The entry that `status` is another name of; null if it is none. Valid until the next call.
-    const std::string* find(const struct stat& status);
+    const std::string* find(const FileStatus& status);
 
     // Remembers the first name of a file, if it has more.
-    void add(const struct stat& status, const std::string& name);
+    void add(const FileStatus& status, const std::string& name);
 
 private:
     struct First {

@@ -1,11 +1,8 @@
 #include "tools/tar/StreamReader.h"
 
-#include "tools/common/Failure.h"
 #include "tools/common/Messages.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <optional>
 
 namespace
 {
@@ -14,7 +11,7 @@ namespace
 // nothing has been promised yet. Larger ones may cross from block to block.
 constexpr std::size_t largestSmall = pieceSize / 4;
 
-TarFormat::Entry makeEntry(TarFormat::Type type, const TreeItem& item, const struct stat& status)
+TarFormat::Entry makeEntry(TarFormat::Type type, const TreeItem& item, const FileStatus& status)
 {
     TarFormat::Entry entry;
     entry.type = type;
@@ -25,85 +22,61 @@ TarFormat::Entry makeEntry(TarFormat::Type type, const TreeItem& item, const str
 
 } // namespace
 
-void StreamReader::visitFile(const TreeItem& item)
+void StreamReader::addFile(const TreeItem& item, SourceFile& file)
 {
-    SourceFile file(item);
-    if (file.isUnreadable()) {
-        warn(item.path, file.problem());
-        return;
-    }
-    const struct stat& status = file.status();
-    if (_ownFiles.isOutput(status))
-        return;
-    TarFormat::Entry entry = makeEntry(TarFormat::Type::File, item, status);
+    const FileStatus& status = file.status();
+    TarFormat::Entry entry = makeEntry(TarFormat::Type::file, item, status);
     if (const std::string* first = _hardLinks.find(status)) {
-        entry.type = TarFormat::Type::HardLink;
+        entry.type = TarFormat::Type::hardLink;
         entry.linkTarget = *first;
-        append(TarFormat::header(entry));
-        endEntry(entry);
+        _addBare(entry);
         return;
     }
     entry.size = file.size();
     if (file.size() <= largestSmall)
-        addSmall(file, entry);
+        _addSmall(file, entry);
     else
-        addLarge(file, entry);
-    if (!file.problem().empty())
-        warn(item.path, file.problem());
-    else
+        _addLarge(file, entry);
+    if (file.problem().empty())
         _hardLinks.add(status, entry.name);
 }
 
-void StreamReader::visitLink(const TreeItem& item, const struct stat& status)
+void StreamReader::addLink(
+    const TreeItem& item, const FileStatus& status, const std::string& target)
 {
-    std::optional<std::string> target = readLink(item, status);
-    if (!target) {
-        warn(item.path, errorText(errno));
-        return;
-    }
-    TarFormat::Entry entry = makeEntry(TarFormat::Type::Link, item, status);
-    entry.linkTarget = std::move(*target);
-    append(TarFormat::header(entry));
-    endEntry(entry);
+    TarFormat::Entry entry = makeEntry(TarFormat::Type::link, item, status);
+    entry.linkTarget = target;
+    _addBare(entry);
 }
 
-bool StreamReader::visitFolder(const TreeItem& item, const struct stat& status)
+bool StreamReader::addFolder(const TreeItem& item, const FileStatus& status)
 {
-    if (_ownFiles.isScratchFolder(status))
-        return false;
-    TarFormat::Entry entry = makeEntry(TarFormat::Type::Folder, item, status);
+    TarFormat::Entry entry = makeEntry(TarFormat::Type::folder, item, status);
     entry.name += '/';
-    append(TarFormat::header(entry));
-    endEntry(entry);
+    _addBare(entry);
     return true;
-}
-
-void StreamReader::warn(std::string_view path, const std::string& reason)
-{
-    ++_warningCount;
-    Messages::warn(path, reason);
 }
 
 void StreamReader::finish()
 {
-    const std::uint64_t size = _streamSize + block().used + 2 * TarFormat::blockSize;
-    addZeros(2 * TarFormat::blockSize
+    const std::uint64_t size = _streamSize + _openBlock().used + 2 * TarFormat::blockSize;
+    _addZeros(2 * TarFormat::blockSize
         + (TarFormat::recordSize - size % TarFormat::recordSize) % TarFormat::recordSize);
-    block().isLast = true;
-    submit();
+    _openBlock().isLast = true;
+    _submit();
 }
 
-void StreamReader::addSmall(SourceFile& file, TarFormat::Entry entry)
+void StreamReader::_addSmall(SourceFile& file, TarFormat::Entry entry)
 {
-    std::vector<std::byte> header = TarFormat::header(entry);
+    ByteBuffer header = TarFormat::header(entry);
     const std::size_t needed = header.size() + file.size() + TarFormat::blockSize;
-    if (block().room().size() < needed)
-        submit();
-    if (block().room().size() < needed) { // the path alone may be longer than a block
-        addLarge(file, entry);
+    if (_openBlock().room().size() < needed)
+        _submit();
+    if (_openBlock().room().size() < needed) { // the path alone may be longer than a block
+        _addLarge(file, entry);
         return;
     }
-    const std::size_t size = file.read(block().room().subspan(header.size()));
+    const std::size_t size = file.read(_openBlock().room().subspan(header.size()));
     file.finish();
     if (file.isUnreadable())
         return;
@@ -111,69 +84,76 @@ void StreamReader::addSmall(SourceFile& file, TarFormat::Entry entry)
         entry.size = size;
         header = TarFormat::header(entry);
     }
-    append(header);
-    block().used += size;
-    addZeros(TarFormat::padding(size));
-    endEntry(entry);
+    _append(header);
+    _openBlock().used += size;
+    _addZeros(TarFormat::padding(size));
+    _endEntry(entry);
 }
 
 // The size has been written before the content: what is missing of that in the end is made of
 // zeros.
-void StreamReader::addLarge(SourceFile& file, const TarFormat::Entry& entry)
+void StreamReader::_addLarge(SourceFile& file, const TarFormat::Entry& entry)
 {
-    append(TarFormat::header(entry));
+    _append(TarFormat::header(entry));
     while (file.remaining() > 0 && file.problem().empty()) {
-        if (block().room().empty())
-            submit();
-        block().used += file.read(block().room());
+        StreamBlock& block = _blockWithRoom();
+        block.used += file.read(block.room());
     }
     file.finish();
-    addZeros(file.remaining() + TarFormat::padding(entry.size));
-    endEntry(entry);
+    _addZeros(file.remaining() + TarFormat::padding(entry.size));
+    _endEntry(entry);
 }
 
-void StreamReader::addZeros(std::uint64_t count)
+// An entry without content.
+void StreamReader::_addBare(const TarFormat::Entry& entry)
+{
+    _append(TarFormat::header(entry));
+    _endEntry(entry);
+}
+
+void StreamReader::_addZeros(std::uint64_t count)
 {
     while (count > 0) {
-        if (block().room().empty())
-            submit();
-        const std::span<std::byte> room = block().room();
+        const std::span<std::byte> room = _blockWithRoom().room();
         const std::span<std::byte> part = room.first(std::min<std::uint64_t>(room.size(), count));
-        std::ranges::fill(part, std::byte{0});
-        block().used += part.size();
+        std::fill_n(part.data(), part.size(), std::byte{0});
+        _block->used += part.size();
         count -= part.size();
     }
 }
 
-void StreamReader::append(std::span<const std::byte> bytes)
+void StreamReader::_append(std::span<const std::byte> bytes)
 {
     while (!bytes.empty()) {
-        if (block().room().empty())
-            submit();
-        const std::span<std::byte> room = block().room();
+        const std::span<std::byte> room = _blockWithRoom().room();
         const std::span<const std::byte> part = bytes.first(std::min(room.size(), bytes.size()));
-        std::ranges::copy(part, room.begin());
-        block().used += part.size();
+        std::copy_n(part.data(), part.size(), room.data());
+        _block->used += part.size();
         bytes = bytes.subspan(part.size());
     }
 }
 
-void StreamReader::endEntry(const TarFormat::Entry& entry)
+void StreamReader::_endEntry(const TarFormat::Entry& entry)
 {
-    ++_entryCount;
-    block().progress += "  adding: " + Messages::progressName(entry.name) + '\n';
+    countEntry();
+    _openBlock().progress += "  adding: " + Messages::progressName(entry.name) + '\n';
 }
 
-StreamBlock& StreamReader::block()
+StreamBlock& StreamReader::_blockWithRoom()
 {
-    if (!_block) {
+    if (_openBlock().room().empty())
+        _submit();
+    return _openBlock();
+}
+
+StreamBlock& StreamReader::_openBlock()
+{
+    if (!_block)
         _block = _feed.take();
-        _block->clear();
-    }
     return *_block;
 }
 
-void StreamReader::submit()
+void StreamReader::_submit()
 {
     _streamSize += _block->used;
     _feed.submit(std::move(_block));

@@ -106,15 +106,15 @@ std::string paxRecords(const Entry& entry)
     return records;
 }
 
-void append(std::vector<std::byte>& bytes, std::string_view text)
+// Whole blocks, the last one filled up with zeros.
+void append(ByteBuffer& bytes, std::string_view text)
 {
-    const auto raw = std::as_bytes(std::span(text));
-    bytes.insert(bytes.end(), raw.begin(), raw.end());
-    bytes.resize(bytes.size() + TarFormat::padding(text.size()));
+    bytes.text(text);
+    bytes.zeros(TarFormat::padding(text.size()));
 }
 
-void appendBlock(std::vector<std::byte>& bytes, const SplitName& name, char type,
-    std::uint64_t size, const Entry& entry)
+void appendBlock(
+    ByteBuffer& bytes, const SplitName& name, char type, std::uint64_t size, const Entry& entry)
 {
     HeaderBlock block{};
     put(block, nameField, name.name);
@@ -142,9 +142,9 @@ void appendBlock(std::vector<std::byte>& bytes, const SplitName& name, char type
 namespace TarFormat
 {
 
-std::vector<std::byte> header(const Entry& entry)
+ByteBuffer header(const Entry& entry)
 {
-    std::vector<std::byte> bytes;
+    ByteBuffer bytes;
     const std::string records = paxRecords(entry);
     // A stand-in for what does not fit, seen only by readers that do not know extended headers.
     const SplitName shortened{"", Utf8::shortened(entry.name, nameField.size)};

@@ -4,12 +4,12 @@
 // machine's users mean nothing on another.
 #pragma once
 
+#include "system/FileStatus.h"
+#include "tools/common/ByteBuffer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
-
-#include <sys/stat.h>
 
 namespace TarFormat
 {
@@ -19,20 +19,18 @@ inline constexpr std::size_t blockSize = 512;
 // Tapes were written in records of 20 blocks, and readers still expect a whole number of them.
 inline constexpr std::size_t recordSize = 20 * blockSize;
 
-enum class Type : char { File = '0', HardLink = '1', Link = '2', Folder = '5' };
+enum class Type : char { file = '0', hardLink = '1', link = '2', folder = '5' };
 
 struct Entry {
-    Type type = Type::File;
+    Type type = Type::file;
     std::string name; // folders end in a slash
-    std::string
-        linkTarget; // of a link; of a hard link, the name of the entry it is another name of
+    std::string linkTarget; // of a hard link, the name of the entry that it is another name of
     std::uint64_t size = 0; // of the content that follows, without its padding
-    struct stat status {
-    };
+    FileStatus status{};
 };
 
 // The blocks before the entry's content.
-std::vector<std::byte> header(const Entry& entry);
+ByteBuffer header(const Entry& entry);
 
 // How many zero bytes follow a content of that size.
 std::size_t padding(std::uint64_t size);

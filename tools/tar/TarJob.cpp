@@ -1,11 +1,9 @@
 #include "tools/tar/TarJob.h"
 
-#include "tools/common/ByteWriter.h"
 #include "tools/common/Crc32.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Messages.h"
 #include "tools/common/OutputFile.h"
-#include "tools/common/OwnFiles.h"
 #include "tools/common/Pipeline.h"
 #include "tools/tar/StreamReader.h"
 
@@ -49,11 +47,10 @@ public:
 
     void finish()
     {
-        std::vector<std::byte> bytes;
-        ByteWriter trailer(bytes);
+        ByteBuffer trailer;
         trailer.u32(_crc);
         trailer.u32(_size);
-        _file.append(bytes);
+        _file.append(trailer);
     }
 
 private:
@@ -94,21 +91,21 @@ bool isNothingLeft(const Counts& counts)
 
 } // namespace
 
-TarResult runTar(const TarOptions& options, unsigned threadCount)
+ToolResult runTar(const TarOptions& options)
 {
     OutputFile file = OutputFile::createBeside(options.archive);
     const OwnFiles ownFiles(file, ".");
     GzipWriter writer(file);
     Counts counts;
     {
-        Pipeline<StreamBlock> pipeline(threadCount);
+        Pipeline<StreamBlock> pipeline(compressingThreads());
         pipeline.run([&](auto& feed) { counts = readTree(feed, ownFiles, options); },
             [] { return StreamCompressor(); },
             [&](const StreamBlock& block) { writer.add(block); });
     } // every thread has ended, so the counts are there
     if (isNothingLeft(counts))
-        throw Failure(FailureKind::NothingToDo, "nothing to do: no input is left to be stored");
+        throw Failure(FailureKind::nothingToDo, "nothing to do: no input is left to be stored");
     writer.finish();
-    const bool isDurable = file.commitDurably(OutputFile::Existing::Replace);
-    return isDurable && counts.warnings == 0 ? TarResult::Complete : TarResult::WithWarnings;
+    const bool isDurable = file.commitDurably(OutputFile::Existing::replace);
+    return isDurable && counts.warnings == 0 ? ToolResult::complete : ToolResult::withWarnings;
 }

@@ -10,7 +10,7 @@ namespace
 
 Failure wrong(const std::string& what)
 {
-    return {FailureKind::Usage, what + "\nusage: tar [--exclude .DS_Store] -zhcf ARCHIVE FOLDER"};
+    return {FailureKind::usage, what + "\nusage: tar [--exclude .DS_Store] -zhcf ARCHIVE FOLDER"};
 }
 
 } // namespace

@@ -1,13 +1,9 @@
 // What goes through the pipeline: several whole entries, or one piece.
 #pragma once
 
-#include "tools/common/Compressor.h"
+#include "tools/common/PieceBlock.h"
 #include "tools/zip/ZipFormat.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <span>
 #include <vector>
 
 // An entry, or one piece of a file that is larger than a block.
@@ -26,33 +22,20 @@ struct Member {
     [[nodiscard]] bool isWhole() const { return isFirst && isLast; }
 };
 
-struct Block {
-    Block()
-        : input(std::make_unique_for_overwrite<std::byte[]>(pieceSize))
-    {
-    }
-
-    std::unique_ptr<std::byte[]> input;
-    std::size_t used = 0; // bytes of the input
+// Its output is, of whole entries, ready to be written, headers included; of a piece its data,
+// unless it is stored.
+struct Block : PieceBlock {
     std::vector<Member> members;
     std::size_t nameBytes = 0; // of the whole entries
-    // Whole entries: ready to be written, headers included. A piece: its data, unless it is stored.
-    std::vector<std::byte> output;
 
-    [[nodiscard]] std::span<std::byte> room() const
-    {
-        return std::span(input.get(), pieceSize).subspan(used);
-    }
     [[nodiscard]] std::span<const std::byte> dataOf(const Member& member) const
     {
-        return std::span<const std::byte>(input.get(), pieceSize)
-            .subspan(member.begin, member.size);
+        return {input.get() + member.begin, member.size};
     }
     void clear()
     {
-        used = 0;
+        PieceBlock::clear();
         members.clear();
         nameBytes = 0;
-        output.clear();
     }
 };

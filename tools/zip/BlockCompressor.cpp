@@ -16,7 +16,7 @@ void BlockCompressor::operator()(Block& block)
         const std::span<const std::byte> data = block.dataOf(member);
         member.crc = Crc32::of(data);
         if (member.isWhole())
-            finishWhole(block, member);
+            _finishWhole(block, member);
         else if (!member.isStored && !member.isAbandoned)
             _compressor->compressPiece(data, member.isLast, block.output);
     }
@@ -24,22 +24,22 @@ void BlockCompressor::operator()(Block& block)
 
 // The header comes before the data, but tells how the data turned out, so it is written twice: its
 // size does not depend on that.
-void BlockCompressor::finishWhole(Block& block, Member& member)
+void BlockCompressor::_finishWhole(Block& block, Member& member)
 {
     using ZipFormat::Method;
     const std::span<const std::byte> data = block.dataOf(member);
-    std::vector<std::byte>& output = block.output;
+    ByteBuffer& output = block.output;
     member.outputBegin = output.size();
     ZipFormat::appendLocalHeader(output, member.entry);
     const bool isWorthTrying = !member.isStored && !looksIncompressible(data);
     const std::size_t compressed = isWorthTrying ? _compressor->compressSmaller(data, output) : 0;
     if (compressed == 0)
-        output.insert(output.end(), data.begin(), data.end());
-    member.entry.method = compressed == 0 ? Method::Stored : Method::Deflated;
+        output.append(data);
+    member.entry.method = compressed == 0 ? Method::stored : Method::deflated;
     member.entry.crc = member.crc;
     member.entry.size = data.size();
     member.entry.compressedSize = compressed == 0 ? data.size() : compressed;
-    std::vector<std::byte> header;
+    ByteBuffer header;
     ZipFormat::appendLocalHeader(header, member.entry);
-    std::ranges::copy(header, output.begin() + static_cast<std::ptrdiff_t>(member.outputBegin));
+    std::ranges::copy(header, output.begin() + member.outputBegin);
 }

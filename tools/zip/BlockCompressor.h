@@ -16,7 +16,7 @@ public:
     void operator()(Block& block);
 
 private:
-    void finishWhole(Block& block, Member& member);
+    void _finishWhole(Block& block, Member& member);
 
     std::optional<Compressor> _compressor;
 };

@@ -1,7 +1,6 @@
 #include "tools/zip/BlockReader.h"
 
 #include "tools/common/Failure.h"
-#include "tools/common/Messages.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,66 +12,36 @@ namespace
 constexpr std::size_t mostMembers = 1024;
 constexpr std::size_t mostNameBytes = pieceSize;
 
-bool isTooLong(const std::string& name)
-{
-    return name.size() > ZipFormat::longestName;
-}
-
 } // namespace
 
-void BlockReader::visitFile(const TreeItem& item)
+void BlockReader::addFile(const TreeItem& item, SourceFile& file)
 {
-    SourceFile file(item);
-    if (file.isUnreadable()) {
-        warn(item.path, file.problem());
-        return;
-    }
-    if (_ownFiles.isOutput(file.status()))
-        return;
     ZipFormat::Entry entry = ZipFormat::makeEntry(std::string(item.path), file.status());
-    if (isTooLong(entry.name)) {
-        warn(item.path, errorText(ENAMETOOLONG));
+    if (!_canHold(entry, item.path))
         return;
-    }
     if (file.size() <= pieceSize)
-        addWhole(file, std::move(entry));
+        _addWhole(file, std::move(entry));
     else
-        addPieces(file, std::move(entry));
-    if (!file.problem().empty())
-        warn(item.path, file.problem());
+        _addPieces(file, std::move(entry));
     if (!file.isUnreadable())
         storedFile(item, file);
 }
 
-void BlockReader::visitLink(const TreeItem& item, const struct stat& status)
+void BlockReader::addLink(const TreeItem& item, const FileStatus& status, const std::string& target)
 {
     ZipFormat::Entry entry = ZipFormat::makeEntry(std::string(item.path), status);
-    const std::optional<std::string> target = readLink(item, status);
-    if (!target || isTooLong(entry.name)) {
-        warn(item.path, errorText(target ? ENAMETOOLONG : errno));
-        return;
-    }
-    addContent(std::move(entry), std::as_bytes(std::span(*target)));
+    if (_canHold(entry, item.path))
+        addContent(std::move(entry), std::as_bytes(std::span(target)));
 }
 
-bool BlockReader::visitFolder(const TreeItem& item, const struct stat& status)
+bool BlockReader::addFolder(const TreeItem& item, const FileStatus& status)
 {
-    if (_ownFiles.isScratchFolder(status))
-        return false;
     ZipFormat::Entry entry = ZipFormat::makeEntry(std::string(item.path) + '/', status);
-    if (isTooLong(entry.name)) {
-        warn(item.path, errorText(ENAMETOOLONG));
+    if (!_canHold(entry, item.path))
         return false;
-    }
     addContent(std::move(entry), {});
     storedFolder(item, status);
     return true;
-}
-
-void BlockReader::warn(std::string_view path, const std::string& reason)
-{
-    ++_warningCount;
-    Messages::warn(path, reason);
 }
 
 void BlockReader::flush()
@@ -81,19 +50,28 @@ void BlockReader::flush()
         _feed.submit(std::move(_block));
 }
 
-void BlockReader::addWhole(SourceFile& file, ZipFormat::Entry entry)
+// Else warns.
+bool BlockReader::_canHold(const ZipFormat::Entry& entry, std::string_view path)
 {
-    Block& block = blockFor(file.size());
+    const bool fits = entry.name.size() <= ZipFormat::longestName;
+    if (!fits)
+        warn(path, errorText(ENAMETOOLONG));
+    return fits;
+}
+
+void BlockReader::_addWhole(SourceFile& file, ZipFormat::Entry entry)
+{
+    Block& block = _blockFor(file.size());
     const std::size_t size = file.read(block.room());
     file.finish();
     if (!file.isUnreadable())
-        addMember(std::move(entry), size, !_compresses);
+        _addMember(std::move(entry), size, !_compresses);
 }
 
-void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
+void BlockReader::_addPieces(SourceFile& file, ZipFormat::Entry entry)
 {
     const bool isStored = !_compresses || file.looksIncompressible();
-    entry.method = isStored ? ZipFormat::Method::Stored : ZipFormat::Method::Deflated;
+    entry.method = isStored ? ZipFormat::Method::stored : ZipFormat::Method::deflated;
     entry.reservesZip64
         = (isStored ? file.size() : Compressor::worstSize(file.size())) >= ZipFormat::mark32;
     flush();
@@ -102,7 +80,7 @@ void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
     piece.isStored = isStored;
     piece.isLast = false;
     while (!piece.isLast) {
-        Block& block = blockFor(pieceSize);
+        Block& block = _blockFor(pieceSize);
         piece.size = file.read(block.room());
         piece.isLast = file.remaining() == 0 || !file.problem().empty();
         if (piece.isLast)
@@ -111,7 +89,7 @@ void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
         if (piece.isFirst) {
             if (piece.isAbandoned)
                 return; // nothing of it is under way
-            ++_entryCount;
+            countEntry();
         }
         block.members.push_back(piece);
         flush();
@@ -122,14 +100,14 @@ void BlockReader::addPieces(SourceFile& file, ZipFormat::Entry entry)
 
 void BlockReader::addContent(ZipFormat::Entry entry, std::span<const std::byte> content)
 {
-    Block& block = blockFor(content.size());
-    std::ranges::copy(content, block.room().begin());
+    Block& block = _blockFor(content.size());
+    std::copy_n(content.data(), content.size(), block.room().data());
     const bool isStored = !_compresses || !S_ISREG(entry.mode);
-    addMember(std::move(entry), content.size(), isStored);
+    _addMember(std::move(entry), content.size(), isStored);
 }
 
 // The entry's data has been put at the beginning of the block's room.
-void BlockReader::addMember(ZipFormat::Entry entry, std::size_t size, bool isStored)
+void BlockReader::_addMember(ZipFormat::Entry entry, std::size_t size, bool isStored)
 {
     Member member;
     _block->nameBytes += entry.name.size();
@@ -139,19 +117,17 @@ void BlockReader::addMember(ZipFormat::Entry entry, std::size_t size, bool isSto
     member.isStored = isStored;
     _block->members.push_back(std::move(member));
     _block->used += size;
-    ++_entryCount;
+    countEntry();
 }
 
 // A block with room for an entry of that size.
-Block& BlockReader::blockFor(std::size_t size)
+Block& BlockReader::_blockFor(std::size_t size)
 {
     if (_block
         && (_block->room().size() < size || _block->members.size() >= mostMembers
             || _block->nameBytes >= mostNameBytes))
         flush();
-    if (!_block) {
+    if (!_block)
         _block = _feed.take();
-        _block->clear();
-    }
     return *_block;
 }

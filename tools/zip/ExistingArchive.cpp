@@ -1,8 +1,8 @@
 #include "tools/zip/ExistingArchive.h"
 
 #include "system/FileBytes.h"
-#include "tools/common/ByteWriter.h"
 #include "tools/common/Failure.h"
+#include "tools/zip/ByteReader.h"
 
 #include <algorithm>
 #include <optional>
@@ -19,7 +19,7 @@ constexpr std::size_t longestComment = 0xffff;
 
 Failure bad(const std::string& what)
 {
-    return {FailureKind::BadArchive, "the existing archive " + what + "; it was left as it is"};
+    return {FailureKind::badArchive, "the existing archive " + what + "; it was left as it is"};
 }
 
 void readAt(int descriptor, std::uint64_t offset, std::span<std::byte> bytes)
@@ -207,11 +207,11 @@ ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, SpillB
     archive.tail = readAt(descriptor, tailOffset, size - tailOffset);
     const auto commentAt = static_cast<std::ptrdiff_t>(endOffset - tailOffset + ZipFormat::endSize);
     archive.comment.assign(archive.tail.begin() + commentAt, archive.tail.end());
-    archive.readRecords(descriptor, records);
+    archive._readRecords(descriptor, records);
     return archive;
 }
 
-void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
+void ExistingArchive::_readRecords(int descriptor, SpillBuffer& records)
 {
     constexpr std::size_t readSize = std::size_t{1} << 20; // several of the longest records
     std::vector<std::byte> window; // what has been read and not parsed
@@ -229,7 +229,7 @@ void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
         while (const std::optional<Record> record = parseRecord(rest)) {
             if (record->offset >= directory.offset)
                 throw bad("has a member outside of it");
-            addName(record->name);
+            _addName(record->name);
             rest = rest.subspan(record->size);
             ++count;
         }
@@ -241,7 +241,7 @@ void ExistingArchive::readRecords(int descriptor, SpillBuffer& records)
         throw bad("has another number of members than it says");
 }
 
-void ExistingArchive::addName(std::string_view name)
+void ExistingArchive::_addName(std::string_view name)
 {
     // Some programs store "./NAME" or "/NAME", which readers extract as NAME.
     while (name.starts_with('/') || name.starts_with("./"))

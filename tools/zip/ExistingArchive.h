@@ -37,6 +37,6 @@ struct ExistingArchive {
     [[nodiscard]] std::unordered_set<std::string_view> setOfTopNames() const;
 
 private:
-    void readRecords(int descriptor, SpillBuffer& records);
-    void addName(std::string_view name);
+    void _readRecords(int descriptor, SpillBuffer& records);
+    void _addName(std::string_view name);
 };

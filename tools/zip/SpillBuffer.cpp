@@ -1,10 +1,11 @@
 #include "tools/zip/SpillBuffer.h"
 
 #include "system/FileBytes.h"
+#include "system/PathString.h"
 #include "tools/common/Failure.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -19,21 +20,20 @@ constexpr std::size_t readSize = std::size_t{256} << 10;
 
 Failure cannotSpill()
 {
-    return systemFailure(FailureKind::Write, "cannot write a temporary file");
+    return systemFailure(FailureKind::write, "cannot write a temporary file");
 }
 
 FileDescriptor openNameless(const std::string& folder)
 {
-    FileDescriptor file(
-        open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    FileDescriptor file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (file)
         return file;
     // File systems without O_TMPFILE (NFS, FUSE): a name that is gone at once.
-    std::string path = (folder.empty() ? "./" : folder + "/") + ".parcelo-XXXXXX";
-    file = FileDescriptor(mkostemp(path.data(), O_CLOEXEC));
+    std::string path = PathString::stringByAppendingPathComponent(folder, ".parcelo-XXXXXX");
+    file = FileDescriptor(::mkostemp(path.data(), O_CLOEXEC));
     if (!file)
         throw cannotSpill();
-    unlink(path.c_str());
+    ::unlink(path.c_str());
     return file;
 }
 
@@ -42,28 +42,19 @@ FileDescriptor openNameless(const std::string& folder)
 void SpillBuffer::append(std::span<const std::byte> bytes)
 {
     if (_memory.size() + bytes.size() > memoryLimit)
-        spill();
+        _spill();
     // A long text is mostly followed by short ones: room for these, or the first would copy it.
-    if (const std::size_t needed = _memory.size() + bytes.size(); needed > _memory.capacity())
-        _memory.reserve(std::max(needed + roomBehind, 2 * _memory.capacity()));
-    _memory.insert(_memory.end(), bytes.begin(), bytes.end());
+    (void)_memory.room(bytes.size() + roomBehind);
+    _memory.append(bytes);
 }
 
-void SpillBuffer::spill()
+void SpillBuffer::_spill()
 {
     if (!_file)
         _file = openNameless(_folder);
-    std::span<const std::byte> rest(_memory);
-    while (!rest.empty()) {
-        const ssize_t written
-            = pwrite(_file.number(), rest.data(), rest.size(), static_cast<off_t>(_spilled));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            throw cannotSpill();
-        rest = rest.subspan(static_cast<std::size_t>(written));
-        _spilled += static_cast<std::uint64_t>(written);
-    }
+    if (!FileBytes::writeAllAt(_file.number(), _spilled, _memory))
+        throw cannotSpill();
+    _spilled += _memory.size();
     _memory.clear();
 }
 

@@ -3,13 +3,13 @@
 #pragma once
 
 #include "system/FileDescriptor.h"
+#include "tools/common/ByteBuffer.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
 class SpillBuffer
 {
@@ -28,10 +28,10 @@ public:
         std::uint64_t size, const std::function<void(std::span<const std::byte>)>& take) const;
 
 private:
-    void spill();
+    void _spill();
 
     std::string _folder;
-    std::vector<std::byte> _memory; // what follows the spilled bytes
+    ByteBuffer _memory; // what follows the spilled bytes
     FileDescriptor _file;
     std::uint64_t _spilled = 0;
 };

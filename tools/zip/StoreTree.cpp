@@ -3,7 +3,7 @@
 #include "tools/common/Failure.h"
 #include "tools/zip/BlockCompressor.h"
 
-ZipResult storeTree(ZipWriter& writer, const TreeToStore& tree, const MakeBlockReader& makeReader)
+ToolResult storeTree(ZipWriter& writer, const TreeToStore& tree, const MakeBlockReader& makeReader)
 {
     std::uint64_t entryCount = 0;
     std::uint64_t warningCount = 0;
@@ -15,13 +15,13 @@ ZipResult storeTree(ZipWriter& writer, const TreeToStore& tree, const MakeBlockR
         warningCount = reader->warningCount();
     };
     {
-        Pipeline<Block> pipeline(tree.threadCount);
+        Pipeline<Block> pipeline(compressingThreads());
         pipeline.run(
             read, [&] { return BlockCompressor(tree.level); },
             [&](const Block& block) { writer.add(block); });
     } // every thread has ended, so the counts are there
     if (writer.entryCount() != entryCount)
-        throw Failure(FailureKind::Internal, "internal error: entries have been lost");
+        throw Failure(FailureKind::internal, "internal error: entries have been lost");
     const bool isSecured = writer.finish();
-    return isSecured && warningCount == 0 ? ZipResult::Complete : ZipResult::WithWarnings;
+    return isSecured && warningCount == 0 ? ToolResult::complete : ToolResult::withWarnings;
 }

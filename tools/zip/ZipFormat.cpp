@@ -28,7 +28,7 @@ unsigned versionNeeded(const Entry& entry, bool usesZip64)
 {
     if (usesZip64)
         return 45;
-    return entry.method == Method::Deflated || entry.isFolder() ? 20 : 10;
+    return entry.method == Method::deflated || entry.isFolder() ? 20 : 10;
 }
 
 std::uint16_t flagsOf(const Entry& entry)
@@ -47,9 +47,8 @@ std::uint32_t dosTimeOf(std::time_t time)
     constexpr std::uint32_t first = (1U << 21) | (1U << 16);
     constexpr std::uint32_t last
         = (127U << 25) | (12U << 21) | (31U << 16) | (23U << 11) | (59U << 5) | 29U;
-    struct tm local {
-    };
-    if (localtime_r(&time, &local) == nullptr)
+    std::tm local{};
+    if (::localtime_r(&time, &local) == nullptr)
         return time < 0 ? first : last;
     if (local.tm_year < 80)
         return first;
@@ -61,7 +60,7 @@ std::uint32_t dosTimeOf(std::time_t time)
         | bits(local.tm_hour, 11) | bits(local.tm_min, 5) | bits(std::min(local.tm_sec, 59) / 2, 0);
 }
 
-void appendTimeExtra(ByteWriter& extra, std::time_t modified)
+void appendTimeExtra(ByteBuffer& extra, std::time_t modified)
 {
     if (modified >= 0 && modified <= INT32_MAX) {
         extra.u16(timestampExtraId);
@@ -82,7 +81,7 @@ void appendTimeExtra(ByteWriter& extra, std::time_t modified)
         extra.u64(ticks);
 }
 
-void appendOwnerExtra(ByteWriter& extra, const Entry& entry)
+void appendOwnerExtra(ByteBuffer& extra, const Entry& entry)
 {
     extra.u16(ownerExtraId);
     extra.u16(11);
@@ -93,10 +92,9 @@ void appendOwnerExtra(ByteWriter& extra, const Entry& entry)
     extra.u32(entry.group);
 }
 
-std::vector<std::byte> localExtra(const Entry& entry)
+ByteBuffer localExtra(const Entry& entry)
 {
-    std::vector<std::byte> bytes;
-    ByteWriter extra(bytes);
+    ByteBuffer extra;
     if (entry.needsZip64Sizes()) {
         extra.u16(ZipFormat::zip64ExtraId);
         extra.u16(zip64SizesLength);
@@ -106,30 +104,28 @@ std::vector<std::byte> localExtra(const Entry& entry)
         extra.u16(paddingExtraId);
         extra.u16(zip64SizesLength);
         extra.u16(1);
-        bytes.resize(bytes.size() + zip64SizesLength - 2);
+        extra.zeros(zip64SizesLength - 2);
     }
     appendTimeExtra(extra, entry.modified);
     appendOwnerExtra(extra, entry);
-    return bytes;
+    return extra;
 }
 
-std::vector<std::byte> centralExtra(const Entry& entry)
+ByteBuffer centralExtra(const Entry& entry)
 {
-    std::vector<std::byte> zip64;
-    ByteWriter values(zip64);
+    ByteBuffer zip64;
     for (const std::uint64_t value : {entry.size, entry.compressedSize, entry.offset})
         if (value >= mark32)
-            values.u64(value);
-    std::vector<std::byte> bytes;
-    ByteWriter extra(bytes);
-    if (!zip64.empty()) {
+            zip64.u64(value);
+    ByteBuffer extra;
+    if (zip64.size() > 0) {
         extra.u16(ZipFormat::zip64ExtraId);
         extra.u16(zip64.size());
-        extra.raw(zip64);
+        extra.append(zip64);
     }
     appendTimeExtra(extra, entry.modified);
     appendOwnerExtra(extra, entry);
-    return bytes;
+    return extra;
 }
 
 std::uint32_t externalAttributes(const Entry& entry)
@@ -144,7 +140,7 @@ std::uint32_t externalAttributes(const Entry& entry)
 namespace ZipFormat
 {
 
-Entry makeEntry(std::string name, const struct stat& status)
+Entry makeEntry(std::string name, const FileStatus& status)
 {
     Entry entry;
     entry.name = std::move(name);
@@ -156,83 +152,79 @@ Entry makeEntry(std::string name, const struct stat& status)
     return entry;
 }
 
-void appendLocalHeader(std::vector<std::byte>& bytes, const Entry& entry)
+void appendLocalHeader(ByteBuffer& bytes, const Entry& entry)
 {
     const bool usesZip64 = entry.needsZip64Sizes();
-    const std::vector<std::byte> extra = localExtra(entry);
-    ByteWriter header(bytes);
-    header.u32(localSignature);
-    header.u16(versionNeeded(entry, usesZip64));
-    header.u16(flagsOf(entry));
-    header.u16(static_cast<std::uint16_t>(entry.method));
-    header.u32(entry.dosTime);
-    header.u32(entry.crc);
-    header.u32(usesZip64 ? mark32 : entry.compressedSize);
-    header.u32(usesZip64 ? mark32 : entry.size);
-    header.u16(entry.name.size());
-    header.u16(extra.size());
-    header.text(entry.name);
-    header.raw(extra);
+    const ByteBuffer extra = localExtra(entry);
+    bytes.u32(localSignature);
+    bytes.u16(versionNeeded(entry, usesZip64));
+    bytes.u16(flagsOf(entry));
+    bytes.u16(static_cast<std::uint16_t>(entry.method));
+    bytes.u32(entry.dosTime);
+    bytes.u32(entry.crc);
+    bytes.u32(usesZip64 ? mark32 : entry.compressedSize);
+    bytes.u32(usesZip64 ? mark32 : entry.size);
+    bytes.u16(entry.name.size());
+    bytes.u16(extra.size());
+    bytes.text(entry.name);
+    bytes.append(extra);
 }
 
-void appendCentralRecord(std::vector<std::byte>& bytes, const Entry& entry)
+void appendCentralRecord(ByteBuffer& bytes, const Entry& entry)
 {
     const bool usesZip64 = entry.needsZip64Sizes() || entry.offset >= mark32;
-    const std::vector<std::byte> extra = centralExtra(entry);
+    const ByteBuffer extra = centralExtra(entry);
     const unsigned version = versionNeeded(entry, usesZip64);
-    ByteWriter record(bytes);
-    record.u32(centralSignature);
-    record.u16((hostUnix << 8) | std::max(version, 30U));
-    record.u16(version);
-    record.u16(flagsOf(entry));
-    record.u16(static_cast<std::uint16_t>(entry.method));
-    record.u32(entry.dosTime);
-    record.u32(entry.crc);
-    record.u32(marked(entry.compressedSize));
-    record.u32(marked(entry.size));
-    record.u16(entry.name.size());
-    record.u16(extra.size());
-    record.u16(0); // comment
-    record.u16(0); // disk
-    record.u16(0); // internal attributes
-    record.u32(externalAttributes(entry));
-    record.u32(marked(entry.offset));
-    record.text(entry.name);
-    record.raw(extra);
+    bytes.u32(centralSignature);
+    bytes.u16((hostUnix << 8) | std::max(version, 30U));
+    bytes.u16(version);
+    bytes.u16(flagsOf(entry));
+    bytes.u16(static_cast<std::uint16_t>(entry.method));
+    bytes.u32(entry.dosTime);
+    bytes.u32(entry.crc);
+    bytes.u32(marked(entry.compressedSize));
+    bytes.u32(marked(entry.size));
+    bytes.u16(entry.name.size());
+    bytes.u16(extra.size());
+    bytes.u16(0); // comment
+    bytes.u16(0); // disk
+    bytes.u16(0); // internal attributes
+    bytes.u32(externalAttributes(entry));
+    bytes.u32(marked(entry.offset));
+    bytes.text(entry.name);
+    bytes.append(extra);
 }
 
-void appendEnd(
-    std::vector<std::byte>& bytes, const Directory& directory, std::span<const std::byte> comment)
+void appendEnd(ByteBuffer& bytes, const Directory& directory, std::span<const std::byte> comment)
 {
     const bool usesZip64
         = directory.entryCount >= mark16 || directory.size >= mark32 || directory.offset >= mark32;
-    ByteWriter end(bytes);
     if (usesZip64) {
-        end.u32(zip64EndSignature);
-        end.u64(zip64EndSize - 12); // what follows this field
-        end.u16((hostUnix << 8) | 45);
-        end.u16(45);
-        end.u32(0); // this disk, and the directory's
-        end.u32(0);
-        end.u64(directory.entryCount);
-        end.u64(directory.entryCount);
-        end.u64(directory.size);
-        end.u64(directory.offset);
-        end.u32(zip64LocatorSignature);
-        end.u32(0);
-        end.u64(directory.offset + directory.size);
-        end.u32(1);
+        bytes.u32(zip64EndSignature);
+        bytes.u64(zip64EndSize - 12); // what follows this field
+        bytes.u16((hostUnix << 8) | 45);
+        bytes.u16(45);
+        bytes.u32(0); // this disk, and the directory's
+        bytes.u32(0);
+        bytes.u64(directory.entryCount);
+        bytes.u64(directory.entryCount);
+        bytes.u64(directory.size);
+        bytes.u64(directory.offset);
+        bytes.u32(zip64LocatorSignature);
+        bytes.u32(0);
+        bytes.u64(directory.offset + directory.size);
+        bytes.u32(1);
     }
     const std::uint64_t count = std::min<std::uint64_t>(directory.entryCount, mark16);
-    end.u32(endSignature);
-    end.u16(0);
-    end.u16(0);
-    end.u16(count);
-    end.u16(count);
-    end.u32(marked(directory.size));
-    end.u32(marked(directory.offset));
-    end.u16(comment.size());
-    end.raw(comment);
+    bytes.u32(endSignature);
+    bytes.u16(0);
+    bytes.u16(0);
+    bytes.u16(count);
+    bytes.u16(count);
+    bytes.u32(marked(directory.size));
+    bytes.u32(marked(directory.offset));
+    bytes.u16(comment.size());
+    bytes.append(comment);
 }
 
 } // namespace ZipFormat

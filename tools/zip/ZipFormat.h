@@ -13,15 +13,13 @@
 // holds it, so that very value takes zip64 too.
 #pragma once
 
-#include "tools/common/ByteWriter.h"
+#include "system/FileStatus.h"
+#include "tools/common/ByteBuffer.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <string>
-#include <vector>
-
-#include <sys/stat.h>
 
 namespace ZipFormat
 {
@@ -42,11 +40,11 @@ inline constexpr std::uint16_t mark16 = 0xffff;
 inline constexpr std::uint16_t zip64ExtraId = 0x0001;
 inline constexpr std::size_t longestName = 0xffff;
 
-enum class Method : std::uint16_t { Stored = 0, Deflated = 8 };
+enum class Method : std::uint16_t { stored = 0, deflated = 8 };
 
 struct Entry {
     std::string name; // folders end in a slash
-    Method method = Method::Stored;
+    Method method = Method::stored;
     std::uint32_t crc = 0;
     std::uint64_t size = 0;
     std::uint64_t compressedSize = 0;
@@ -67,12 +65,12 @@ struct Entry {
 };
 
 // An entry for something of that name and status, sizes and checksum still to come.
-Entry makeEntry(std::string name, const struct stat& status);
+Entry makeEntry(std::string name, const FileStatus& status);
 
 // Appends the local header with name and extra fields. Its size depends on the sizes only where
 // zip64 is not reserved for them.
-void appendLocalHeader(std::vector<std::byte>& bytes, const Entry& entry);
-void appendCentralRecord(std::vector<std::byte>& bytes, const Entry& entry);
+void appendLocalHeader(ByteBuffer& bytes, const Entry& entry);
+void appendCentralRecord(ByteBuffer& bytes, const Entry& entry);
 
 struct Directory {
     std::uint64_t entryCount = 0;
@@ -81,7 +79,6 @@ struct Directory {
 };
 
 // Appends what follows the central directory: the end record, and the zip64 ones when needed.
-void appendEnd(
-    std::vector<std::byte>& bytes, const Directory& directory, std::span<const std::byte> comment);
+void appendEnd(ByteBuffer& bytes, const Directory& directory, std::span<const std::byte> comment);
 
 } // namespace ZipFormat

@@ -1,14 +1,13 @@
 #include "tools/zip/ZipJob.h"
 
 #include "system/FileName.h"
+#include "system/PathString.h"
 #include "tools/common/Failure.h"
 #include "tools/common/ItemName.h"
 #include "tools/common/Messages.h"
 #include "tools/common/OwnFiles.h"
 
 #include <string>
-
-#include <sys/stat.h>
 
 namespace
 {
@@ -19,9 +18,8 @@ std::string storedName(const ZipOptions& options, const ExistingArchive& existin
 {
     if (!existing.holds(options.item))
         return options.item;
-    struct stat status {
-    };
-    const bool isFolder = lstat(options.item.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    FileStatus status{};
+    const bool isFolder = ::lstat(options.item.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     const auto taken = existing.setOfTopNames();
     const auto isTaken = [&](const std::string& name) { return taken.contains(name); };
     std::string name = FileName::nextFree(options.item, isFolder, isTaken);
@@ -30,15 +28,9 @@ std::string storedName(const ZipOptions& options, const ExistingArchive& existin
     return name;
 }
 
-std::string folderOfArchive(const ZipOptions& options)
-{
-    const std::size_t slash = options.archive.rfind('/');
-    return slash == std::string::npos ? "." : options.archive.substr(0, slash + 1);
-}
-
 std::string progressLine(const ZipFormat::Entry& entry)
 {
-    const bool isDeflated = entry.method == ZipFormat::Method::Deflated;
+    const bool isDeflated = entry.method == ZipFormat::Method::deflated;
     const std::uint64_t saved
         = entry.size > entry.compressedSize ? entry.size - entry.compressedSize : 0;
     const std::uint64_t percent = saved == 0 ? 0 : (200 * saved + entry.size) / (2 * entry.size);
@@ -46,15 +38,14 @@ std::string progressLine(const ZipFormat::Entry& entry)
         + (isDeflated ? " (deflated " : " (stored ") + std::to_string(percent) + "%)\n";
 }
 
-ZipResult addItem(const ZipOptions& options, unsigned threadCount)
+ToolResult addItem(const ZipOptions& options)
 {
-    ZipWriter writer(options.archive, ZipWriter::Existing::AddTo, progressLine);
-    const OwnFiles ownFiles(writer.file(), folderOfArchive(options));
+    ZipWriter writer(options.archive, ZipWriter::Existing::addTo, progressLine);
+    const OwnFiles ownFiles(writer.file(), PathString::folderOf(options.archive));
     const TreeToStore tree{.item = options.item,
         .storedName = storedName(options, writer.existing()),
         .walk = {.followsLinks = false, .excludesDSStore = options.excludesDSStore},
-        .level = options.level,
-        .threadCount = threadCount};
+        .level = options.level};
     return storeTree(writer, tree, [&](Pipeline<Block>::Feed& feed) {
         return std::make_unique<BlockReader>(feed, ownFiles, options.level > 0);
     });
@@ -62,15 +53,15 @@ ZipResult addItem(const ZipOptions& options, unsigned threadCount)
 
 } // namespace
 
-ZipResult runZip(const ZipOptions& options, unsigned threadCount)
+ToolResult runZip(const ZipOptions& options)
 {
     constexpr int mostTries = 10; // with others making and removing the archive all the time
     for (int tries = 1;; ++tries) {
         try {
-            return addItem(options, threadCount);
+            return addItem(options);
         } catch (const Failure& failure) {
             // Somebody else made the archive while this run did: now there is one to add to.
-            if (failure.kind() != FailureKind::NameTaken || tries == mostTries)
+            if (failure.kind() != FailureKind::nameTaken || tries == mostTries)
                 throw;
         }
     }

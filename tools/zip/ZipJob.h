@@ -4,4 +4,4 @@
 #include "tools/zip/ZipOptions.h"
 
 // Adds the item to the archive. Throws Failure when the archive is not made; it is then as it was.
-ZipResult runZip(const ZipOptions& options, unsigned threadCount);
+ToolResult runZip(const ZipOptions& options);

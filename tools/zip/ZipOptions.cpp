@@ -14,7 +14,7 @@ constexpr std::string_view excludePattern = "*/.DS_Store";
 
 Failure wrong(const std::string& what)
 {
-    return {FailureKind::Usage, what + "\n" + std::string(usage)};
+    return {FailureKind::usage, what + "\n" + std::string(usage)};
 }
 
 bool isLevel(std::string_view argument)

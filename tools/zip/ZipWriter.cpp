@@ -1,5 +1,6 @@
 #include "tools/zip/ZipWriter.h"
 
+#include "system/PathString.h"
 #include "tools/common/Crc32.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Messages.h"
@@ -9,16 +10,10 @@ namespace
 
 OutputFile openArchive(const std::string& path, ZipWriter::Existing existing)
 {
-    if (existing == ZipWriter::Existing::AddTo)
+    if (existing == ZipWriter::Existing::addTo)
         if (std::optional<OutputFile> file = OutputFile::openExisting(path))
             return std::move(*file);
     return OutputFile::createBeside(path);
-}
-
-std::string folderOf(const std::string& path)
-{
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "" : path.substr(0, slash + 1);
 }
 
 } // namespace
@@ -28,7 +23,7 @@ ZipWriter::ZipWriter(const std::string& path, Existing existing, ProgressLine pr
     , _progressLine(std::move(progressLine))
     , _file(openArchive(path, existing))
     , _isInPlace(_file.isInPlace())
-    , _records(folderOf(path))
+    , _records(PathString::folderOf(path))
 {
     const auto size = static_cast<std::uint64_t>(_file.status().st_size);
     if (_isInPlace && size > 0)
@@ -41,7 +36,7 @@ ZipWriter::~ZipWriter()
     if (!_isInPlace || _isFinished || _entryCount == 0)
         return;
     try {
-        restore();
+        _restore();
     } catch (const std::exception& error) {
         Messages::tell(std::string("the archive could not be put back as it was: ") + error.what());
     }
@@ -51,7 +46,7 @@ void ZipWriter::add(const Block& block)
 {
     _progress.clear();
     if (!block.members.front().isWhole()) {
-        addPiece(block, block.members.front());
+        _addPiece(block, block.members.front());
     } else {
         const std::uint64_t begin = _file.position();
         _entryCount += block.members.size();
@@ -59,19 +54,19 @@ void ZipWriter::add(const Block& block)
         for (const Member& member : block.members) {
             ZipFormat::Entry entry = member.entry;
             entry.offset = begin + member.outputBegin;
-            addRecord(entry);
+            _addRecord(entry);
         }
     }
     Messages::progress(_progress);
 }
 
-void ZipWriter::addPiece(const Block& block, const Member& piece)
+void ZipWriter::_addPiece(const Block& block, const Member& piece)
 {
     if (piece.isFirst) {
         ++_entryCount;
         _open = piece.entry;
         _open.offset = _file.position();
-        std::vector<std::byte> header;
+        ByteBuffer header;
         ZipFormat::appendLocalHeader(header, _open);
         _file.append(header);
     }
@@ -87,15 +82,15 @@ void ZipWriter::addPiece(const Block& block, const Member& piece)
         _file.setPosition(_open.offset);
         return;
     }
-    std::vector<std::byte> header;
+    ByteBuffer header;
     ZipFormat::appendLocalHeader(header, _open);
     _file.writeAt(_open.offset, header);
-    addRecord(_open);
+    _addRecord(_open);
 }
 
-void ZipWriter::addRecord(const ZipFormat::Entry& entry)
+void ZipWriter::_addRecord(const ZipFormat::Entry& entry)
 {
-    std::vector<std::byte> record;
+    ByteBuffer record;
     ZipFormat::appendCentralRecord(record, entry);
     _records.append(record);
     ++_newRecords;
@@ -105,26 +100,26 @@ void ZipWriter::addRecord(const ZipFormat::Entry& entry)
 bool ZipWriter::finish()
 {
     if (_newRecords == 0)
-        throw Failure(FailureKind::NothingToDo, "nothing to do: no input is left to be stored");
+        throw Failure(FailureKind::nothingToDo, "nothing to do: no input is left to be stored");
     const ZipFormat::Directory directory{
         _existing.directory.entryCount + _newRecords, _records.size(), _file.position()};
     _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
-    std::vector<std::byte> end;
+    ByteBuffer end;
     ZipFormat::appendEnd(end, directory, _existing.comment);
     _file.append(end);
     _file.truncateHere();
     bool isSecured = true;
     if (_isInPlace)
         _file.flush();
-    else if (_existingMode == Existing::Replace)
-        isSecured = _file.commitDurably(OutputFile::Existing::Replace);
+    else if (_existingMode == Existing::replace)
+        isSecured = _file.commitDurably(OutputFile::Existing::replace);
     else
-        _file.commit(OutputFile::Existing::Keep);
+        _file.commit(OutputFile::Existing::keep);
     _isFinished = true;
     return isSecured;
 }
 
-void ZipWriter::restore()
+void ZipWriter::_restore()
 {
     _file.setPosition(_existing.directory.offset);
     _records.read(

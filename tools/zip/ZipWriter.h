@@ -21,7 +21,7 @@
 class ZipWriter
 {
 public:
-    enum class Existing { AddTo, Replace };
+    enum class Existing { addTo, replace };
     // What is told of an entry when it is in the archive: whole lines, or nothing.
     using ProgressLine = std::function<std::string(const ZipFormat::Entry& entry)>;
 
@@ -48,9 +48,9 @@ public:
     [[nodiscard]] std::uint64_t entryCount() const { return _entryCount; }
 
 private:
-    void addPiece(const Block& block, const Member& piece);
-    void addRecord(const ZipFormat::Entry& entry);
-    void restore();
+    void _addPiece(const Block& block, const Member& piece);
+    void _addRecord(const ZipFormat::Entry& entry);
+    void _restore();
 
     const Existing _existingMode;
     const ProgressLine _progressLine;

@@ -3,7 +3,9 @@
 #include "platform/base/files/TreeWalk.h"
 #include "system/FileBytes.h"
 #include "system/FileDescriptor.h"
+#include "system/FileStatus.h"
 #include "system/LastError.h"
+#include "system/ScratchName.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +16,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
 
 namespace fs = std::filesystem;
@@ -188,7 +189,9 @@ Names ItemCopy::_enter(const Cursor& from)
 bool ItemCopy::_copyEntry(const Cursor& from, const std::string& name, unsigned char kind)
 {
     const Place source{from.folder(), name};
-    const bool isLeftOut = kind == DT_DIR && std::ranges::count(_leftOut, identityOf(source)) > 0;
+    const bool isLeftOut = kind == DT_DIR
+        && (std::ranges::count(_leftOut, identityOf(source)) > 0
+            || ScratchName::isInUse(source.folder, source.name));
     if (isLeftOut || _options.stop.stop_requested())
         return false;
     const auto failure = copyOne(source, {_target.folder(), name}, kind, _options.stop);

@@ -16,7 +16,8 @@ namespace FileCopy
 [[nodiscard]] std::error_code copyAttributes(int from, int to);
 
 struct Options {
-    // A folder that is not copied if it lies in what is copied; nor is the copy itself.
+    // A folder that is not copied if it lies in what is copied; nor are the copy itself and the
+    // scratch folders of jobs that are under way.
     std::filesystem::path leavingOut = {};
     // What could not be copied. A folder may have been copied in part.
     std::function<void(const std::filesystem::path& item, std::error_code reason)> onFailure = {};

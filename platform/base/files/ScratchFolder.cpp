@@ -1,26 +1,43 @@
 #include "platform/base/files/ScratchFolder.h"
 
-#include "platform/base/bundle/Bundle.h"
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/SearchPaths.h"
+#include "system/FileStatus.h"
+#include "system/ScratchName.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
 namespace
 {
 
-using FileStatus = struct stat; // a name of its own, beside the function
-
-const std::string prefix = std::string(Bundle::bundleIdentifier) + "-";
+const std::string prefix = std::string(ScratchName::prefix) + "-";
 const std::string hiddenPrefix = "." + prefix;
+
+constexpr std::string_view randomLetters = "XXXXXX";
+
+// PREFIX, a process number, and mostly what mkdtemp() makes of the letters: a folder that a person
+// has called like us stays.
+bool isNameOfOurs(std::string_view name)
+{
+    if (name.starts_with('.'))
+        name.remove_prefix(1);
+    if (!name.starts_with(prefix))
+        return false;
+    name.remove_prefix(prefix.size());
+    const std::size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
+    const std::string_view rest = name.substr(digits);
+    return digits > 0
+        && (rest.empty() || (rest.front() == '-' && rest.size() == 1 + randomLetters.size()));
+}
 
 FileDescriptor openFolder(const fs::path& path)
 {
@@ -44,7 +61,7 @@ bool isAt(const fs::path& path, const FileDescriptor& locked)
     FileStatus there{};
     FileStatus ours{};
     return ::lstat(path.c_str(), &there) == 0 && ::fstat(locked.number(), &ours) == 0
-        && there.st_dev == ours.st_dev && there.st_ino == ours.st_ino;
+        && isSameFile(there, ours);
 }
 
 } // namespace
@@ -66,7 +83,8 @@ void ScratchFolder::_make(const fs::path& parent, const std::string& beginning)
     // Between the making and the locking another process may take the folder for a stale one and
     // remove it: then a new one is made. Where nothing can be locked, nothing is removed either.
     do {
-        std::string name = parent / (beginning + std::to_string(::getpid()) + "-XXXXXX");
+        std::string name = parent / (beginning + std::to_string(::getpid()) + "-");
+        name += randomLetters;
         const bool made = ::mkdtemp(name.data()) != nullptr;
         _lock = made ? openFolder(name) : FileDescriptor();
         if (!_lock && (!made || errno != ENOENT))
@@ -83,8 +101,7 @@ void ScratchFolder::removeStaleFolders(const fs::path& parent)
     while (!unreadable && entry != fs::directory_iterator()) {
         const fs::path path = entry->path();
         entry.increment(unreadable);
-        const std::string name = path.filename();
-        if (!name.starts_with(prefix) && !name.starts_with(hiddenPrefix))
+        if (!isNameOfOurs(path.filename().native()))
             continue;
         const FileDescriptor folder = openFolder(path);
         if (folder && isOurs(folder) && lock(folder))

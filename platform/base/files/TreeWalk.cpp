@@ -1,17 +1,15 @@
 #include "platform/base/files/TreeWalk.h"
 
+#include "system/FileStatus.h"
 #include "system/LastError.h"
 
 #include <array>
 #include <utility>
 
 #include <dirent.h>
-#include <sys/stat.h>
 
 namespace
 {
-
-using FileStatus = struct stat; // a name of its own, beside the function
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 

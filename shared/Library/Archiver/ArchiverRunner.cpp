@@ -12,8 +12,11 @@ std::optional<std::string> Archiver::runCommand(const std::optional<Path>& comma
     const std::vector<std::string>& withArguments, const std::optional<Path>& currentDirectoryPath,
     int* terminationStatus)
 {
+    const bool wasCancelled = _cancelFlag; // in an earlier step, after which this one still runs
     Task& task = _makeTask(command.value_or(Path()), withArguments, currentDirectoryPath);
     task.launch();
+    if (_cancelFlag && !wasCancelled)
+        task.interrupt(); // it was asked for when there was nothing yet to interrupt
     std::optional<std::string> result;
     if (_delegate) {
         task.readUntilExit([&](std::string_view chunk) { taskDataAvailable(chunk); });
