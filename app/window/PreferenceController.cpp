@@ -13,7 +13,7 @@ const QString hideAdvertKey = QStringLiteral("HideAdvert");
 
 } // namespace
 
-PreferenceController::PreferenceController() { }
+PreferenceController::PreferenceController() = default;
 
 PreferenceController::~PreferenceController() = default;
 

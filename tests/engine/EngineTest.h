@@ -6,6 +6,7 @@
 #include "platform/base/seams/AlertPanel.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/Archiver.h"
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/Files.h"
 #include "tests/support/TestFolder.h"
 
@@ -19,81 +20,63 @@ using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// A bundle whose tools are all the stand-in.
-inline Bundle standIns(const fs::path& bundle, const Lines& tools)
-{
-    const fs::path resources = bundle / "Contents/Resources";
-    fs::create_directories(resources);
-    for (const std::string& tool : tools)
-        fs::create_symlink(PARCELO_TEST_STANDINS_DIR "/tool", resources / tool);
-    return Bundle(bundle);
-}
-
 class EngineTest : public testing::Test
 {
 protected:
     EngineTest()
     {
-        // One for the whole process, like the answer to where the zip tool is.
-        static const TestFolder bundle;
-        static const Bundle tools = standIns(bundle.path(), {"zip", "tar", "ditto"});
-        Bundle::setMain(tools);
-        setenv("TMPDIR", folder.path().c_str(), 1);
-        for (const char* name : {"a/one", "b/two", "c/three"})
+        Bundle::setMain(Bundle(PARCELO_TEST_STANDINS_DIR));
+        for (const char* name : {"a/one", "b/two"})
             writeFile(folder / name, name);
-        fs::create_directories(folder / "scratch");
-        fs::create_directories(folder / "out");
-        MainQueue::setSubmitter(
-            [this](std::chrono::nanoseconds delay, const MainQueue::Block& block) {
-                EXPECT_EQ(delay, std::chrono::milliseconds(100));
-                deferred.push_back(block);
-            });
+        for (const char* name : {"scratch", "out"})
+            fs::create_directory(folder / name);
+        MainQueue::setSubmitter([this](std::chrono::nanoseconds delay, MainQueue::Block block) {
+            EXPECT_EQ(delay, 100ms);
+            deferred.push_back(std::move(block));
+        });
         AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-            alerts.push_back(alert.title + ": " + alert.message + " [" + alert.defaultButton + "|"
-                + alert.alternateButton + "|" + alert.otherButton + "]");
+            alerts.push_back(alert.title + ": " + alert.message + " [" + alert.defaultButton + "]");
             return 1;
         });
-        archiver->setDelegate(noting());
+        renew();
     }
-    ~EngineTest() override
-    {
-        MainQueue::setSubmitter({});
-        AlertPanel::setPresenter({});
-        unsetenv("TMPDIR");
-    }
+    ~EngineTest() override { MainQueue::setSubmitter({}); }
 
-    // What the stand-ins do besides recording, in shell; $4 is a zip's archive.
+    // What the stand-ins do besides recording, in shell; $4 is a zip's archive, $5 its item.
     void plan(const std::string& script) const { writeFile(folder / "plan", script + "\n"); }
 
-    // A delegate that notes what it is told.
-    ArchiverDelegate noting()
+    // An engine that knows nothing of earlier jobs, and a delegate that notes what it is told.
+    void renew()
     {
         const auto number = [this](const char* word) {
             return [this, word](int value) { told.push_back(word + std::to_string(value)); };
         };
-        return {.setNumberOfFiles = number("files "),
-            .progressBy = number("progress "),
+        archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
+        archiver->setDelegate(ArchiverDelegate{.setNumberOfFiles = number("files "),
             .taskCompletedWithStatusCode = number("task "),
-            .archiverCompletedWithStatus = number("completed ")};
+            .archiverCompletedWithStatus = number("completed ")});
+        told.clear();
+        fs::remove(folder / "record");
     }
 
     Archiver::ArchiveFiles job(int type) const
     {
-        return {.files = {folder / "a/one", folder / "b/two", folder / "c/three"},
+        return {.files = {folder / "a/one", folder / "b/two"},
             .name = "Demo",
             .type = type,
             .toFolder = folder / "out"};
     }
 
-    // Runs a job; as soon as a tool has started, another thread does something, and does it again
-    // until the job has ended if that gives true.
-    std::optional<fs::path> archiveDuring(
-        const Archiver::ArchiveFiles& request, const std::function<bool()>& action)
+    // Runs a job that another thread ends as soon as a tool has started.
+    std::optional<fs::path> archiveAndEnd(const Archiver::ArchiveFiles& request, bool isAbandoned)
     {
         fs::remove(folder / "started");
         std::jthread other([&](const std::stop_token& ended) {
             EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "started"); }));
-            while (action() && !waitUntil([&] { return ended.stop_requested(); }, 50ms)) { }
+            if (!isAbandoned)
+                archiver->cancel();
+            while (isAbandoned && !waitUntil([&] { return ended.stop_requested(); }, 50ms))
+                archiver->abandon();
         });
         return archiver->archiveFiles(request);
     }
@@ -102,9 +85,8 @@ protected:
     Lines shownAlerts()
     {
         EXPECT_EQ(alerts, Lines{}) << "shown too soon";
-        for (const MainQueue::Block& block : deferred)
+        for (const MainQueue::Block& block : std::exchange(deferred, {}))
             block();
-        deferred.clear();
         return std::exchange(alerts, {});
     }
 
@@ -119,10 +101,10 @@ protected:
                 line.replace(at, path.size(), "@");
         return lines;
     }
-    Lines runs() const { return linesIn("record"); }
 
     const TestFolder folder;
-    std::unique_ptr<Archiver> archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
+    const EnvironmentVariable temporary{"TMPDIR", folder.path()};
+    std::unique_ptr<Archiver> archiver;
     Lines told;
     std::vector<MainQueue::Block> deferred;
     Lines alerts;

@@ -1,7 +1,6 @@
 // System calls that fail when a test says so.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <thread>
 
@@ -15,15 +14,13 @@
 // descriptor, perhaps only from one number on.
 inline void letFail(unsigned call, unsigned reason, unsigned fromDescriptor = 0)
 {
-    std::array<sock_filter, 6> program{{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args)), // its lower half
-        BPF_JUMP(BPF_JMP | BPF_JGE | BPF_K, fromDescriptor, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | reason),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    }};
-    const sock_fprog filter{.len = program.size(), .filter = program.data()};
+    sock_filter program[] = {{BPF_LD | BPF_W | BPF_ABS, 0, 0, offsetof(seccomp_data, nr)},
+        {BPF_JMP | BPF_JEQ | BPF_K, 0, 3, call},
+        {BPF_LD | BPF_W | BPF_ABS, 0, 0, offsetof(seccomp_data, args)}, // its lower half
+        {BPF_JMP | BPF_JGE | BPF_K, 0, 1, fromDescriptor},
+        {BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ERRNO | reason},
+        {BPF_RET | BPF_K, 0, 0, SECCOMP_RET_ALLOW}};
+    const sock_fprog filter{.len = std::size(program), .filter = program};
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
 }
