@@ -5,27 +5,11 @@
 
 #include <csignal>
 #include <cstring>
-#include <fstream>
 
 namespace fs = std::filesystem;
 using support::run;
 
-class Request : public Desktop
-{
-};
-
-TEST_F(Request, filesOfTheCommandLineBecomeOneArchiveAndTheProgramQuits)
-{
-    removeFileManagerService();
-    support::writeFile(source / "two.txt", "contents of two");
-    Program& parcelo = startParcelo({"one.txt", "two.txt"}, "AutoQuit=true\n");
-    saveAndWait(parcelo);
-    EXPECT_TRUE(waitFor([&] { return callOf("xdg-open") == Strings{source}; }))
-        << "no file manager on the bus: the folder at least";
-    expectGoodEnd(parcelo);
-    EXPECT_EQ(
-        support::inspectZip(source / "Untitled.zip").names(), (Strings{"one.txt", "two.txt"}));
-}
+using Request = Desktop;
 
 TEST_F(Request, everythingCanBeDoneWithKeys)
 {
@@ -34,7 +18,6 @@ TEST_F(Request, everythingCanBeDoneWithKeys)
     press(parcelo, "Choose Files to Archive", {"Escape"});
     waitForNoWindow(parcelo, "Choose Files to Archive");
     press(parcelo, "Parcelo", {"ctrl+2"});
-    EXPECT_TRUE(waitFor([&] { return hasSetting("SelectedDestination=1"); }));
 
     Program& fileManager = startFileManager();
     (void)selectAll(fileManager);
@@ -43,13 +26,12 @@ TEST_F(Request, everythingCanBeDoneWithKeys)
     press(parcelo, "Email Archive", {"Escape"});
     waitForNoWindow(parcelo, "Email Archive");
     press(parcelo, "Parcelo", {"ctrl+1", "ctrl+comma"});
-    EXPECT_TRUE(waitFor([&] { return hasSetting("SelectedDestination=0"); }));
     press(parcelo, "Preferences", {"Escape"});
     waitForNoWindow(parcelo, "Preferences");
     press(parcelo, "Parcelo", {"ctrl+v"});
     saveAndWait(parcelo);
     EXPECT_EQ(support::inspectZip(source / "one.zip").names(), Strings{"one.txt"});
-    EXPECT_EQ(shownItems(), Strings());
+    EXPECT_EQ(callOf("xdg-open"), "");
     quit(parcelo);
 }
 
@@ -72,33 +54,26 @@ TEST_F(Request, quittingInTheMiddleLeavesTheDestinationAsItWas)
 
 TEST_F(Request, whatCannotBeMadeIsSaidAndTheProgramLivesOn)
 {
-    struct Case {
-        const char* name;
-        std::string place;
-        Strings preparation; // when the files have been dropped
-    };
     const Path prefix = Path(PARCELO_PROGRAM).parent_path().parent_path();
     run({"cp", "-r", prefix / "bin", prefix / "libexec", folder.path()});
-    const Case cases[] = {
-        {"nobody can write there", "/sys", {"true"}},
-        {"source gone", folder.path(), {"rm", source / "noise"}},
-        {"tool unusable", folder.path(),
-            {"chmod", "a-x", folder / "libexec/parcelo/Contents/Resources/zip"}},
-    };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.name);
+    const Path tool = folder / "libexec/parcelo/Contents/Resources/zip";
+    // Where it shall go, and what happens when the files have been dropped: nobody can write
+    // there, the source has gone, the tool cannot be used.
+    const std::pair<std::string, Strings> cases[] = {{"/sys", {"true"}},
+        {folder.path(), {"rm", source / "noise"}}, {folder.path(), {"chmod", "a-x", tool}}};
+    for (const auto& [place, meanwhile] : cases) {
+        SCOPED_TRACE(meanwhile.front());
         support::writeFile(source / "noise", support::randomBytes(1 << 20, 1));
         Program& parcelo = startParcelo({"noise"},
-            "RevealWhenComplete=false\nSelectedDestination=2\nDestinations=[, " + each.place
-                + ", ]\n",
+            "RevealWhenComplete=false\nSelectedDestination=2\nDestinations=[, " + place + ", ]\n",
             folder / "bin/parcelo");
         waitForWindow(parcelo, "Save Archive");
-        ASSERT_EQ(run(each.preparation).status, 0);
+        ASSERT_EQ(run(meanwhile).status, 0);
         press(parcelo, "Save Archive", {"Return"});
         press(parcelo, "Error", {"Return"});
         waitForNoWindow(parcelo, "Error");
         waitForNoWindow(parcelo, "Making Archive");
-        EXPECT_FALSE(fs::exists(Path(each.place) / "noise.zip"));
+        EXPECT_FALSE(fs::exists(place + "/noise.zip"));
         quit(parcelo);
     }
 }
@@ -109,18 +84,14 @@ TEST_F(Request, aWindowThatWaitsIsNeverWokenAndSpeaksTheUsersLanguage)
     press(parcelo, "Parcelo", {"ctrl+comma"});
     press(parcelo, "Einstellungen", {"Escape"});
     const auto wakeUps = [&] {
-        std::ifstream status("/proc/" + std::to_string(parcelo.pid()) + "/status");
-        std::string word;
-        while (status >> word && word != "voluntary_ctxt_switches:") { }
-        long count = -1;
-        status >> count;
-        return count;
+        const auto status = support::readFile("/proc/" + std::to_string(parcelo.pid()) + "/status");
+        return status.substr(status.find("\nvoluntary_ctxt_switches:"));
     };
     // What a start leaves to do takes some seconds.
     EXPECT_TRUE(waitFor([&] {
-        const long before = wakeUps();
+        const std::string before = wakeUps();
         QTest::qWait(1500);
-        return before > 0 && wakeUps() == before;
+        return wakeUps() == before;
     }));
     press(parcelo, "Parcelo", {"alt+F4"}); // the window manager closes it
     expectGoodEnd(parcelo);
