@@ -3,10 +3,14 @@
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/process/StandardStreams.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -23,13 +27,19 @@ int complainOfUsage(const std::string& problem)
 }
 
 // The window is a program of its own, so that this one needs none of its libraries.
-int becomeTheWindow(char** arguments)
+int becomeTheWindow(char* programName, const std::vector<std::filesystem::path>& files)
 {
     const auto window = Bundle::main().bundlePath() / "parcelo-window";
+    std::string endOfOptions = "--";
+    std::vector<char*> arguments{programName, endOfOptions.data()};
+    for (const auto& file : files)
+        arguments.push_back(const_cast<char*>(file.c_str())); // which execv does not change
+    arguments.push_back(nullptr);
     std::signal(SIGPIPE, SIG_DFL);
-    ::execv(window.c_str(), arguments);
-    std::cerr << "parcelo: there is no window to open (" << window.native() << ": "
-              << std::strerror(errno) << "); give --to FOLDER\n";
+    ::execv(window.c_str(), arguments.data());
+    const std::string reason = std::strerror(errno);
+    std::cerr << "parcelo: there is no window to open (" << window.native() << ": " << reason
+              << "); give --to FOLDER\n";
     return exitFailed;
 }
 
@@ -51,7 +61,7 @@ try {
         std::cout << "parcelo " PARCELO_VERSION "\n";
         return 0;
     case CommandLine::Request::window:
-        return becomeTheWindow(argv);
+        return becomeTheWindow(argv[0], line.files);
     case CommandLine::Request::wrongUsage:
         break;
     }

@@ -59,7 +59,10 @@ std::error_code FileName::rename(
         return renamed;
     // A second link never replaces either.
     const auto linked = errorOf(::linkat(folder, from.c_str(), folder, to.c_str(), 0));
-    if (linked == std::errc::operation_not_permitted)
+    const bool knowsLinks = linked != std::errc::operation_not_permitted
+        && linked != std::errc::function_not_supported
+        && linked != std::errc::operation_not_supported;
+    if (!knowsLinks)
         return renameOverReservation(folder, from, to);
     return linked ? linked : errorOf(::unlinkat(folder, from.c_str(), 0));
 }

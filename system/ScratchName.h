@@ -14,8 +14,15 @@ constexpr std::string_view prefix = "org.parcelo.Parcelo";
 // Whether a name begins like that.
 [[nodiscard]] bool isOne(std::string_view name);
 
+// Whether it is wholly as we make them: the prefix, a process number and, mostly, six letters; in a
+// folder of the user's with the dot and always with the letters, so that a folder which a person
+// has called nearly like ours is not taken for one.
+[[nodiscard]] bool isTemporary(std::string_view name);
+[[nodiscard]] bool isPrivate(std::string_view name);
+
 // Whether this is such a folder and a process holds its lock now: what is in it is the doing of a
-// job that is under way, and nobody's file. One that nobody holds is like any other folder.
+// job that is under way, and nobody's file. One that nobody holds is like any other folder; where
+// nothing can be locked, a private one counts as held.
 [[nodiscard]] bool isInUse(int inFolder, const std::string& name);
 
 } // namespace ScratchName

@@ -143,7 +143,9 @@ ArchiveJob::Events CommandLineJob::_events()
                 // Of staged items it is the links that were counted, while the tool tells of the
                 // folder that holds them and of all that is in them.
                 if (_line.type != ArchiveTypePlainZip && _progress.isShown())
-                    count = FileManagerArchiverConvenience::numberOfFilesAtPaths(_files) + 1;
+                    count = FileManagerArchiverConvenience::numberOfFilesAtPaths(
+                                _files, _interrupted.get_token())
+                        + 1;
                 _progress.setTotal(count);
             },
         .progressBy = [this](int lines) { _progress.advanceBy(lines); },
@@ -156,7 +158,7 @@ void CommandLineJob::_makeArchive(const Path& workingFolder)
     ArchiveJob job(*archiver, _request(), _events());
 
     AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-        if (!_isInterrupted)
+        if (!_interrupted.stop_requested())
             complain(alert.title + ": " + alert.message);
         return int{AlertPanel::answerDefault};
     });
@@ -164,7 +166,7 @@ void CommandLineJob::_makeArchive(const Path& workingFolder)
         _loop.submitAfter(delay, std::move(block));
     });
     _loop.watch(_signals.descriptor(), [&] {
-        if (_signals.take() && !std::exchange(_isInterrupted, true))
+        if (_signals.take() && _interrupted.request_stop())
             _abandonUntilEnded(job);
     });
     _drawUntilEnded();
@@ -176,7 +178,7 @@ void CommandLineJob::_makeArchive(const Path& workingFolder)
     _loop.runUntil([this] { return _isEnded; });
     worker.join();
     _progress.clear();
-    if (!_isInterrupted && !_result.isMade)
+    if (!_interrupted.stop_requested() && !_result.isMade)
         _loop.drain(); // an alert may be on its way and tells why
     MainQueue::setSubmitter({});
     AlertPanel::setPresenter({});
@@ -200,7 +202,7 @@ void CommandLineJob::_drawUntilEnded()
 
 int CommandLineJob::_report() const
 {
-    if (_isInterrupted && !_result.isMade) {
+    if (_interrupted.stop_requested() && !_result.isMade) {
         complain("interrupted");
         return exitInterrupted;
     }

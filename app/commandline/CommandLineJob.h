@@ -10,8 +10,7 @@
 #include "platform/base/process/InterruptSignals.h"
 
 #include <filesystem>
-#include <optional>
-#include <string>
+#include <stop_token>
 #include <vector>
 
 class CommandLineJob
@@ -45,5 +44,5 @@ private:
     RunLoop _loop;
     TerminalProgress _progress;
     bool _isEnded = false;
-    bool _isInterrupted = false;
+    std::stop_source _interrupted;
 };

@@ -12,8 +12,6 @@
 #include <set>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -34,13 +32,18 @@ std::string toolOf(int type)
     return kind != nullptr ? std::string(kind->tool) : std::string();
 }
 
+std::string_view extensionOf(int type)
+{
+    const ArchiveKind* kind = ArchiveKind::ofType(type);
+    return kind != nullptr ? kind->extension : "";
+}
+
 // The name without the extension of its type.
 std::string nameOf(const ArchiveJob::Request& request)
 {
     std::string name = request.archive.filename();
-    const ArchiveKind* kind = ArchiveKind::ofType(request.type);
-    if (kind != nullptr && name.ends_with(kind->extension))
-        name.resize(name.size() - kind->extension.size());
+    if (const auto extension = extensionOf(request.type); name.ends_with(extension))
+        name.resize(name.size() - extension.size());
     return name;
 }
 
@@ -51,7 +54,7 @@ ArchiveJob::ArchiveJob(Archiver& engine, Request request, Events events)
     , _request(std::move(request))
     , _events(std::move(events))
     , _messages(toolOf(_request.type))
-    , _place(_request.archive)
+    , _place(_request.archive, extensionOf(_request.type))
 {
 }
 
@@ -124,7 +127,12 @@ void ArchiveJob::_deliver(const Path& made)
     if (const auto failure = _place.put(made)) {
         _result.isMade = false;
         _result.reason
-            = "Unable to write to '" + _request.archive.native() + "': " + failure.message();
+            = (_place.isTaken() ? "Unable to replace existing file at '" : "Unable to write to '")
+            + _request.archive.native() + "': " + failure.message();
+    } else if (_place.movedAside()) {
+        _messages.add("'" + _request.archive.native()
+            + "' was put there by somebody else meanwhile, and is '" + _place.movedAside()->native()
+            + "' now");
     } else if (_place.path() != _request.archive) {
         _messages.add("'" + _request.archive.native()
             + "' was put there by somebody else meanwhile and stays; this archive is '"
@@ -159,7 +167,7 @@ std::vector<ArchiveJob::Path> ArchiveJob::_distinctItems(std::optional<ScratchFo
 }
 
 // A symbolic link, which the tools follow; not so in a zip with extended attributes, where it would
-// be archived as one: there it is a hard link, or else a copy.
+// be archived as one: there it is a hard link, or else a copy, which the engine copies once more.
 ArchiveJob::Path ArchiveJob::_linkTo(const Path& item, const Path& link)
 {
     if (_request.type != ArchiveTypeMacZip) {

@@ -19,8 +19,10 @@ namespace
 std::error_code flushContents(const std::filesystem::path& path)
 {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    return file ? errorOf(retryOnInterrupt([&] { return ::fdatasync(file.number()); }))
-                : lastError();
+    if (!file)
+        return {}; // what may not be read is left to the renaming to complain about
+    const auto failure = errorOf(retryOnInterrupt([&] { return ::fdatasync(file.number()); }));
+    return failure == std::errc::invalid_argument ? std::error_code() : failure;
 }
 
 // Without a result: the archive has its name already, and "failed" would be the wrong word for it.
@@ -38,8 +40,9 @@ std::error_code swap(const std::filesystem::path& one, const std::filesystem::pa
 
 } // namespace
 
-ArchivePlace::ArchivePlace(Path path)
+ArchivePlace::ArchivePlace(Path path, std::string_view extension)
     : _path(std::move(path))
+    , _extension(extension)
     , _former(::open(_path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC))
 {
 }
@@ -62,7 +65,7 @@ std::error_code ArchivePlace::put(const Path& made)
 {
     if (const auto failure = flushContents(made))
         return failure;
-    std::error_code failure = _former ? _exchange(made) : _takeFreeName(made);
+    std::error_code failure = _former ? _exchange(made) : _takeFreeName(made, _path);
     if (!failure)
         flushFolder(_path.parent_path());
     return failure;
@@ -74,28 +77,49 @@ std::error_code ArchivePlace::_exchange(const Path& made)
     const auto failure = swap(made, _path);
     if (!failure && _isFormer(made))
         return {};
-    if (!failure) // it was another file by now: back with it
-        if (const auto stuck = swap(made, _path))
-            return stuck;
+    if (!failure) { // it was another file by now: back with it
+        if (swap(made, _path))
+            return _keepBoth(made);
+        return _takeFreeName(made, _path);
+    }
     const bool canSwap
         = failure != std::errc::invalid_argument && failure != std::errc::function_not_supported;
     if (!canSwap && _isFormer(_path))
         return errorOf(::rename(made.c_str(), _path.c_str()));
-    if (failure && canSwap && failure != std::errc::no_such_file_or_directory)
+    if (canSwap && failure != std::errc::no_such_file_or_directory)
         return failure;
-    return _takeFreeName(made);
+    return _takeFreeName(made, _path);
 }
 
-std::error_code ArchivePlace::_takeFreeName(const Path& made)
+// The place has changed once more before the other file was back: it gets a name beside its own,
+// and the archive stays where it is, if it still is there.
+std::error_code ArchivePlace::_keepBoth(const Path& other)
+{
+    Path aside = _path;
+    if (const auto failure = _takeFreeName(other, aside))
+        return failure;
+    if (aside == _path)
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    _movedAside = aside;
+    return {};
+}
+
+// The wanted one, or that with the first free number before its extension.
+std::error_code ArchivePlace::_takeFreeName(const Path& file, Path& path)
 {
     std::error_code failure;
-    const std::string wanted = _path.filename();
     const auto take = [&](const std::string& name) {
-        _path.replace_filename(name);
-        failure = FileName::rename(AT_FDCWD, made, _path, FileName::Existing::keep);
+        path.replace_filename(name);
+        failure = FileName::rename(AT_FDCWD, file, path, FileName::Existing::keep);
         return failure == std::errc::file_exists;
     };
-    if (take(wanted))
-        (void)FileName::nextFree(wanted, false, take);
+    std::string stem = path.filename();
+    if (!take(stem))
+        return failure;
+    const bool hasExtension = !_extension.empty() && stem.ends_with(_extension);
+    if (hasExtension)
+        stem.resize(stem.size() - _extension.size());
+    (void)FileName::nextFree(stem, hasExtension,
+        [&](const std::string& name) { return take(hasExtension ? name + _extension : name); });
     return failure;
 }

@@ -6,6 +6,9 @@
 #include "system/FileDescriptor.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <system_error>
 
 class ArchivePlace
@@ -13,12 +16,14 @@ class ArchivePlace
 public:
     using Path = std::filesystem::path;
 
-    explicit ArchivePlace(Path path);
+    // The extension of the type: numbers that a free name takes stand before it.
+    ArchivePlace(Path path, std::string_view extension);
 
     // Where the archive stands, once it does: the path given, or one beside it.
     [[nodiscard]] const Path& path() const { return _path; }
 
-    // Whether a folder stands there, which no archive may replace.
+    // Whether anything does, or did; and a folder, which no archive may replace.
+    [[nodiscard]] bool isTaken() const { return static_cast<bool>(_former); }
     [[nodiscard]] bool isTakenByFolder() const;
 
     // Moves a complete file of the same file system there in one rename, flushed to the disk
@@ -26,11 +31,17 @@ public:
     // failure all stands as it stood.
     [[nodiscard]] std::error_code put(const Path& made);
 
+    // Where a file of somebody else's is now that could not be put back to its name.
+    [[nodiscard]] const std::optional<Path>& movedAside() const { return _movedAside; }
+
 private:
     [[nodiscard]] std::error_code _exchange(const Path& made);
-    [[nodiscard]] std::error_code _takeFreeName(const Path& made);
+    [[nodiscard]] std::error_code _keepBoth(const Path& other);
+    [[nodiscard]] std::error_code _takeFreeName(const Path& file, Path& path);
     [[nodiscard]] bool _isFormer(const Path& path) const;
 
     Path _path;
+    std::string _extension;
+    std::optional<Path> _movedAside;
     FileDescriptor _former; // held, so that no other file can get its identity
 };

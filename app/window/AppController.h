@@ -104,7 +104,6 @@ public:
     void migrateCheckAtStartup();
 
     // Where archives for e-mail are made: private to the process, removed when the program ends.
-    // Any thread once it has been called.
     const Path& tmpFolder();
 
     // The engine's working folder, which outlives the process; nothing when it cannot be made.
@@ -168,7 +167,7 @@ public:
     void progressBy(int lines);
     void archiverCompletedWithStatus(int status);
 
-    // Made on first use. Any thread once it has been called.
+    // Made on first use.
     Archiver& archiver();
 
     [[nodiscard]] QString filename() const { return _filename; }
@@ -244,6 +243,7 @@ private:
     void _tellNext();
     void _hearDesktop();
     void _quitWhenNothingIsTold();
+    void _quitLater();
 
     Interface _interface;
     std::unique_ptr<PreferenceController> _preferenceController;
@@ -266,6 +266,7 @@ private:
 
     std::deque<std::pair<QString, QString>> _untold; // messages for a time without a sheet
 
+    bool _isMade = false; // the archive of the last request
     std::shared_ptr<ArchiveJob> _job; // from its start until its archive is delivered
     std::future<void> _worker; // last: it uses all of the above
 };

@@ -101,8 +101,7 @@ void AppController::_hearDesktop()
             Workspace::sharedWorkspace().selectFile(archive);
             _tell(tr("The message could not be made"),
                 tr("No mail program took the archive. You can attach it yourself; it stays until "
-                   "you "
-                   "quit:\n%1")
+                   "you quit:\n%1")
                     .arg(PathText::textOf(archive)));
         });
     connect(&MailComposer::sharedComposer(), &MailComposer::attached, this,
@@ -110,14 +109,12 @@ void AppController::_hearDesktop()
             if (!isCertain)
                 _tell(tr("Please check the attachment"),
                     tr("Your mail program was asked to attach the archive, but does not tell "
-                       "whether "
-                       "it did. If it is missing, you find it here until you quit:\n%1")
+                       "whether it did. If it is missing, you find it here until you quit:\n%1")
                         .arg(PathText::textOf(archive)));
         });
     connect(&Workspace::sharedWorkspace(), &Workspace::couldNotReveal, this,
         [this](const Path& archive) {
-            std::error_code missing;
-            if (std::filesystem::exists(archive, missing))
+            if (_isMade)
                 _tell(tr("The archive is made"),
                     tr("No file manager could be asked to show it:\n%1")
                         .arg(PathText::textOf(archive)));
@@ -130,8 +127,14 @@ void AppController::_quitWhenNothingIsTold()
 {
     if (_hasMailed)
         return;
-    if (QApplication::activeModalWidget() || Workspace::sharedWorkspace().isRevealing())
-        _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
+    if (!_untold.empty() || QApplication::activeModalWidget()
+        || Workspace::sharedWorkspace().isRevealing())
+        _quitLater();
     else
         terminate(this);
+}
+
+void AppController::_quitLater()
+{
+    _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
 }

@@ -33,7 +33,6 @@ namespace
 constexpr std::chrono::duration<double> pauseBeforeProgress = 1s;
 constexpr std::chrono::duration<double> pauseAfterCompletion = 1s;
 constexpr double sheetCloseDelay = 0.2;
-constexpr double autoQuitDelay = 1.0;
 constexpr auto interruptInterval = 50ms;
 
 const QString archiveTypeKey = QStringLiteral("ArchiveType");
@@ -117,15 +116,15 @@ void AppController::archiveToPath(const Path& path)
         = static_cast<int>(defaults.integerForKey(QStringLiteral("CompressionLevel")))};
     try {
         _job = std::make_shared<ArchiveJob>(archiver(), std::move(request), _events());
+        _worker = std::async(std::launch::async, [this] { _work(); });
+        _setAcceptsFiles(false);
     } catch (const std::exception&) {
+        _job.reset();
         _fail(tr("there is no working folder at %1")
                   .arg(PathText::textOf(tmpdirString()))
                   .toStdString());
         _interface.saveDropView->clearFiles();
-        return;
     }
-    _setAcceptsFiles(false);
-    _worker = std::async(std::launch::async, [this] { _work(); });
 }
 
 ArchiveJob::Events AppController::_events()
@@ -148,6 +147,7 @@ void AppController::_work()
         Sheets::begin(_interface.progressWindow, _interface.mainWindow);
     });
     _performOnMainThread([this, result = _job->run()] {
+        _isMade = result.isMade;
         if (result.reason.empty())
             _deliver(*result.archive);
         else
@@ -164,7 +164,7 @@ void AppController::_performOnMainThread(std::function<void()> block)
 {
     MainQueue::dispatchAfter(std::chrono::nanoseconds::zero(),
         [self = QPointer(this), job = _job, task = std::move(block)] {
-            if (self && !job->isAbandoned())
+            if (self && !(job && job->isAbandoned()))
                 task();
         });
 }
@@ -220,13 +220,14 @@ void AppController::archiverCompletedWithStatus(int status)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Cancelled"));
         _interface.progress->setValue(_interface.progress->maximum());
     });
-    _job->sleepFor(pauseAfterCompletion);
+    if (_job)
+        _job->sleepFor(pauseAfterCompletion);
     _afterDelay(sheetCloseDelay, [this] {
         _interface.progressWindow->hide();
         _interface.advertTextView->setProductId(randomProductId());
     });
     if (_shouldAutoQuit)
-        _afterDelay(autoQuitDelay, [this] { _quitWhenNothingIsTold(); });
+        _quitLater();
 }
 
 Archiver& AppController::archiver()

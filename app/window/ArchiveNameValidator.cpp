@@ -1,11 +1,14 @@
 #include "app/window/ArchiveNameValidator.h"
 
+#include "system/FileName.h"
+#include "system/Utf8.h"
+
 #include <algorithm>
 
 namespace
 {
 
-constexpr qsizetype longestInBytes = 255 - 4; // of a name on most file systems, without ".zip"
+constexpr std::size_t longestInBytes = FileName::longestInBytes - 4; // without ".zip"
 
 } // namespace
 
@@ -14,12 +17,9 @@ QValidator::State ArchiveNameValidator::validate(QString& input, int& position) 
 {
     input.replace(QLatin1Char('/'), QLatin1Char('-'));
     input.remove(QChar::Null);
-    if (const QByteArray bytes = input.toUtf8(); bytes.size() > longestInBytes) {
-        qsizetype end = longestInBytes;
-        while ((static_cast<unsigned char>(bytes[end]) & 0xc0) == 0x80) // within a character
-            --end;
-        input = QString::fromUtf8(bytes.first(end));
-    }
+    const std::string name = input.toStdString();
+    if (name.size() > longestInBytes)
+        input = QString::fromStdString(std::string(Utf8::shortened(name, longestInBytes)));
     position = std::min(position, static_cast<int>(input.size()));
     return Acceptable;
 }

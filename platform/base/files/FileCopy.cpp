@@ -23,7 +23,6 @@ namespace fs = std::filesystem;
 namespace
 {
 
-using FileStatus = struct stat; // a name of its own, beside the function
 using TreeWalk::Cursor;
 using TreeWalk::Names;
 

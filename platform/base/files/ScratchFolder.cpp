@@ -24,21 +24,6 @@ const std::string hiddenPrefix = "." + prefix;
 
 constexpr std::string_view randomLetters = "XXXXXX";
 
-// PREFIX, a process number, and mostly what mkdtemp() makes of the letters: a folder that a person
-// has called like us stays.
-bool isNameOfOurs(std::string_view name)
-{
-    if (name.starts_with('.'))
-        name.remove_prefix(1);
-    if (!name.starts_with(prefix))
-        return false;
-    name.remove_prefix(prefix.size());
-    const std::size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
-    const std::string_view rest = name.substr(digits);
-    return digits > 0
-        && (rest.empty() || (rest.front() == '-' && rest.size() == 1 + randomLetters.size()));
-}
-
 FileDescriptor openFolder(const fs::path& path)
 {
     return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -64,21 +49,38 @@ bool isAt(const fs::path& path, const FileDescriptor& locked)
         && isSameFile(there, ours);
 }
 
+// Those that are called like ours and that nobody holds.
+void removeStale(const fs::path& parent, bool (*isOne)(std::string_view name))
+{
+    std::error_code unreadable; // then there is nothing to tidy up
+    fs::directory_iterator entry(parent, unreadable);
+    while (!unreadable && entry != fs::directory_iterator()) {
+        const fs::path path = entry->path();
+        entry.increment(unreadable);
+        if (!isOne(path.filename().native()))
+            continue;
+        const FileDescriptor folder = openFolder(path);
+        if (folder && isOurs(folder) && lock(folder))
+            (void)FileTree::remove(path, FileTree::Permissions::overridden);
+    }
+}
+
 } // namespace
 
 ScratchFolder::ScratchFolder()
 {
-    _make(SearchPaths::temporaryDirectory(), prefix);
+    _make(SearchPaths::temporaryDirectory(), prefix, ScratchName::isTemporary);
 }
 
 ScratchFolder::ScratchFolder(const fs::path& inFolder)
 {
-    _make(inFolder, hiddenPrefix);
+    _make(inFolder, hiddenPrefix, ScratchName::isPrivate);
 }
 
-void ScratchFolder::_make(const fs::path& parent, const std::string& beginning)
+void ScratchFolder::_make(
+    const fs::path& parent, const std::string& beginning, bool (*isOne)(std::string_view))
 {
-    removeStaleFolders(parent);
+    removeStale(parent, isOne);
 
     // Between the making and the locking another process may take the folder for a stale one and
     // remove it: then a new one is made. Where nothing can be locked, nothing is removed either.
@@ -96,17 +98,7 @@ void ScratchFolder::_make(const fs::path& parent, const std::string& beginning)
 
 void ScratchFolder::removeStaleFolders(const fs::path& parent)
 {
-    std::error_code unreadable; // then there is nothing to tidy up
-    fs::directory_iterator entry(parent, unreadable);
-    while (!unreadable && entry != fs::directory_iterator()) {
-        const fs::path path = entry->path();
-        entry.increment(unreadable);
-        if (!isNameOfOurs(path.filename().native()))
-            continue;
-        const FileDescriptor folder = openFolder(path);
-        if (folder && isOurs(folder) && lock(folder))
-            (void)FileTree::remove(path, FileTree::Permissions::overridden);
-    }
+    removeStale(parent, ScratchName::isTemporary);
 }
 
 FileDescriptor ScratchFolder::hold(const fs::path& folder)

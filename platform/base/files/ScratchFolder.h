@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 // "cannot make a working folder in X: reason".
 class ScratchFolderFailure : public std::runtime_error
@@ -32,11 +33,12 @@ public:
     // the folder is not there, is not this user's, or another process holds it.
     [[nodiscard]] static FileDescriptor hold(const std::filesystem::path& folder);
 
-    // Removes the folders of ours in there that nobody holds.
+    // Removes the folders of ours in there, a temporary directory, that nobody holds.
     static void removeStaleFolders(const std::filesystem::path& parent);
 
 private:
-    void _make(const std::filesystem::path& parent, const std::string& beginning);
+    void _make(const std::filesystem::path& parent, const std::string& beginning,
+        bool (*isOne)(std::string_view name));
 
     std::filesystem::path _path;
     FileDescriptor _lock; // never inherited by a child, which would prolong it
