@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QList>
-#include <QString>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -24,7 +23,14 @@ public:
         EXPECT_TRUE(listen(QHostAddress::LocalHost));
         connect(this, &QTcpServer::newConnection, this, [this] {
             QTcpSocket* socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { _answer(*socket); });
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+                requests << socket->readAll();
+                socket->write(_answers.front());
+                if (!_answers.front().isEmpty())
+                    socket->disconnectFromHost();
+                if (_answers.size() > 1)
+                    _answers.removeFirst();
+            });
         });
     }
 
@@ -47,16 +53,6 @@ public:
     QByteArrayList requests;
 
 private:
-    void _answer(QTcpSocket& socket)
-    {
-        requests << socket.readAll();
-        const QByteArray answer = _answers.size() > 1 ? _answers.takeFirst() : _answers.front();
-        if (answer.isEmpty())
-            return;
-        socket.write(answer);
-        socket.disconnectFromHost();
-    }
-
     QList<QByteArray> _answers;
 };
 

@@ -1,13 +1,11 @@
 #include "tests/support/Files.h"
 
-#include "system/FileBytes.h"
 #include "system/FileDescriptor.h"
 
 #include <algorithm>
-#include <array>
-#include <limits>
+#include <fstream>
 #include <random>
-#include <system_error>
+#include <sstream>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,40 +13,35 @@
 namespace support
 {
 
-namespace
-{
-
-int checked(int result, const std::filesystem::path& path)
+int checked(int result, const std::string& what)
 {
     if (result < 0)
-        throw std::system_error(errno, std::generic_category(), path.string());
+        throw std::system_error(errno, std::generic_category(), what);
     return result;
 }
-
-} // namespace
 
 void writeFile(const std::filesystem::path& file, std::string_view content)
 {
     if (file.has_parent_path())
         std::filesystem::create_directories(file.parent_path());
-    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
-    const FileDescriptor output(checked(::open(file.c_str(), flags, 0644), file));
-    checked(FileBytes::writeAll(output.number(), content) ? 0 : -1, file);
+    std::ofstream output(file);
+    output << content << std::flush;
+    checked(output ? 0 : -1, file);
 }
 
 std::string readFile(const std::filesystem::path& file)
 {
-    std::optional<std::string> content
-        = FileBytes::readWhole(file, std::numeric_limits<std::size_t>::max());
-    checked(content ? 0 : -1, file);
-    return std::move(*content);
+    const std::ifstream input(file);
+    checked(input ? 0 : -1, file);
+    std::ostringstream content;
+    content << input.rdbuf();
+    return std::move(content).str();
 }
 
 void setTime(const std::filesystem::path& file, std::int64_t secondsSince1970, long nanoseconds)
 {
-    const timespec time = {secondsSince1970, nanoseconds};
-    const std::array<timespec, 2> times = {time, time};
-    checked(::utimensat(AT_FDCWD, file.c_str(), times.data(), AT_SYMLINK_NOFOLLOW), file);
+    const timespec time = {secondsSince1970, nanoseconds}, times[] = {time, time};
+    checked(::utimensat(AT_FDCWD, file.c_str(), times, AT_SYMLINK_NOFOLLOW), file);
 }
 
 void makeFifo(const std::filesystem::path& file)
@@ -79,19 +72,14 @@ std::string randomBytes(std::size_t sizeInBytes, unsigned seed)
 
 std::string someText(std::size_t sizeInBytes, unsigned seed)
 {
-    static constexpr std::array<std::string_view, 8> words
-        = {"archive", "folder", "of", "the", "gesture", "\n", "block", "one"};
+    const std::string words[] = {"archive", "folder", "of", "the", "gesture", "\n", "block", "one"};
     std::mt19937_64 generator(seed);
     std::string text;
-    text.reserve(sizeInBytes + 16);
-    while (text.size() < sizeInBytes) {
-        const std::uint64_t number = generator();
-        text += words.at(number % words.size());
-        text += static_cast<char>('a' + number / words.size() % 26);
-        text += ' ';
+    for (std::uint64_t number; text.size() < sizeInBytes;) {
+        number = generator();
+        text += words[number % 8] + static_cast<char>('a' + number / 8 % 26) + ' ';
     }
-    text.resize(sizeInBytes);
-    return text;
+    return text.substr(0, sizeInBytes);
 }
 
 std::vector<std::string> namesIn(const std::filesystem::path& folder)

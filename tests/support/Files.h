@@ -12,8 +12,11 @@
 namespace support
 {
 
+// The result of a system call, which is not negative unless it failed.
+int checked(int result, const std::string& what);
 // Makes or replaces a file; missing parent folders are made too.
 void writeFile(const std::filesystem::path& file, std::string_view content);
+// To its end, whatever its size is said to be.
 std::string readFile(const std::filesystem::path& file);
 // The modification (and access) time; of a link itself, not of what it leads to.
 void setTime(
@@ -34,12 +37,10 @@ template <typename Condition>
 bool waitUntil(Condition condition, std::chrono::milliseconds timeout = std::chrono::seconds(20))
 {
     const auto end = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
+    bool holds = condition();
+    for (; !holds && std::chrono::steady_clock::now() < end; holds = condition())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
+    return holds;
 }
 
 } // namespace support

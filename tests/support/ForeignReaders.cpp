@@ -3,31 +3,20 @@
 #include "tests/support/Run.h"
 #include "tests/support/TestFolder.h"
 
-#include <cstdlib>
-#include <string_view>
-#include <utility>
-
 namespace support
 {
 
 namespace
 {
 
-// Runs one of the commands of a reader: nothing to complain of, or one line.
-std::vector<std::string> complaints(const ForeignReader& reader, std::vector<std::string> command,
-    const std::filesystem::path& archive, const std::filesystem::path& folder = {})
+using Lines = std::vector<std::string>;
+
+// Nothing to complain of, or one line. In a locale without UTF-8 some of them skip names.
+Lines complaints(const ForeignReader& reader, const std::string& command,
+    const std::filesystem::path& archive, const std::string& folder = {})
 {
-    const std::pair<std::string_view, std::string> meanings[]
-        = {{"{archive}", archive}, {"{folder}", folder}};
-    for (std::string& word : command) {
-        for (const auto& [placeholder, path] : meanings) {
-            if (const std::size_t at = word.find(placeholder); at != std::string::npos)
-                word.replace(at, placeholder.size(), path);
-        }
-    }
-    // In a locale without UTF-8 some of them skip names.
-    command.insert(command.begin(), {"env", "LC_ALL=C.UTF-8"});
-    const RunResult result = run(command, {.timeout = std::chrono::minutes(4)});
+    const RunResult result = run({"env", "LC_ALL=C.UTF-8", "sh", "-c", command, archive, folder},
+        {.timeout = std::chrono::minutes(4)});
     if (result.status == 0)
         return {};
     return {reader.name + " ended with " + std::to_string(result.status) + ": " + result.err
@@ -39,12 +28,9 @@ std::vector<std::string> complaints(const ForeignReader& reader, std::vector<std
 const std::vector<ForeignReader>& zipReaders()
 {
     static const std::vector<ForeignReader> readers = {
-        {"unzip", {"unzip", "-tqq", "{archive}"},
-            {"unzip", "-qq", "-o", "-^", "-K", "{archive}", "-d", "{folder}"}, {}},
-        {"7z", {"7z", "t", "-bso0", "-bsp0", "{archive}"},
-            {"7z", "x", "-y", "-bso0", "-bsp0", "{archive}", "-o{folder}"}, {.modeMask = 0}},
-        {"bsdtar", {"sh", "-c", "bsdtar -xOf \"$0\" > /dev/null", "{archive}"},
-            {"bsdtar", "-xpf", "{archive}", "-C", "{folder}"}, {}},
+        {"unzip", R"(unzip -tqq "$0")", R"(unzip -qq -o -^ -K "$0" -d "$1")"},
+        {"7z", R"(7z t -bso0 -bsp0 "$0")", R"(7z x -y -bso0 -bsp0 "$0" -o"$1")", {.modeMask = 0}},
+        {"bsdtar", R"(bsdtar -xOf "$0" > /dev/null)", R"(bsdtar -xpf "$0" -C "$1")"},
     };
     return readers;
 }
@@ -52,33 +38,27 @@ const std::vector<ForeignReader>& zipReaders()
 const std::vector<ForeignReader>& tarReaders()
 {
     static const std::vector<ForeignReader> readers = {
-        {"tar", {"tar", "-tzf", "{archive}"}, {"tar", "-xpzf", "{archive}", "-C", "{folder}"}, {}},
-        {"bsdtar", {"bsdtar", "-tf", "{archive}"},
-            {"bsdtar", "-xpf", "{archive}", "-C", "{folder}"}, {}},
-        {"7z", {"sh", "-c", "7z x -so \"$0\" | 7z t -si -ttar -bso0 -bsp0", "{archive}"},
-            {"sh", "-c", "7z x -so \"$0\" | 7z x -si -ttar -bso0 -bsp0 -o\"$1\"", "{archive}",
-                "{folder}"},
-            {.modeMask = 0}},
+        {"tar", R"(tar -tzf "$0")", R"(tar -xpzf "$0" -C "$1")"},
+        {"bsdtar", R"(bsdtar -tf "$0")", R"(bsdtar -xpf "$0" -C "$1")"},
+        {"7z", R"(7z x -so "$0" | 7z t -si -ttar -bso0 -bsp0)",
+            R"(7z x -so "$0" | 7z x -si -ttar -bso0 -bsp0 -o"$1")", {.modeMask = 0}},
     };
     return readers;
 }
 
-std::vector<std::string> complaintsOf(
-    const std::vector<ForeignReader>& readers, const std::filesystem::path& archive)
+Lines complaintsOf(const std::vector<ForeignReader>& readers, const std::filesystem::path& archive)
 {
-    std::vector<std::string> all;
-    for (const ForeignReader& reader : readers) {
-        for (const std::string& complaint : complaints(reader, reader.test, archive))
-            all.push_back(complaint);
-    }
+    Lines all;
+    for (const ForeignReader& reader : readers)
+        std::ranges::move(complaints(reader, reader.test, archive), std::back_inserter(all));
     return all;
 }
 
-std::vector<std::string> extractionFaults(
+Lines extractionFaults(
     const ForeignReader& reader, const std::filesystem::path& archive, const TreeSnapshot& expected)
 {
     const TestFolder folder;
-    std::vector<std::string> faults = complaints(reader, reader.extract, archive, folder.path());
+    Lines faults = complaints(reader, reader.extract, archive, folder.path());
     for (const std::string& difference :
         differences(expected, snapshot(folder.path()), reader.tolerance))
         faults.push_back(reader.name + ": " + difference);

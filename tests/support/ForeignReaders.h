@@ -10,12 +10,12 @@
 namespace support
 {
 
-// In the commands {archive} and {folder} stand for paths.
+// In the commands, which are a shell's, $0 is the archive and $1 a folder.
 struct ForeignReader {
     std::string name;
-    std::vector<std::string> test; // status 0 when the archive is whole
-    std::vector<std::string> extract;
-    Tolerance tolerance; // of what `extract` brings back
+    std::string test; // status 0 when the archive is whole
+    std::string extract;
+    Tolerance tolerance = {}; // of what `extract` brings back
 };
 const std::vector<ForeignReader>& zipReaders(); // unzip, 7z, bsdtar
 const std::vector<ForeignReader>& tarReaders(); // tar, bsdtar, 7z

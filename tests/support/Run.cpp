@@ -1,7 +1,6 @@
 #include "tests/support/Run.h"
 
 #include <csignal>
-#include <system_error>
 
 #include <poll.h>
 #include <sys/mman.h>
@@ -15,16 +14,6 @@ namespace support
 
 namespace
 {
-
-constexpr int timedOut = 124;
-constexpr int cannotStart = 127;
-
-template <typename Result> Result checked(Result result, const char* call)
-{
-    if (result < 0)
-        throw std::system_error(errno, std::generic_category(), call);
-    return result;
-}
 
 FileDescriptor memoryFile()
 {
@@ -49,27 +38,25 @@ std::vector<char*> pointersTo(const std::vector<std::string>& strings)
 
 RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOptions options)
     : _options(std::move(options))
+    , _in(memoryFile())
     , _out(memoryFile())
     , _err(memoryFile())
 {
-    const FileDescriptor in = memoryFile();
-    writeFile(pathOf(in), _options.input);
+    writeFile(pathOf(_in), _options.input);
     // Everything is allocated here: after fork() only plain system calls are safe.
     const std::vector<char*> argv = pointersTo(arguments);
     const std::vector<char*> given
-        = _options.environment ? pointersTo(*_options.environment) : std::vector<char*>();
+        = pointersTo(_options.environment.value_or(std::vector<std::string>()));
     char* const* environment = _options.environment ? given.data() : environ;
-    const char* folder = _options.folder.empty() ? "." : _options.folder.c_str();
 
     _pid = checked(::fork(), "fork");
     if (_pid == 0) {
         ::setpgid(0, 0);
-        const bool ready = ::dup2(in.number(), STDIN_FILENO) == STDIN_FILENO
-            && ::dup2(_out.number(), STDOUT_FILENO) == STDOUT_FILENO
-            && ::dup2(_err.number(), STDERR_FILENO) == STDERR_FILENO && ::chdir(folder) == 0;
-        if (ready)
+        if (::dup2(_in.number(), 0) == 0 && ::dup2(_out.number(), 1) == 1
+            && ::dup2(_err.number(), 2) == 2
+            && (_options.folder.empty() || ::chdir(_options.folder.c_str()) == 0))
             ::execvpe(argv[0], argv.data(), environment);
-        ::_exit(cannotStart);
+        ::_exit(127);
     }
     ::setpgid(_pid, _pid); // whichever of the two comes first
 }
@@ -82,14 +69,19 @@ RunningProgram::~RunningProgram()
     ::waitpid(_pid, nullptr, 0);
 }
 
-std::string RunningProgram::contentOf(const FileDescriptor& stream)
-{
-    return readFile(pathOf(stream));
-}
-
 void RunningProgram::signal(int number) const
 {
     ::kill(_pid, number);
+}
+
+std::string RunningProgram::out() const
+{
+    return readFile(pathOf(_out));
+}
+
+std::string RunningProgram::err() const
+{
+    return readFile(pathOf(_err));
 }
 
 RunResult RunningProgram::wait()
@@ -97,7 +89,7 @@ RunResult RunningProgram::wait()
     // glibc 2.36 declares pidfd_open() with C++ linkage, so that it cannot be linked.
     const FileDescriptor program(static_cast<int>(::syscall(SYS_pidfd_open, _pid, 0)));
     pollfd end = {program.number(), POLLIN, 0};
-    const auto timeout = std::chrono::duration_cast<std::chrono::milliseconds>(_options.timeout);
+    const std::chrono::milliseconds timeout = _options.timeout;
     const bool inTime = ::poll(&end, 1, static_cast<int>(timeout.count())) == 1;
     if (!inTime)
         ::kill(-_pid, SIGKILL);
@@ -107,7 +99,7 @@ RunResult RunningProgram::wait()
     ::wait4(_pid, &status, 0, &usage);
     _ended = true;
     const int code = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-    return {inTime ? code : timedOut, out(), err(), usage.ru_maxrss * 1024};
+    return {inTime ? code : 124, out(), err(), usage.ru_maxrss * 1024};
 }
 
 RunResult run(const std::vector<std::string>& arguments, const RunOptions& options)

@@ -44,17 +44,14 @@ public:
     pid_t pid() const { return _pid; }
     // To the program alone, as a user's `kill` would.
     void signal(int number) const;
-    std::string out() const { return contentOf(_out); }
-    std::string err() const { return contentOf(_err); }
+    std::string out() const;
+    std::string err() const;
     // Waits for the end; after the timeout the whole group is killed.
     RunResult wait();
 
 private:
-    static std::string contentOf(const FileDescriptor& stream);
-
     const RunOptions _options;
-    const FileDescriptor _out;
-    const FileDescriptor _err;
+    const FileDescriptor _in, _out, _err;
     pid_t _pid = -1;
     bool _ended = false;
 };

@@ -4,9 +4,6 @@
 
 #include "tests/support/Run.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <string>
 #include <system_error>
 
 namespace support

@@ -17,15 +17,6 @@ namespace support
 namespace
 {
 
-Names linesOf(const std::string& text)
-{
-    Names lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
-
 void append(Names& names, const Names& more)
 {
     names.insert(names.end(), more.begin(), more.end());
@@ -36,27 +27,31 @@ Names progressFaults(const Tool& tool, const std::string& out, std::size_t entri
     const std::regex form(tool.name == "ditto" ? R"(copying (file|symlink) \./[ -~]+ \.\.\. )"
             : tool.name == "zip"               ? R"(  adding: [ -~]+ \((deflated \d+%|stored 0%)\))"
                                                : "  adding: [ -~]+");
-    Names faults;
-    const Names lines = linesOf(out);
-    for (const std::string& line : lines) {
-        if (!std::regex_match(line, form))
-            faults.push_back("progress line '" + line + "'");
-    }
-    if (lines.size() != entries)
-        faults.push_back(std::to_string(lines.size()) + " lines of progress for "
-            + std::to_string(entries) + " entries");
+    Names faults = linesOf(out);
+    if (faults.size() != entries)
+        return {std::to_string(faults.size()) + " lines of progress for the entries: " + out};
+    std::erase_if(faults, [&](const std::string& line) { return std::regex_match(line, form); });
     return faults;
 }
 
 } // namespace
 
+Names linesOf(const std::string& text)
+{
+    Names lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
 const Tool& toolNamed(const std::string& name)
 {
     static const std::vector<Tool> tools = {
         // skipped, nothing to do, write error, cannot create, usage, interrupted
-        {"zip", "a.zip", true, 18, 12, 14, 15, 16, 9, zipReaders()},
-        {"tar", "a.tar.gz", false, 1, 2, 2, 2, 2, 130, tarReaders()},
-        {"ditto", "a.zip", true, 1, 2, 2, 2, 64, 130, zipReaders()},
+        {"zip", "a.zip", 18, 12, 14, 15, 16, 9, zipReaders()},
+        {"tar", "a.tar.gz", 1, 2, 2, 2, 2, 130, tarReaders()},
+        {"ditto", "a.zip", 1, 2, 2, 2, 64, 130, zipReaders()},
     };
     return *std::ranges::find(tools, name, &Tool::name);
 }
@@ -66,24 +61,21 @@ ToolCall callOf(
 {
     const std::string stored = "./" + item.filename().native();
     ToolCall call = {options.prefix, {.folder = item.parent_path()}};
-    call.arguments.push_back(PARCELO_TOOLS_DIR "/" + tool.name);
-    if (tool.name == "zip")
-        append(call.arguments, {options.level, "-y", "-r", archive, stored});
-    if (tool.name == "zip" && options.leaveOutDsStore)
-        append(call.arguments, {"-x", "*/.DS_Store"});
+    append(call.arguments, {PARCELO_TOOLS_DIR "/" + tool.name});
     if (tool.name == "tar" && options.leaveOutDsStore)
         append(call.arguments, {"--exclude", ".DS_Store"});
-    if (tool.name == "tar")
-        append(call.arguments, {"-zhcf", archive, stored});
-    if (tool.name == "ditto")
-        append(
-            call.arguments, {"-V", "-c", "-k", "--keepParent", "--sequesterRsrc", stored, archive});
+    append(call.arguments,
+        tool.name == "zip" ? Names{options.level, "-y", "-r", archive, stored}
+            : tool.name == "tar"
+            ? Names{"-zhcf", archive, stored}
+            : Names{"-V", "-c", "-k", "--keepParent", "--sequesterRsrc", stored, archive});
+    if (tool.name == "zip" && options.leaveOutDsStore)
+        append(call.arguments, {"-x", "*/.DS_Store"});
+    call.options.environment = options.environment;
     // The leak checker cannot run where another program traces ours.
-    Names environment = options.environment;
-    environment.push_back("ASAN_OPTIONS=detect_leaks=0");
+    append(*call.options.environment, {"ASAN_OPTIONS=detect_leaks=0"});
     if (options.threads > 0)
-        environment.push_back("PARCELO_THREADS=" + std::to_string(options.threads));
-    call.options.environment = environment;
+        append(*call.options.environment, {"PARCELO_THREADS=" + std::to_string(options.threads)});
     return call;
 }
 
@@ -96,12 +88,10 @@ RunResult run(
 
 Names warnedNames(const RunResult& result)
 {
-    static const std::regex form("warning: (.*?): .+");
-    Names names;
-    for (const std::string& line : linesOf(result.err)) {
-        std::smatch match;
-        names.push_back(std::regex_match(line, match, form) ? match[1].str() : line);
-    }
+    static const std::regex form("^warning: (.*?): .+");
+    Names names = linesOf(result.err);
+    for (std::string& line : names)
+        line = std::regex_replace(line, form, "$1");
     std::ranges::sort(names);
     return names;
 }
@@ -119,17 +109,16 @@ Names faultsOf(const Tool& tool, const RunResult& result, const fs::path& archiv
     return faults;
 }
 
-ToolCall asOrdinaryUser(ToolCall call, const fs::path& folder)
+RunResult runAsOrdinaryUser(ToolCall call, const fs::path& folder)
 {
-    if (::geteuid() != 0)
-        return call;
-    const fs::path copy = folder / "tool";
-    fs::copy_file(call.arguments.at(0), copy, fs::copy_options::overwrite_existing);
-    fs::permissions(folder, fs::perms::all);
-    call.arguments.at(0) = copy;
-    const Names prefix = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
-    call.arguments.insert(call.arguments.begin(), prefix.begin(), prefix.end());
-    return call;
+    if (::geteuid() == 0) {
+        fs::copy_file(call.arguments.at(0), folder / "tool");
+        fs::permissions(folder, fs::perms::all);
+        Names prefix = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+        call.arguments.at(0) = folder / "tool";
+        call.arguments.insert(call.arguments.begin(), prefix.begin(), prefix.end());
+    }
+    return run(call.arguments, call.options);
 }
 
 bool isFullSweep()

@@ -4,10 +4,7 @@
 #include "tests/support/ForeignReaders.h"
 #include "tests/support/Run.h"
 
-#include <filesystem>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace support
 {
@@ -18,12 +15,12 @@ inline bool contains(const std::string& text, const std::string& part)
 {
     return text.find(part) != std::string::npos;
 }
+Names linesOf(const std::string& text);
 
 // What the runs of a tool end with, and who reads its archives.
 struct Tool {
-    std::string name;
+    std::string name; // zip, tar, ditto
     std::string archiveName;
-    bool makesZips;
     int skipped; // made, but something was left out or changed
     int nothingToDo;
     int writeError;
@@ -31,8 +28,9 @@ struct Tool {
     int usage;
     int interrupted;
     const std::vector<ForeignReader>& readers;
+    const bool makesZips = name != "tar";
 };
-const Tool& toolNamed(const std::string& name); // zip, tar, ditto
+const Tool& toolNamed(const std::string& name);
 
 struct ToolOptions {
     std::string level = "-6"; // of zip
@@ -63,7 +61,7 @@ Names faultsOf(const Tool& tool, const RunResult& result, const std::filesystem:
 
 // Runs with the rights of an ordinary user. That user cannot reach every place: the tool is copied
 // to `folder`, which is opened to all.
-ToolCall asOrdinaryUser(ToolCall call, const std::filesystem::path& folder);
+RunResult runAsOrdinaryUser(ToolCall call, const std::filesystem::path& folder);
 
 // Everything is to be tried, however long it takes, and not a sample of it: PARCELO_ALL_TESTS is 1.
 bool isFullSweep();

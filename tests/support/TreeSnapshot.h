@@ -16,9 +16,7 @@ struct TreeEntry {
     char kind = '?'; // 'f' file, 'd' folder, 'l' link, 'p' pipe, '?' anything else
     mode_t mode = 0; // the twelve permission bits
     std::int64_t time = 0; // seconds
-    std::uint64_t sizeInBytes = 0;
-    std::uint64_t contentHash = 0;
-    std::string target = {};
+    std::string content = {}; // of a file its size and hash, of a link where it leads
 };
 
 // Everything below a folder by its path in it. Made by descriptors, so any depth will do.

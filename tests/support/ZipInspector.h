@@ -1,7 +1,6 @@
 // A strict look at the structure of a zip.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -9,19 +8,13 @@
 namespace support
 {
 
-struct ZipEntry {
-    std::string name;
-    std::int64_t localOffset;
-    bool hasZip64Field;
-};
-
 struct ZipReport {
     std::vector<std::string> complaints = {};
     std::string comment = {};
     bool hasZip64End = false;
-    std::vector<ZipEntry> entries = {}; // in central order
+    std::vector<std::string> entries = {}; // their names, in central order
 
-    std::vector<std::string> names() const;
+    std::vector<std::string> names() const { return entries; }
 };
 
 // What inspect_zip.py, which shares no code with the program, has to say about an archive whose

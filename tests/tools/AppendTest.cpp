@@ -1,40 +1,35 @@
 // Adding to an archive that is already there, made by this program or another.
 
-#include "tests/support/ZipInspector.h"
 #include "tests/tools/ToolTest.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace
 {
 
-constexpr int refused = 3;
-
-RunResult add(const fs::path& archive, const fs::path& item)
-{
-    return run(toolNamed("zip"), archive, item);
-}
+struct Append : Zip {
+    RunResult add(const fs::path& path) const { return run(tool, archive, folder.path() / path); }
+    RunResult addNew(const std::string& name, const std::string& content) const
+    {
+        writeFile(folder / "in" / name, content);
+        return add("in/" + name);
+    }
+    // `code` writes what another program might, to `z`.
+    void makeWithPython(const std::string& code) const
+    {
+        const std::string opened = "import sys, zipfile\nz = zipfile.ZipFile(sys.argv[1], 'w')\n";
+        EXPECT_EQ(run({"python3", "-c", opened + code, archive}).status, 0);
+    }
+};
 
 // Archives of `old`, made in the folder it is in.
 const Names makers = {
-    "zip -q -r a.zip old",
     "zip -q -r a.zip old; echo 'a comment PK' | zip -q -z a.zip",
-    "zip -q -r - old | cat > a.zip",
+    "zip -q -r - old | cat > a.zip", // with descriptors
     "7z a -tzip -bso0 -bsp0 a.zip old",
     "python3 -c \"import zipfile\nwith zipfile.ZipFile('a.zip', 'w') as z:\n"
-    "  for n in ('old/', 'old/file'):\n"
-    "    with z.open(n, 'w', force_zip64=True) as f: f.write(b'old' if n[-1] != '/' else b'')\n"
-    "  z.comment = b'commented'\"",
+    "  with z.open('old/file', 'w', force_zip64=True) as f: f.write(b'old')\"",
     ": > a.zip; rm -r old",
-};
-
-struct Append : Zip {
-    RunResult addNew(const std::string& name, const std::string& content)
-    {
-        writeFile(folder / ("in/" + name), content);
-        return add(archive, folder / ("in/" + name));
-    }
 };
 
 } // namespace
@@ -47,8 +42,7 @@ TEST_F(Append, keepsWhatAnotherProgramStored)
         writeFile(folder / "in/old/file", "old");
         ASSERT_EQ(run({"sh", "-c", command}, {.folder = folder / "in"}).status, 0);
         fs::rename(folder / "in/a.zip", archive);
-        const ZipReport before
-            = fs::file_size(archive) > 0 ? inspectZip(archive, 100) : ZipReport();
+        const ZipReport before = fs::is_empty(archive) ? ZipReport() : inspectZip(archive, 100);
         ASSERT_EQ(before.complaints, nothing);
 
         const RunResult result = addNew("new", someText(1'500'000));
@@ -76,9 +70,9 @@ TEST_F(Append, refusesWhatIsNotAWholeZipAndLeavesItAlone)
         writeFile(archive, bytes);
         setTime(archive, 1'000'000'000);
         const RunResult result = addNew("new", "new");
-        EXPECT_EQ(result.status, refused) << bytes.size() << " bytes";
+        EXPECT_EQ(result.status, 3) << bytes.size() << " bytes";
         EXPECT_NE(result.err, "");
-        EXPECT_EQ(readFile(archive) == bytes, true);
+        EXPECT_TRUE(readFile(archive) == bytes);
         EXPECT_EQ(snapshot(folder.path())["a.zip"].time, 1'000'000'000);
     }
     EXPECT_EQ(namesIn(folder.path()), (Names{"a.zip", "in"}));
@@ -87,24 +81,19 @@ TEST_F(Append, refusesWhatIsNotAWholeZipAndLeavesItAlone)
 TEST_F(Append, findsTheNextFreeNameForAnItemWhoseNameIsTakenAndTellsIt)
 {
     const std::vector<std::pair<Names, Names>> table = {
-        {{"same.txt", "same.txt", "same.txt"}, {"same.txt", "same 2.txt", "same 3.txt"}},
         {{"same 2.txt", "same.txt", "same.txt"}, {"same 2.txt", "same.txt", "same 3.txt"}},
         {{"Folder/x", "Folder/x"}, {"Folder/", "Folder/x", "Folder 2/", "Folder 2/x"}},
         {{"Folder/x", "Folder"}, {"Folder/", "Folder/x", "Folder 2"}},
-        {{"Folder", "Folder/x"}, {"Folder", "Folder 2/", "Folder 2/x"}},
-        {{"plain", "plain"}, {"plain", "plain 2"}},
         {{".hidden", ".hidden"}, {".hidden", ".hidden 2"}},
         {{"A", "a", "e\u0301", "\u00e9"}, {"A", "a", "e\u0301", "\u00e9"}},
     };
     for (const auto& [items, expected] : table) {
         fs::remove(archive);
         RunResult last;
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            const fs::path place = folder / ("in" + std::to_string(i));
-            fs::remove_all(place);
-            writeFile(place / items[i], items[i] + std::to_string(i));
-            last = add(archive, place / *fs::path(items[i]).begin());
-            EXPECT_EQ(last.status, 0);
+        for (const std::string& name : items) {
+            fs::remove_all(folder / "in");
+            writeFile(folder / "in" / name, name);
+            last = add("in" / *fs::path(name).begin());
         }
         const ZipReport report = inspectZip(archive);
         EXPECT_EQ(report.names(), expected);
@@ -114,45 +103,36 @@ TEST_F(Append, findsTheNextFreeNameForAnItemWhoseNameIsTakenAndTellsIt)
         EXPECT_EQ(contains(last.err, "stored as " + stored), items.back() != expected.back())
             << last.err;
     }
-}
-
-TEST_F(Append, takesANameForTakenHoweverItIsWritten)
-{
-    ASSERT_EQ(run({"python3", "-c",
-                      "import sys, zipfile\n"
-                      "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
-                      "    for n in ('./item', '/item 2', './/item 3/in'): z.writestr(n, 'x')",
-                      archive})
-                  .status,
-        0);
+    // However it is written.
+    makeWithPython("for n in ('./item', '/item 2', './/item 3/in'): z.writestr(n, 'x')");
     EXPECT_TRUE(addNew("item", "content").out.starts_with("  adding: item 4 "));
 }
 
 TEST_F(Append, keepsTheArchivesPlaceModeAndLinks)
 {
     ASSERT_EQ(addNew("one", "one").status, 0);
-    fs::permissions(archive, fs::perms::owner_read | fs::perms::owner_write);
+    fs::permissions(archive, fs::perms(0600));
     fs::create_symlink("a.zip", folder / "link.zip");
     fs::create_symlink("nowhere", folder / "dangling.zip");
     fs::create_hard_link(archive, folder / "hard.zip");
     writeFile(folder / "in/two", "two");
-    ASSERT_EQ(add(folder / "link.zip", folder / "in/two").status, 0);
+    ASSERT_EQ(run(tool, folder / "link.zip", folder / "in/two").status, 0);
     EXPECT_TRUE(fs::is_symlink(folder / "link.zip"));
     EXPECT_EQ(snapshot(folder.path())["a.zip"].mode, 0600u);
     EXPECT_EQ(inspectZip(folder / "hard.zip").names(), (Names{"one", "two"}));
-    EXPECT_EQ(add(folder / "dangling.zip", folder / "in/two").status, tool.cannotCreate);
+    EXPECT_EQ(run(tool, folder / "dangling.zip", folder / "in/two").status, tool.cannotCreate);
     EXPECT_TRUE(fs::is_symlink(folder / "dangling.zip"));
 }
 
 TEST_F(Append, twoAtOnceLoseNothing)
 {
     for (const std::string name : {"first", "one", "two"})
-        writeFile(folder / ("in/" + name), randomBytes(300'000, 5));
+        writeFile(folder / "in" / name, randomBytes(300'000, 5));
+    const ToolCall first = callOf(tool, archive, folder / "in/one");
+    const ToolCall second = callOf(tool, archive, folder / "in/two");
     for (int round = 0; round < 12; ++round) {
         fs::remove(archive);
-        ASSERT_EQ(add(archive, folder / "in/first").status, 0);
-        const ToolCall first = callOf(tool, archive, folder / "in/one");
-        const ToolCall second = callOf(tool, archive, folder / "in/two");
+        ASSERT_EQ(add("in/first").status, 0);
         RunningProgram one(first.arguments, first.options);
         RunningProgram two(second.arguments, second.options);
         EXPECT_EQ(one.wait().status, 0);
@@ -165,8 +145,6 @@ TEST_F(Append, twoAtOnceLoseNothing)
 
 TEST_F(Append, writesTheNewItemAndNotTheArchiveAgain)
 {
-    if (isSanitized)
-        GTEST_SKIP() << "sanitizers refuse tracers";
     constexpr std::size_t itemSize = 1 << 20;
     for (unsigned i = 0; i < 6; ++i)
         ASSERT_EQ(addNew(std::to_string(i), randomBytes(itemSize, i)).status, 0);
@@ -175,10 +153,9 @@ TEST_F(Append, writesTheNewItemAndNotTheArchiveAgain)
         {.prefix = {"strace", "-f", "-qq", "-o", folder / "log", "-e",
              "trace=write,pwrite64,writev,pwritev,pwritev2,copy_file_range,sendfile"}});
     if (traced.status != 0)
-        GTEST_SKIP() << "no tracing here: " << traced.err;
-    std::istringstream log(readFile(folder / "log"));
+        GTEST_SKIP() << "no tracing here, or a sanitizer that refuses it: " << traced.err;
     std::size_t written = 0;
-    for (std::string line; std::getline(log, line);) {
+    for (const std::string& line : linesOf(readFile(folder / "log"))) {
         if (const std::size_t at = line.rfind("= "); at != std::string::npos && line[at + 2] != '-')
             written += std::stoul(line.substr(at + 2));
     }
@@ -189,13 +166,7 @@ TEST_F(Append, writesTheNewItemAndNotTheArchiveAgain)
 TEST_F(Append, keepsAnArchiveBeyondTheZip64Limit)
 {
     // 65,534 entries need no zip64 end, one more does, and so do all after it.
-    ASSERT_EQ(run({"python3", "-c",
-                      "import sys, zipfile\n"
-                      "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
-                      "  for i in range(65533): z.writestr('f%d' % i, b'')",
-                      archive})
-                  .status,
-        0);
+    makeWithPython("for i in range(65533): z.writestr('f%d' % i, b'')");
     for (std::size_t count = 65534; count <= 65536; ++count) {
         ASSERT_EQ(addNew("item" + std::to_string(count), "item").status, 0);
         const ZipReport report = inspectZip(archive, 65533);

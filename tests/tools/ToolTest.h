@@ -3,9 +3,7 @@
 
 #include "tests/support/TestFolder.h"
 #include "tests/support/Tools.h"
-
-#include <string>
-#include <tuple>
+#include "tests/support/ZipInspector.h"
 
 #include <gtest/gtest.h>
 
@@ -19,8 +17,10 @@ protected:
         : tool(toolNamed(name))
     {
     }
+    // Again, if it was made before.
     RunResult make(const ToolOptions& options = {}) const
     {
+        fs::remove(archive);
         return run(tool, archive, item, options);
     }
     Names faults(const RunResult& result, const TreeSnapshot& expected,
@@ -29,10 +29,10 @@ protected:
         return faultsOf(tool, result, archive, expected, exceptReaders);
     }
     TreeSnapshot tree() const { return snapshot(item.parent_path()); }
-    void link(const std::string& name, const std::string& target) const
+    void write(const Names& names) const
     {
-        fs::create_directories((item / name).parent_path());
-        fs::create_symlink(target, item / name);
+        for (const std::string& name : names)
+            writeFile(item / name, "content of " + name);
     }
 
     const Tool& tool;
@@ -43,26 +43,15 @@ protected:
 
 using Zip = ToolTest;
 
+// The parameter is the tool, or begins with it and a '_'.
 class EachTool : public ToolTest, public testing::WithParamInterface<std::string>
 {
 protected:
     EachTool()
-        : ToolTest(GetParam())
+        : ToolTest(GetParam().substr(0, GetParam().find('_')))
     {
     }
-};
-
-// Each tool in each of several cases.
-template <typename Case>
-class EachToolAnd : public ToolTest,
-                    public testing::WithParamInterface<std::tuple<std::string, Case>>
-{
-protected:
-    EachToolAnd()
-        : ToolTest(std::get<0>(this->GetParam()))
-    {
-    }
-    const Case& theCase = std::get<1>(this->GetParam());
 };
 
 inline const auto eachTool = testing::Values("zip", "tar", "ditto");
+inline const auto itsParameter = [](const auto& test) { return test.param; };
