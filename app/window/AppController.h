@@ -266,7 +266,7 @@ private:
 
     std::deque<std::pair<QString, QString>> _untold; // messages for a time without a sheet
 
-    bool _isMade = false; // the archive of the last request
+    Path _notMade; // the archive of the last request, when that ended without
     std::shared_ptr<ArchiveJob> _job; // from its start until its archive is delivered
     std::future<void> _worker; // last: it uses all of the above
 };

@@ -114,7 +114,8 @@ void AppController::_hearDesktop()
         });
     connect(&Workspace::sharedWorkspace(), &Workspace::couldNotReveal, this,
         [this](const Path& archive) {
-            if (_isMade)
+            std::error_code missing;
+            if (archive != _notMade && std::filesystem::exists(archive, missing))
                 _tell(tr("The archive is made"),
                     tr("No file manager could be asked to show it:\n%1")
                         .arg(PathText::textOf(archive)));

@@ -147,7 +147,7 @@ void AppController::_work()
         Sheets::begin(_interface.progressWindow, _interface.mainWindow);
     });
     _performOnMainThread([this, result = _job->run()] {
-        _isMade = result.isMade;
+        _notMade = result.isMade ? Path() : result.archive.value_or(Path());
         if (result.reason.empty())
             _deliver(*result.archive);
         else

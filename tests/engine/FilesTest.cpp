@@ -163,11 +163,14 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
             writeFile(parent / "sub/file", "");
             chmod((parent / "sub").c_str(), 0);
         }
+        chmod(stale.c_str(), S_IRWXU);
+        fs::create_directory(folder / "org.parcelo.Parcelo-1-person"); // open to others: not ours
         const ScratchFolder second;
         EXPECT_TRUE(fs::exists(live));
         EXPECT_FALSE(fs::exists(stale));
     }
-    EXPECT_EQ(namesIn(folder.path()), Names{"org.parcelo.Parcelo-1-linked"});
+    EXPECT_EQ(namesIn(folder.path()),
+        (Names{"org.parcelo.Parcelo-1-linked", "org.parcelo.Parcelo-1-person"}));
     std::atomic<int> made = 0; // each must survive the tidying of all others
     {
         std::vector<std::jthread> makers(4);

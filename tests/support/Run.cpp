@@ -46,7 +46,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOpt
     // Everything is allocated here: after fork() only plain system calls are safe.
     const std::vector<char*> argv = pointersTo(arguments);
     const std::vector<char*> given
-        = pointersTo(_options.environment.value_or(std::vector<std::string>()));
+        = _options.environment ? pointersTo(*_options.environment) : std::vector<char*>();
     char* const* environment = _options.environment ? given.data() : environ;
 
     _pid = checked(::fork(), "fork");

@@ -40,6 +40,14 @@ bool isOurs(const FileDescriptor& folder)
     return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid();
 }
 
+// As we make them, and as hardly anybody makes a folder of the same name.
+bool isPrivate(const FileDescriptor& folder)
+{
+    FileStatus status{};
+    return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid()
+        && (status.st_mode & 07777) == S_IRWXU;
+}
+
 // Whether the locked folder is still there under its path.
 bool isAt(const fs::path& path, const FileDescriptor& locked)
 {
@@ -60,7 +68,7 @@ void removeStale(const fs::path& parent, bool (*isOne)(std::string_view name))
         if (!isOne(path.filename().native()))
             continue;
         const FileDescriptor folder = openFolder(path);
-        if (folder && isOurs(folder) && lock(folder))
+        if (folder && isPrivate(folder) && lock(folder))
             (void)FileTree::remove(path, FileTree::Permissions::overridden);
     }
 }
