@@ -19,6 +19,9 @@ namespace
 
 constexpr double autoQuitDelay = 1.0;
 
+// Window managers that are busy give the keys to a sheet that has just gone.
+constexpr double nextSheetDelay = 0.3;
+
 // The mail application is told what to do in its own words. The path stands in them as it is.
 std::string mailScript(const std::string& path)
 {
@@ -66,8 +69,9 @@ void AppController::composeEmailWithAttachment(const Path& path)
 void AppController::_fail(const std::string& reason)
 {
     _interface.progressWindow->hide();
-    _tell(
-        tr("Error"), tr("The archive could not be made: %1.").arg(QString::fromStdString(reason)));
+    const QString message
+        = tr("The archive could not be made: %1.").arg(QString::fromStdString(reason));
+    _afterDelay(nextSheetDelay, [this, message] { _tell(tr("Error"), message); });
 }
 
 void AppController::_tell(const QString& title, const QString& message)
