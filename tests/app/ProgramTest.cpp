@@ -424,7 +424,6 @@ TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)
 // A power cut may come at any time.
 TEST_F(Program, isOnTheDiskBeforeItHasItsName)
 {
-    useTool("zip");
     const std::string out = fs::canonical(folder / "out");
     Lines traced = command({"--to=../out", "--name=Demo", "one.txt"});
     traced.insert(traced.begin() + 2, "ASAN_OPTIONS=detect_leaks=0"); // it cannot under a tracer
