@@ -160,7 +160,7 @@ TEST_F(Append, writesTheNewItemAndNotTheArchiveAgain)
             written += std::stoul(line.substr(at + 2));
     }
     EXPECT_GE(written, itemSize);
-    EXPECT_LT(written, itemSize * 3 / 2);
+    EXPECT_LT(written, itemSize * 2); // sanitizers write, too
 }
 
 TEST_F(Append, keepsAnArchiveBeyondTheZip64Limit)
