@@ -236,6 +236,30 @@ TEST_P(Faults, limitsEndInAWholeArchiveOrNone)
     }
 }
 
+TEST_P(Faults, anyAllocationMayFail)
+{
+    const auto runWith = [&](const Names& environment, unsigned threads) {
+        return run(tool, freshPlace(), item,
+            {.threads = threads,
+                .environment = environment,
+                .toolsFolder = PARCELO_FAILING_TOOLS_DIR,
+                .timeout = std::chrono::seconds(10)});
+    };
+    for (const unsigned threads : {1U, 4U}) {
+        const int count = std::stoi(linesOf(runWith({}, threads).out).back());
+        EXPECT_GT(count, 50);
+        for (int number = 1; number <= count; number += isFullSweep() ? 1 : 1 + count / 12) {
+            for (const std::string after : {"", "+"}) {
+                const std::string failing
+                    = "PARCELO_FAILING_ALLOCATION=" + std::to_string(number) + after;
+                expectAllOrNothing(runWith({failing}, threads), failing);
+                if (HasFailure())
+                    return;
+            }
+        }
+    }
+}
+
 TEST_P(Faults, whatAKilledRunLeftIsRemovedByTheNext)
 {
     const auto makeWith = [&](const fs::path& left) {
@@ -272,7 +296,7 @@ TEST_P(Faults, aRunEndsWithTheProgramThatStartedItUnlessItIsToOutliveIt)
         const ToolCall call = callOf(tool, freshPlace(), item,
             {.prefix = {"sh", "-c", trap + R"("$0" "$@" & echo $! >&2; wait)"}});
         RunningProgram program(call.arguments, call.options);
-        ASSERT_TRUE(waitUntil([&] { return !program.out().empty(); }));
+        ASSERT_TRUE(waitUntil([&] { return !program.out().empty() && !program.err().empty(); }));
         program.signal(SIGKILL);
         const pid_t started = std::stoi(program.wait().err);
         const auto hasEnded

@@ -5,9 +5,9 @@
 // block that stays alone never leaves the calling thread: starting others would take longer than
 // what most dropped files cost. Nor do blocks for which there are no threads to be had.
 //
-// Blocks go round a ring of slots that is there from the beginning, and a failure is kept in the
-// slot of its block: nothing is allocated in order to fail, so that a run without memory ends, too.
-// The first failure in the order of reading is what run() throws, after every thread has stopped.
+// Blocks go round a ring of slots that is there from the beginning: nothing is allocated in order
+// to fail, so that a run without memory ends, too. The first failure, whose ever it is, stops all,
+// and is what run() throws after every thread has ended.
 #pragma once
 
 #include "tools/common/Interrupt.h"
@@ -67,7 +67,6 @@ public:
     template <class Read, class MakeWork, class Write>
     void run(const Read& read, const MakeWork& makeWork, const Write& write)
     {
-        std::exception_ptr readFailure;
         {
             Crew crew(*this, makeWork, write);
             Feed feed(*this, [&] {
@@ -77,21 +76,19 @@ public:
             try {
                 read(feed);
                 crew.doTheRest();
-            } catch (const Stopped&) { // the writer has failed
-            } catch (...) {
-                readFailure = std::current_exception();
+                _finish();
+            } catch (...) { // or another has failed
+                _stop(std::current_exception());
             }
-            _finish();
         }
-        if (_failure || readFailure)
-            std::rethrow_exception(_failure ? _failure : readFailure);
+        if (_failure)
+            std::rethrow_exception(_failure);
     }
 
 private:
     struct Slot {
         std::unique_ptr<Block> block;
         bool isDone = false;
-        std::exception_ptr failure; // of the work on it
     };
     enum class Waiting { no, yes };
     class Stopped : public std::exception
@@ -183,20 +180,25 @@ private:
         _done.notify_all();
     }
 
-    template <class Work> void _workAll(Work& work, Waiting waiting)
+    void _stop(const std::exception_ptr& failure)
     {
+        const std::lock_guard lock(_mutex);
+        if (!std::exchange(_isStopped, true))
+            _failure = failure;
+        for (std::condition_variable* const waitedFor : {&_filled, &_done, &_emptied})
+            waitedFor->notify_all();
+    }
+
+    template <class Work> void _workAll(Work& work, Waiting waiting)
+    try {
         while (Slot* const slot = _nextFilled(waiting)) {
-            std::exception_ptr failure;
-            try {
-                work(*slot->block);
-            } catch (...) {
-                failure = std::current_exception();
-            }
+            work(*slot->block);
             const std::lock_guard lock(_mutex);
-            slot->failure = std::move(failure);
             slot->isDone = true;
             _done.notify_one();
         }
+    } catch (...) {
+        _stop(std::current_exception());
     }
 
     // What is to be worked on next.
@@ -212,8 +214,6 @@ private:
     template <class Write> void _writeAll(const Write& write, Waiting waiting)
     try {
         while (Slot* const slot = _nextDone(waiting)) {
-            if (slot->failure)
-                std::rethrow_exception(slot->failure);
             Interrupt::check();
             write(*slot->block);
             const std::lock_guard lock(_mutex);
@@ -223,11 +223,7 @@ private:
             _emptied.notify_one();
         }
     } catch (...) {
-        const std::lock_guard lock(_mutex);
-        _failure = std::current_exception();
-        _isStopped = true;
-        _filled.notify_all();
-        _emptied.notify_all();
+        _stop(std::current_exception());
     }
 
     // What is to be written next.
@@ -237,7 +233,7 @@ private:
         const auto isThere = [&] { return _slot(_writtenCount).isDone; };
         const auto isAll = [&] { return _isFinished && _writtenCount == _readCount; };
         if (waiting == Waiting::yes)
-            _done.wait(lock, [&] { return isThere() || isAll(); });
+            _done.wait(lock, [&] { return _isStopped || isThere() || isAll(); });
         return !_isStopped && isThere() ? &_slot(_writtenCount) : nullptr;
     }
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <exception>
 #include <new>
-#include <string>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sched.h>
@@ -29,13 +29,29 @@ void openStandardStreams()
 }
 
 // Returns the exit status.
-int fail(const Tool& tool, FailureKind kind, const std::string& text)
+int fail(const Tool& tool, FailureKind kind, std::string_view text)
 {
-    Messages::tell(std::string(tool.name) + ": " + text);
+    Messages::tell(tool.name, text);
     for (const auto& [failure, status] : tool.statuses.failures)
         if (failure == kind)
             return status;
     return tool.statuses.failed;
+}
+
+int failWithoutMemory(const Tool& tool)
+{
+    return fail(tool, FailureKind::memory, "out of memory");
+}
+
+const Tool* running = nullptr;
+
+// The C++ library sets memory aside for exceptions before anything else is done. If there was none
+// even for that, the first one ends here: the blocks that come before any writing need far more.
+[[noreturn]] void terminate()
+{
+    if (std::current_exception())
+        std::abort();
+    ::_exit(failWithoutMemory(*running));
 }
 
 } // namespace
@@ -56,13 +72,15 @@ int Tool::run(int argumentCount, const char* const* arguments) const
     ::unsetenv("TZ"); // NOLINT(concurrency-mt-unsafe): no thread has been started yet
     openStandardStreams();
     Interrupt::install();
+    running = this;
+    std::set_terminate(terminate);
     try {
         const ToolArguments all(arguments, static_cast<std::size_t>(argumentCount));
         return job(all.subspan(1)) == ToolResult::complete ? 0 : statuses.withWarnings;
     } catch (const Failure& failure) {
         return fail(*this, failure.kind(), failure.what());
     } catch (const std::bad_alloc&) {
-        return fail(*this, FailureKind::memory, "out of memory");
+        return failWithoutMemory(*this);
     } catch (const std::exception& error) {
         return fail(*this, FailureKind::internal, error.what());
     }

@@ -38,7 +38,7 @@ ZipWriter::~ZipWriter()
     try {
         _restore();
     } catch (const std::exception& error) {
-        Messages::tell(std::string("the archive could not be put back as it was: ") + error.what());
+        Messages::tell("the archive could not be put back as it was", error.what());
     }
 }
 
