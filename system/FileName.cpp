@@ -50,9 +50,10 @@ std::error_code FileName::rename(
     int folder, const std::string& from, const std::string& to, Existing existing)
 {
     if (existing == Existing::replace)
-        return errorOf(::renameat(folder, from.c_str(), folder, to.c_str()));
-    const auto renamed
-        = errorOf(::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE));
+        return errorOf(
+            retryOnInterrupt([&] { return ::renameat(folder, from.c_str(), folder, to.c_str()); }));
+    const auto renamed = errorOf(retryOnInterrupt(
+        [&] { return ::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE); }));
     const bool knowsTheFlag
         = renamed != std::errc::invalid_argument && renamed != std::errc::function_not_supported;
     if (knowsTheFlag)

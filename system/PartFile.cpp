@@ -68,7 +68,8 @@ PartFile::~PartFile()
 FileDescriptor PartFile::_openFolder() const
 {
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-    return FileDescriptor(::openat(_folder, PathString::folderOf(_path).c_str(), flags));
+    const std::string path = PathString::folderOf(_path);
+    return FileDescriptor(retryOnInterrupt([&] { return ::openat(_folder, path.c_str(), flags); }));
 }
 
 std::string PartFile::_hiddenPrefix() const

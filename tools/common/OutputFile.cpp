@@ -37,7 +37,8 @@ constexpr mode_t newFilesMode = 0666; // less the umask
 // None if there is nothing of that name.
 FileDescriptor openInPlace(const std::string& path)
 {
-    FileDescriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+    constexpr int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK;
+    FileDescriptor file(retryOnInterrupt([&] { return ::open(path.c_str(), flags); }));
     if (!file && errno != ENOENT)
         cannotCreate(path);
     FileStatus status{};

@@ -31,9 +31,10 @@ bool hasChanged(const FileStatus& before, const FileStatus& after)
 
 SourceFile::SourceFile(const TreeItem& item)
 {
-    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    _file = FileDescriptor(
-        ::openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
+    const int flags
+        = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (item.isFollowed ? 0 : O_NOFOLLOW);
+    _file
+        = FileDescriptor(retryOnInterrupt([&] { return ::openat(item.folder, item.name, flags); }));
     if (!_file && errno == ELOOP && !item.isFollowed) {
         _isUnreadable = true;
         _problem = "was replaced by a link while its folder was read";

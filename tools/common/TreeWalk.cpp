@@ -63,7 +63,7 @@ using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 OpenFolder openFolder(int parent, const char* name, bool isFollowed)
 {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isFollowed ? 0 : O_NOFOLLOW);
-    FileDescriptor opened(::openat(parent, name, flags));
+    FileDescriptor opened(retryOnInterrupt([&] { return ::openat(parent, name, flags); }));
     if (!opened)
         return nullptr;
     OpenFolder folder(::fdopendir(opened.number()));
@@ -294,6 +294,8 @@ private:
             errno = 0;
             // Each folder is read by the one thread that has opened it.
             const dirent* entry = ::readdir(_folder.get()); // NOLINT(concurrency-mt-unsafe)
+            if (entry == nullptr && errno == EINTR)
+                continue;
             if (entry == nullptr) {
                 if (errno != 0)
                     _visitor.warn(_path, errorText(errno));
