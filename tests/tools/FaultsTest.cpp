@@ -337,18 +337,24 @@ TEST_P(Faults, aSignalEndsALongRunAtOnce)
 
 TEST_P(Faults, aSignalEndsARunOfWhichNobodyTakesTheOutput)
 {
+    const std::string toPipe = R"(exec "$0" "$@" > >(exec sleep 4))";
+    const std::string toTerminal = R"(exec python3 -c 'import os, sys
+for end in os.openpty(): os.set_inheritable(end, True); os.dup2(end, 1)
+os.execv(sys.argv[1], sys.argv[1:])' "$0" "$@")";
     for (int number = 0; number < 600; ++number)
         writeFile(item / (std::to_string(number) + std::string(200, 'n')), "");
-    const ToolCall call = callOf(tool, freshPlace(), item,
-        {.prefix = {"bash", "-c", R"(exec "$0" "$@" > >(exec sleep 4))"}});
-    RunningProgram program(call.arguments, call.options);
-    std::this_thread::sleep_for(std::chrono::milliseconds(400)); // the pipe is full
-    const auto sent = std::chrono::steady_clock::now();
-    program.signal(SIGTERM);
-    const RunResult result = program.wait();
-    EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::seconds(2));
-    EXPECT_EQ(result.status, tool.interrupted);
-    expectAllOrNothing(result, "nobody listens");
+    for (const std::string& script : {toPipe, toTerminal}) {
+        const ToolCall call = callOf(tool, freshPlace(), item,
+            {.prefix = {"bash", "-c", script}, .timeout = std::chrono::seconds(5)});
+        RunningProgram program(call.arguments, call.options);
+        std::this_thread::sleep_for(std::chrono::milliseconds(400)); // it is full
+        const auto sent = std::chrono::steady_clock::now();
+        program.signal(SIGTERM);
+        const RunResult result = program.wait();
+        EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::seconds(2));
+        EXPECT_EQ(result.status, tool.interrupted);
+        expectAllOrNothing(result, script);
+    }
 }
 
 TEST_P(Faults, aRunEndsWithTheProgramThatStartedItUnlessItIsToOutliveIt)

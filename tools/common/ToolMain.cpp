@@ -1,5 +1,6 @@
 #include "tools/common/ToolMain.h"
 
+#include "system/FileDescriptor.h"
 #include "tools/common/Interrupt.h"
 #include "tools/common/Messages.h"
 
@@ -8,6 +9,7 @@
 #include <exception>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sched.h>
@@ -26,6 +28,16 @@ void openStandardStreams()
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) < 0)
             (void)::open("/dev/null", O_RDWR); // takes the lowest free number, which is this one
+    // A terminal that nobody reads would hold up the thread that writes, and not the one that gets
+    // the signal to stop. Opened anew, ours does not wait; that of others is left as it is.
+    for (const auto& [stream, path] : {std::pair(STDOUT_FILENO, "/proc/self/fd/1"),
+             std::pair(STDERR_FILENO, "/proc/self/fd/2")}) {
+        const FileDescriptor own(::isatty(stream) == 1
+                ? ::open(path, O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)
+                : -1);
+        if (own)
+            ::dup2(own.number(), stream);
+    }
 }
 
 // Returns the exit status.
