@@ -94,8 +94,10 @@ def check_as_ours(entry, mode):
     require(not name.startswith((b"/", b"./")), name, "is not relative")
     require(SECOND_NAME not in entry.extras, name, "has a second name")
     unix, ntfs = entry.extras.get(UNIX_TIME), entry.extras.get(NTFS)
-    require((unix is None) != (ntfs is None), name, "must have one of the two time fields")
-    if unix is not None:
+    require(unix is None or ntfs is None, name, "has both time fields")
+    if unix is None and ntfs is None:  # out of reach: the DOS time is the first or the last
+        seconds = (-1 if entry.date < 1 << 15 else 1) << 36
+    elif unix is not None:
         seconds, = struct.unpack_from("<L", unix, 1)
         require(seconds < 1 << 31, name, "has a time that wraps")
     else:

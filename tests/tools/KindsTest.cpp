@@ -1,9 +1,11 @@
 // Links, hard links, unreadable things, times: what is not simply a file with content.
 
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/tools/ToolTest.h"
 
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 #include <sys/stat.h>
 
@@ -152,6 +154,29 @@ TEST_F(Zip, putsTheSystemsLocalTimeIntoTheOldFields)
     if (contains(result.err, "unshare: ") || contains(result.err, "mount: "))
         GTEST_SKIP() << "no mounting here";
     EXPECT_EQ(readFile(archive).substr(10, 4), "\xf4\x3b\x29\x2b"); // 7:31:40, 9 September 2001
+}
+
+TEST_F(Zip, tellsTimesAsFarAsItsFieldsReachAndThenTheNearest)
+{
+    const EnvironmentVariable onMemory("TMPDIR", "/dev/shm"); // no disk has files of such times
+    const TestFolder place;
+    const std::tuple<std::int64_t, long, std::string> cases[]
+        = {{-11'644'473'601, 999'999'999, "1980-01-01 00:00:00"}, // 1600
+            {-11'644'473'600, 123'456'700, "1601-01-01 00:00:00.1234567"},
+            {-1, 999'999'999, "1969-12-31 23:59:59.9999999"},
+            {4'294'967'296, 5'000, "2106-02-07 06:28:16.0000050"},
+            {910'692'730'084, 999'999'999, "30828-09-14 02:48:04.9999999"},
+            {910'692'730'085, 0, "2107-12-31 23:59:58"}};
+    for (const auto& [seconds, nanoseconds, expected] : cases) {
+        writeFile(place / "item", "x");
+        setTime(place / "item", seconds, nanoseconds);
+        fs::remove(archive);
+        EXPECT_EQ(run(tool, archive, place / "item").status, 0);
+        EXPECT_EQ(inspectZip(archive).complaints, nothing);
+        EXPECT_TRUE(contains(run({"env", "TZ=UTC", "7z", "l", "-slt", archive}).out,
+            "Modified = " + expected + "\n"))
+            << expected;
+    }
 }
 
 TEST_F(Zip, findsWhatCompressesAmongWhatDoesNot)
