@@ -186,9 +186,8 @@ void appendLocalHeader(ByteBuffer& bytes, const Entry& entry)
 
 void appendCentralRecord(ByteBuffer& bytes, const Entry& entry)
 {
-    const bool usesZip64 = entry.needsZip64Sizes() || entry.offset >= mark32;
     const ByteBuffer extra = centralExtra(entry);
-    const unsigned version = versionNeeded(entry, usesZip64);
+    const unsigned version = versionNeeded(entry, entry.needsZip64());
     bytes.u32(centralSignature);
     bytes.u16((hostUnix << 8) | std::max(version, 30U));
     bytes.u16(version);
@@ -211,8 +210,8 @@ void appendCentralRecord(ByteBuffer& bytes, const Entry& entry)
 
 void appendEnd(ByteBuffer& bytes, const Directory& directory, std::span<const std::byte> comment)
 {
-    const bool usesZip64
-        = directory.entryCount >= mark16 || directory.size >= mark32 || directory.offset >= mark32;
+    const bool usesZip64 = directory.usesZip64 || directory.entryCount >= mark16
+        || directory.size >= mark32 || directory.offset >= mark32;
     if (usesZip64) {
         bytes.u32(zip64EndSignature);
         bytes.u64(zip64EndSize - 12); // what follows this field

@@ -28,6 +28,7 @@ ZipWriter::ZipWriter(const std::string& path, Existing existing, ProgressLine pr
     const auto size = static_cast<std::uint64_t>(_file.status().st_size);
     if (_isInPlace && size > 0)
         _existing = ExistingArchive::read(_file.descriptor(), size, _records);
+    _usesZip64 = _existing.directory.usesZip64;
     _file.setPosition(_existing.directory.offset);
 }
 
@@ -93,6 +94,7 @@ void ZipWriter::_addRecord(const ZipFormat::Entry& entry)
     ByteBuffer record;
     ZipFormat::appendCentralRecord(record, entry);
     _records.append(record);
+    _usesZip64 = _usesZip64 || entry.needsZip64();
     ++_newRecords;
     _progress += _progressLine(entry);
 }
@@ -101,8 +103,8 @@ bool ZipWriter::finish()
 {
     if (_newRecords == 0)
         throw Failure(FailureKind::nothingToDo, "nothing to do: no input is left to be stored");
-    const ZipFormat::Directory directory{
-        _existing.directory.entryCount + _newRecords, _records.size(), _file.position()};
+    const ZipFormat::Directory directory{_existing.directory.entryCount + _newRecords,
+        _records.size(), _file.position(), _usesZip64};
     _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
     ByteBuffer end;
     ZipFormat::appendEnd(end, directory, _existing.comment);

@@ -62,5 +62,6 @@ private:
     std::string _progress;
     std::uint64_t _entryCount = 0;
     std::uint64_t _newRecords = 0;
+    bool _usesZip64 = false; // a record, old or new, or the end that was there
     bool _isFinished = false;
 };
