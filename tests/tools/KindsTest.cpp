@@ -1,9 +1,11 @@
 // Links, hard links, unreadable things, times: what is not simply a file with content.
 
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/tools/ToolTest.h"
 
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 #include <sys/stat.h>
 
@@ -17,6 +19,20 @@ struct Tar : ToolTest {
     }
 };
 INSTANTIATE_TEST_SUITE_P(Tools, EachTool, eachTool, itsParameter);
+
+// Of which zlib finds more than a search that gives up early.
+std::string packageLog(std::size_t sizeInBytes)
+{
+    const std::string states[] = {"unpacked", "half-configured", "half-installed", "installed"};
+    std::string log;
+    for (unsigned line = 0; log.size() < sizeInBytes; ++line)
+        log += "2026-11-24 1" + std::to_string(line / 30000 % 9) + ":"
+            + std::to_string(10 + line / 500 % 50) + ":" + std::to_string(10 + line / 10 % 50)
+            + " status " + states[line % 4] + " libpackage" + std::to_string(line / 4 % 600)
+            + ":amd64 1." + std::to_string(line / 4 % 17) + "-" + std::to_string(line / 4 % 3)
+            + "\n";
+    return log;
+}
 
 void makeLinks(const fs::path& folder, const std::map<std::string, std::string>& links)
 {
@@ -154,6 +170,29 @@ TEST_F(Zip, putsTheSystemsLocalTimeIntoTheOldFields)
     EXPECT_EQ(readFile(archive).substr(10, 4), "\xf4\x3b\x29\x2b"); // 7:31:40, 9 September 2001
 }
 
+TEST_F(Zip, tellsTimesAsFarAsItsFieldsReachAndThenTheNearest)
+{
+    const EnvironmentVariable onMemory("TMPDIR", "/dev/shm"); // no disk has files of such times
+    const TestFolder place;
+    const std::tuple<std::int64_t, long, std::string> cases[]
+        = {{-11'644'473'601, 999'999'999, "1980-01-01 00:00:00"}, // 1600
+            {-11'644'473'600, 123'456'700, "1601-01-01 00:00:00.1234567"},
+            {-1, 999'999'999, "1969-12-31 23:59:59.9999999"},
+            {4'294'967'296, 5'000, "2106-02-07 06:28:16.0000050"},
+            {910'692'730'084, 999'999'999, "30828-09-14 02:48:04.9999999"},
+            {910'692'730'085, 0, "2107-12-31 23:59:58"}};
+    for (const auto& [seconds, nanoseconds, expected] : cases) {
+        writeFile(place / "item", "x");
+        setTime(place / "item", seconds, nanoseconds);
+        fs::remove(archive);
+        EXPECT_EQ(run(tool, archive, place / "item").status, 0);
+        EXPECT_EQ(inspectZip(archive).complaints, nothing);
+        EXPECT_TRUE(contains(run({"env", "TZ=UTC", "7z", "l", "-slt", archive}).out,
+            "Modified = " + expected + "\n"))
+            << expected;
+    }
+}
+
 TEST_F(Zip, findsWhatCompressesAmongWhatDoesNot)
 {
     std::string betweenEightLooks = randomBytes(16 << 20, 1);
@@ -169,13 +208,17 @@ TEST_F(Zip, findsWhatCompressesAmongWhatDoesNot)
     const std::string gzip // at the beginning of what is not all compressed
         = "\x1f\x8b\x08" + randomBytes(2500, 1) + someText(9500);
     // And by how much another program may be better, for what repeats in another piece.
-    const std::pair<std::string, std::size_t> cases[] = {{betweenEightLooks, 80'000},
-        {inTurn, 20'000}, {gzip, 500}, {repeats, 125'000}, {fewRepeats, 1'000}};
+    // Noise that would grow is stored, also behind something that compresses, but to less avail.
+    const std::string noise = randomBytes(2'500'000, 4), loss = std::string(200, ' ') + noise;
+    const std::pair<std::string, std::size_t> cases[]
+        = {{betweenEightLooks, 80'000}, {inTurn, 20'000}, {gzip, 500}, {repeats, 125'000},
+            {fewRepeats, 1'000}, {noise, 0}, {loss, 0}, {packageLog(2'500'000), 0}};
     for (const auto& [data, slack] : cases) {
         writeFile(item, data);
         fs::remove(folder / "theirs.zip");
         EXPECT_EQ(faults(make(), tree()), nothing);
         ASSERT_EQ(run({"zip", "-q", "-6", folder / "theirs.zip", item}).status, 0);
         EXPECT_LE(fs::file_size(archive), fs::file_size(folder / "theirs.zip") + slack);
+        EXPECT_LE(fs::file_size(archive), data.size() + 160); // for the records
     }
 }
