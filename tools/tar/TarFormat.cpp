@@ -72,6 +72,14 @@ std::optional<SplitName> split(std::string_view name)
     return SplitName{name.substr(0, slash), name.substr(slash + 1)};
 }
 
+// As much as fits without being cut, and without the slash of a folder: some readers take whatever
+// ends in one for a folder.
+std::string_view shortenedName(std::string_view name)
+{
+    name = Utf8::shortened(name, nameField.size);
+    return name.substr(0, name.find_last_not_of('/') + 1);
+}
+
 // "LENGTH KEY=VALUE\n", where the length counts its own digits.
 std::string paxRecord(std::string_view key, std::string_view value)
 {
@@ -147,10 +155,10 @@ ByteBuffer header(const Entry& entry)
     ByteBuffer bytes;
     const std::string records = paxRecords(entry);
     // A stand-in for what does not fit, seen only by readers that do not know extended headers.
-    const SplitName shortened{"", Utf8::shortened(entry.name, nameField.size)};
+    const SplitName shortened{"", shortenedName(entry.name)};
     if (!records.empty()) {
-        const std::string name = "PaxHeaders/" + std::string(shortened.name);
-        appendBlock(bytes, {"", Utf8::shortened(name, nameField.size)}, paxType, records.size(),
+        const std::string name = "PaxHeaders/" + entry.name;
+        appendBlock(bytes, {"", shortenedName(name)}, paxType, records.size(),
             Entry{.type = {}, .name = {}, .linkTarget = {}, .status = entry.status});
         append(bytes, records);
     }
