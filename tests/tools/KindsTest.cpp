@@ -7,6 +7,8 @@
 
 #include <sys/stat.h>
 
+using namespace std::string_literals;
+
 namespace
 {
 
@@ -90,14 +92,31 @@ TEST_F(Tar, followsLinksAndKeepsThoseItCannotFollow)
         EXPECT_TRUE(fs::equivalent(folder / "item" / first, folder / "item" / again)) << again;
 }
 
-TEST_F(Tar, givesNoExtendedHeaderTheNameOfAFolder)
+TEST_F(Tar, keepsTimesToTheNanosecond)
 {
-    // Archive::Tar takes one that ends in a slash for a folder, and fails.
-    write({"a"});
+    const std::pair<std::int64_t, long> times[] = {{1'000'000'000, 123'456'789},
+        {1'000'000'000, 500'000}, {0, 1}, {-100, 0}, {std::int64_t{1} << 33, 100}};
+    for (const auto& [seconds, nanoseconds] : times) {
+        const std::string name = std::to_string(seconds) + "+" + std::to_string(nanoseconds);
+        write({name});
+        setTime(item / name, seconds, nanoseconds);
+    }
     setTime(item, -1);
     ASSERT_EQ(make().status, 0);
-    const std::string stream = run({"gzip", "-dc", archive}).out;
-    EXPECT_EQ(stream.substr(0, 100), "PaxHeaders/item" + std::string(85, '\0'));
+    for (const std::string reader : {"tar", "bsdtar"}) {
+        ASSERT_EQ(run({reader, "-xf", archive}, {.folder = folder.path()}).status, 0);
+        for (const std::string& name : namesIn(item)) {
+            struct stat status = {};
+            checked(::stat((folder / "item" / name).c_str(), &status), name);
+            EXPECT_EQ(std::to_string(status.st_mtim.tv_sec) + "+"
+                    + std::to_string(status.st_mtim.tv_nsec),
+                name)
+                << reader;
+        }
+        fs::remove_all(folder / "item");
+    }
+    // Archive::Tar takes an extended header that ends in a slash, as a folder does, for one.
+    EXPECT_EQ(run({"gzip", "-dc", archive}).out.substr(0, 10), "PaxHeader\0"s);
 }
 
 TEST_P(EachTool, storeWhatCanBeReadAndNameWhatCannot)
