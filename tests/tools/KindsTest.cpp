@@ -9,6 +9,8 @@
 
 #include <sys/stat.h>
 
+using namespace std::string_literals;
+
 namespace
 {
 
@@ -73,7 +75,8 @@ TEST_F(Tar, followsLinksAndKeepsThoseItCannotFollow)
     makeFifo(folder / "outside/pipe");
     fs::create_hard_link(item / "hard", item / "folder/hard");
     makeLinks(item,
-        {{"to-file", "target"}, {"to-folder", "folder"}, {"to-outside", "../../outside/file"}});
+        {{"to-file", "target"}, {"to-folder", "folder"}, {"to-outside", "../../outside/file"},
+            {"also-outside", "../../outside/file"}, {"to-hard", "hard"}});
     const std::map<std::string, std::string> unfollowed
         = {{"dangling", "/no/such"}, {"self", "self"}, {"loop-a", "loop-b"}, {"loop-b", "loop-a"},
             {"here", "."}, {"folder/up", ".."}, {"zero", "/dev/zero"}, {"terminal", "/dev/tty"},
@@ -81,7 +84,9 @@ TEST_F(Tar, followsLinksAndKeepsThoseItCannotFollow)
     makeLinks(item, unfollowed);
     TreeSnapshot expected = tree();
     expected["item/to-file"] = expected["item/target"];
+    expected["item/to-hard"] = expected["item/hard"];
     expected["item/to-outside"] = snapshot(folder / "outside")["file"];
+    expected["item/also-outside"] = expected["item/to-outside"];
     for (const std::string name : {"", "/in", "/hard", "/up"}) // the folder is reached twice
         expected["item/to-folder" + name] = expected["item/folder" + name];
     Names warned = {"item/to-folder/up"};
@@ -95,7 +100,39 @@ TEST_F(Tar, followsLinksAndKeepsThoseItCannotFollow)
     EXPECT_EQ(warnedNames(result), warned);
     EXPECT_EQ(faults(result, expected, {"7z"}), nothing);
     ASSERT_EQ(run({"tar", "-xf", "a.tar.gz"}, {.folder = folder.path()}).status, 0);
-    EXPECT_TRUE(fs::equivalent(folder / "item/hard", folder / "item/folder/hard"));
+    // Whatever is met again is a hard link.
+    const std::pair<const char*, const char*> same[]
+        = {{"hard", "to-hard"}, {"hard", "folder/hard"}, {"hard", "to-folder/hard"},
+            {"folder/in", "to-folder/in"}, {"target", "to-file"}, {"also-outside", "to-outside"}};
+    for (const auto& [first, again] : same)
+        EXPECT_TRUE(fs::equivalent(folder / "item" / first, folder / "item" / again)) << again;
+}
+
+TEST_F(Tar, keepsTimesToTheNanosecond)
+{
+    const std::pair<std::int64_t, long> times[] = {{1'000'000'000, 123'456'789},
+        {1'000'000'000, 500'000}, {0, 1}, {-100, 0}, {std::int64_t{1} << 33, 100}};
+    for (const auto& [seconds, nanoseconds] : times) {
+        const std::string name = std::to_string(seconds) + "+" + std::to_string(nanoseconds);
+        write({name});
+        setTime(item / name, seconds, nanoseconds);
+    }
+    setTime(item, -1);
+    ASSERT_EQ(make().status, 0);
+    for (const std::string reader : {"tar", "bsdtar"}) {
+        ASSERT_EQ(run({reader, "-xf", archive}, {.folder = folder.path()}).status, 0);
+        for (const std::string& name : namesIn(item)) {
+            struct stat status = {};
+            checked(::stat((folder / "item" / name).c_str(), &status), name);
+            EXPECT_EQ(std::to_string(status.st_mtim.tv_sec) + "+"
+                    + std::to_string(status.st_mtim.tv_nsec),
+                name)
+                << reader;
+        }
+        fs::remove_all(folder / "item");
+    }
+    // Archive::Tar takes an extended header that ends in a slash, as a folder does, for one.
+    EXPECT_EQ(run({"gzip", "-dc", archive}).out.substr(0, 10), "PaxHeader\0"s);
 }
 
 TEST_P(EachTool, storeWhatCanBeReadAndNameWhatCannot)
