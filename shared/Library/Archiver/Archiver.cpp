@@ -151,7 +151,7 @@ void Archiver::abandon()
     _abandoning.request_stop();
     _cancelFlag = true;
     const std::lock_guard lock(_taskMutex);
-    if (_task)
+    if (_task && std::chrono::steady_clock::now() >= _sparedUntil)
         _task->terminate();
 }
 
