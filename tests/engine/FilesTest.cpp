@@ -246,15 +246,16 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
         EXPECT_FALSE(fs::exists(stale));
         ScratchFolder::empty(live);
         EXPECT_TRUE(fs::is_empty(live));
+        const fs::path other = live / "other";
         const auto replace = [&](unsigned) {
-            fs::rename(second.path(), stale);
-            fs::create_directory(second.path());
+            fs::rename(other, live / "former");
+            fs::create_directory(other);
             return 0;
         };
-        askBefore({SYS_flock}, replace, [&] {
-            EXPECT_FALSE(ScratchFolder::hold(second.path())) << "another one than there is";
-        });
-        fs::remove(stale);
+        fs::create_directory(other);
+        askBefore({SYS_flock}, replace,
+            [&] { EXPECT_FALSE(ScratchFolder::hold(other)) << "another one than is there"; });
+        EXPECT_TRUE(ScratchFolder::hold(other));
     }
     EXPECT_EQ(namesIn(folder.path()),
         (Names{"org.parcelo.Parcelo-1-linked", "org.parcelo.Parcelo-1-person"}));
