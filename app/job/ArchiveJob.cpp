@@ -1,8 +1,10 @@
 #include "app/job/ArchiveJob.h"
 
 #include "app/job/ArchiveKind.h"
+#include "app/job/StagingPlace.h"
 #include "platform/base/files/FileCopy.h"
 #include "system/FileName.h"
+#include "system/LastError.h"
 #include "system/PathString.h"
 #include "system/ScopeExit.h"
 
@@ -99,6 +101,12 @@ try {
 // What is left in the folder goes with it.
 void ArchiveJob::_makeIn(const Path& folder)
 {
+    const Path usualFolder = _engine.workingDirectory();
+    std::optional<StagingPlace> staging;
+    if (_request.type == ArchiveTypeMacZip && !_request.items.empty())
+        staging.emplace(_request.items.front(), folder, usualFolder);
+    _engine.setWorkingDirectory(staging ? staging->path() : usualFolder);
+    const ScopeExit restoring([&] { _engine.setWorkingDirectory(usualFolder); });
     std::optional<ScratchFolder> links;
     const std::vector<Path> items = _distinctItems(links);
     _engine.setDelegate(_delegate());
@@ -160,7 +168,9 @@ std::vector<ArchiveJob::Path> ArchiveJob::_distinctItems(std::optional<ScratchFo
         names.insert(name);
         if (!links)
             links.emplace(_engine.workingDirectory());
-        items.push_back(_linkTo(item, links->path() / name));
+        if (!_makeLink(links->path() / name, item))
+            continue;
+        items.push_back(links->path() / name);
         _messages.add("'" + item.native() + "' is kept as '" + name + "'");
     }
     return items;
@@ -168,19 +178,24 @@ std::vector<ArchiveJob::Path> ArchiveJob::_distinctItems(std::optional<ScratchFo
 
 // A symbolic link, which the tools follow; not so in a zip with extended attributes, where it would
 // be archived as one: there it is a hard link, or else a copy, which the engine copies once more.
-ArchiveJob::Path ArchiveJob::_linkTo(const Path& item, const Path& link)
+// False when there is nothing to stage, which is told.
+bool ArchiveJob::_makeLink(const Path& link, const Path& toItem)
 {
     if (_request.type != ArchiveTypeMacZip) {
-        if (::symlink(item.c_str(), link.c_str()) != 0)
-            _noteLeftOut(item, std::error_code(errno, std::generic_category()));
-    } else if (::link(item.c_str(), link.c_str()) != 0) {
-        (void)FileCopy::copyItem(item, link,
+        const auto failure = errorOf(::symlink(toItem.c_str(), link.c_str()));
+        if (failure)
+            _noteLeftOut(toItem, failure);
+        return !failure;
+    }
+    if (::link(toItem.c_str(), link.c_str()) != 0)
+        (void)FileCopy::copyItem(toItem, link,
             {.leavingOut = _engine.workingDirectory(),
+                .linking = true,
                 .onFailure
                 = [this](const Path& part, std::error_code reason) { _noteLeftOut(part, reason); },
                 .stop = _abandoning.get_token()});
-    }
-    return link;
+    std::error_code missing;
+    return fs::symlink_status(link, missing).type() != fs::file_type::not_found;
 }
 
 ArchiverDelegate ArchiveJob::_delegate()

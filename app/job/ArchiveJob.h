@@ -84,7 +84,7 @@ private:
     void _make();
     void _makeIn(const Path& folder);
     [[nodiscard]] std::vector<Path> _distinctItems(std::optional<ScratchFolder>& links);
-    [[nodiscard]] Path _linkTo(const Path& item, const Path& link);
+    [[nodiscard]] bool _makeLink(const Path& link, const Path& toItem);
     [[nodiscard]] ArchiverDelegate _delegate();
     void _noteStatus(int status);
     void _noteLeftOut(const Path& item, std::error_code reason);

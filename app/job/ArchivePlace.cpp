@@ -82,8 +82,9 @@ std::error_code ArchivePlace::_exchange(const Path& made)
             return _keepBoth(made);
         return _takeFreeName(made, _path);
     }
-    const bool canSwap
-        = failure != std::errc::invalid_argument && failure != std::errc::function_not_supported;
+    const bool canSwap = failure != std::errc::invalid_argument
+        && failure != std::errc::function_not_supported
+        && failure != std::errc::operation_not_supported;
     if (!canSwap && _isFormer(_path))
         return errorOf(::rename(made.c_str(), _path.c_str()));
     if (canSwap && failure != std::errc::no_such_file_or_directory)

@@ -231,6 +231,8 @@ std::optional<AppController::Path> AppController::tmpdir()
     const auto take = [this](const Path& path) {
         ::mkdir(path.c_str(), 0700); // may be there
         _tmpdirHold = ScratchFolder::hold(path);
+        if (_tmpdirHold && path != SearchPaths::temporaryDirectory())
+            ScratchFolder::empty(path);
         return static_cast<bool>(_tmpdirHold);
     };
     ScratchFolder::removeStaleFolders("/tmp");

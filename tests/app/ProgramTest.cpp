@@ -1,5 +1,6 @@
 // The whole program, installed in a folder of the test's own with stand-ins for its tools.
 
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/Files.h"
 #include "tests/support/Run.h"
 #include "tests/support/TestFolder.h"
@@ -53,7 +54,7 @@ protected:
             */*.zip | */*.tar.gz) archive="$argument" ;;
             ./*) item="$argument" ;; esac; done
             : "${item:=$argument}"
-            [ "${0##*/} $1" != "hdiutil convert" ] || archive="$(pwd)/Demo.dmg"
+            [ "${0##*/} $1" != "hdiutil convert" ] || archive="$(pwd)/$argument.dmg"
             )" + script
                 + R"(
             if [ -n "$archive" ]; then printf '%s|' "$item" >>"$archive"; fi
@@ -287,6 +288,34 @@ TEST_F(Program, aMacZipHoldsWhatCouldBeStagedAndNamesTheRest)
     EXPECT_EQ(parcelo({"--to=../out", "--type=mac-zip", "."}).status, 0);
 }
 
+TEST_F(Program, aMacZipIsMadeOfLinksWhereItsItemsAre)
+{
+    const fs::path in = fs::canonical(folder / "in");
+    makes("pwd >\"$TMPDIR/where\"; [ Demo/in/one.txt -ef '" + (in / "one.txt").native()
+        + "' ] || exit 1");
+    // Whether destination and temporary files are elsewhere, and where the links are made.
+    const std::tuple<bool, bool, fs::path> cases[] = {
+        {false, true, in.parent_path() / "out/.org.parcelo"},
+        {true, true, in.parent_path() / ".org.parcelo"}, {true, false, folder / "tmp/org.parcelo"}};
+    for (const auto& [isToElsewhere, isTemporaryElsewhere, where] : cases) {
+        const EnvironmentVariable temporary("TMPDIR", "/dev/shm");
+        const TestFolder elsewhere;
+        for (const char* name : {"out", "tmp"})
+            fs::create_directory(elsewhere / name);
+        fs::copy_file(folder / "tmp/plan", elsewhere / "tmp/plan");
+        const fs::path tmp = (isTemporaryElsewhere ? elsewhere : folder) / "tmp";
+        const fs::path out = (isToElsewhere ? elsewhere : folder) / "out";
+        Lines arguments = command({"--to", out, "--name=Demo", "--type=mac-zip", "."});
+        arguments.insert(arguments.begin() + 3, "TMPDIR=" + tmp.native());
+        const RunResult result = run(arguments, options());
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_TRUE(readFile(tmp / "where").starts_with(where.native())) << readFile(tmp / "where");
+        EXPECT_EQ(namesIn(folder.path()), (Lines{"in", "out", "prefix", "tmp"}));
+        EXPECT_EQ(namesIn(out), Lines{"Demo.zip"});
+        EXPECT_EQ(scratch(), Lines{});
+    }
+}
+
 // With the tools themselves and foreign readers.
 TEST_F(Program, nothingIsLostOfItemsOfOneName)
 {
@@ -351,9 +380,9 @@ TEST_F(Program, whatIsAskedForReachesTheTools)
     };
     const Case cases[] = {
         {{"--level", "0", "--keep-ds-store"}, "zip|-0|-y|-r|@|./one.txt"},
-        {{"--type=dmg", "--password-stdin"},
-            "hdiutil|convert|Demo.sparseimage|-format|UDZO|-encryption|-passphrase|secret word|-o|"
-            "Demo"},
+        {{"--type=dmg", "--password-stdin", "--name=My.Files"}, // the image drops the extension
+            "hdiutil|convert|My.sparseimage|-format|UDZO|-encryption|-passphrase|secret "
+            "word|-o|My"},
     };
     for (const Case& each : cases) {
         fs::remove(folder / "tmp/record");
@@ -375,7 +404,7 @@ TEST_F(Program, whatIsAskedForReachesTheTools)
         }
         EXPECT_EQ(std::ranges::count(calls, each.tool), 1) << testing::PrintToString(calls);
     }
-    EXPECT_EQ(made(), (Lines{"Demo.dmg", "Demo.zip"}));
+    EXPECT_EQ(made(), (Lines{"Demo.zip", "My.Files.dmg"}));
 }
 
 TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)

@@ -21,6 +21,7 @@ protected:
             case "$1" in
             create) : >"$last.sparseimage" ;;
             mount) cat "$TMPDIR/listing" ;;
+            unmount) sleep 0.2 ;;
             convert) printf made >>"$last.dmg" ;;
             esac
             [ ! -e "$TMPDIR/stay in $1" ] || { : >"$TMPDIR/started"; exec sleep 30; }

@@ -54,7 +54,10 @@ protected:
         archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
         archiver->setDelegate(ArchiverDelegate{.setNumberOfFiles = number("files "),
             .taskCompletedWithStatusCode = number("task "),
-            .archiverCompletedWithStatus = number("completed ")});
+            .archiverCompletedWithStatus = number("completed "),
+            .notStaged = [this](const fs::path& item, std::error_code) {
+                told.push_back("without " + item.native());
+            }});
         told.clear();
         fs::remove(folder / "record");
     }

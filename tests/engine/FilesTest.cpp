@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 using namespace support;
 namespace fs = std::filesystem;
@@ -21,7 +22,8 @@ using Names = std::vector<std::string>;
 TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
 {
     // How a rename that must not overwrite fails, and a hard link.
-    const std::pair<int, int> cases[] = {{0, 0}, {EINVAL, 0}, {ENOSYS, 0}, {EINVAL, EPERM}};
+    const std::pair<int, int> cases[] = {{0, 0}, {EINVAL, 0}, {ENOSYS, EMLINK}, {EINVAL, EPERM},
+        {EOPNOTSUPP, EOPNOTSUPP}, {EPERM, EACCES}};
     for (const std::pair<int, int>& failures : cases)
         inThread([&] {
             SCOPED_TRACE(testing::PrintToString(failures));
@@ -38,6 +40,18 @@ TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
             EXPECT_EQ(readFile(folder / "moved"), "new");
             EXPECT_EQ(namesIn(folder.path()), (Names{"moved", "taken"}));
         });
+
+    const TestFolder folder; // where the second link can be made, and the first one not be removed
+    writeFile(folder / "new", "new");
+    bool hasFailed = false;
+    const auto ask = [&](unsigned call) {
+        const int reason = call == SYS_renameat2 ? EINVAL : EIO;
+        return call == SYS_unlinkat && std::exchange(hasFailed, true) ? 0 : reason;
+    };
+    askBefore({SYS_renameat2, SYS_unlinkat}, ask, [&] {
+        EXPECT_EQ(FileMove::moveItem(folder / "new", folder / "moved"), std::errc::io_error);
+    });
+    EXPECT_EQ(namesIn(folder.path()), Names{"new"});
 }
 
 TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
@@ -83,6 +97,11 @@ TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
     fs::remove(other / "taken");
     EXPECT_EQ(differences(before, snapshot(other.path())), Names{});
     EXPECT_TRUE(fs::is_empty(folder.path()));
+    inThread([&] { // back, to one without permissions and times
+        letFail(SYS_fchmod, EPERM);
+        letFail(SYS_utimensat, EIO);
+        EXPECT_FALSE(FileMove::moveItem(to, from));
+    });
 }
 
 TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
@@ -109,6 +128,15 @@ TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
     EXPECT_EQ(failed, std::vector{from / "pipe"});
     fs::remove(from / "pipe");
     EXPECT_EQ(differences(snapshot(from), snapshot(to)), Names{});
+    for (const bool canLink : {false, true})
+        inThread([&] {
+            if (!canLink)
+                letFail(SYS_linkat, EPERM);
+            EXPECT_FALSE(FileCopy::copyItem(from, folder / "linked", {.linking = true}));
+            EXPECT_EQ(differences(snapshot(from), snapshot(folder / "linked")), Names{});
+            EXPECT_EQ(fs::hard_link_count(from / "sub/\xff"), canLink ? 2U : 1U);
+            EXPECT_FALSE(FileTree::remove(folder / "linked", FileTree::Permissions::overridden));
+        });
     for (const char* item : {"sub", "sub/\xff", "link"})
         EXPECT_EQ(FileCopy::copyItem(from / item, to / item), std::errc::file_exists);
     std::stop_source stopping;
@@ -120,6 +148,54 @@ TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
     EXPECT_FALSE(FileTree::remove(to, FileTree::Permissions::overridden));
     EXPECT_EQ(FileTree::remove(to), std::errc::no_such_file_or_directory);
     EXPECT_EQ(namesIn(folder.path()), Names{"from"});
+}
+
+TEST(FileCopy, tellsOfAFileThatIsNotAsItWas)
+{
+    const auto changed = FileCopy::changedWhileRead();
+    const auto because
+        = [](int reason) { return std::error_code(reason, std::generic_category()); };
+    // An attribute of the file, what happens to it before the first call of a kind, how that call
+    // fails, what is told, and whether there is a copy.
+    const char* const none = nullptr;
+    const char* const ofUser = "user.k";
+    const char* const ofSystem = "system.posix_acl_access";
+    const std::tuple<const char*, const char*, unsigned, int, std::error_code, bool> cases[] = {
+        {none, "printf more >>file", SYS_copy_file_range, 0, changed, true},
+        {none, ": >file", SYS_copy_file_range, 0, changed, true},
+        {none, "printf C 1<>file", SYS_copy_file_range, 0, changed, true},
+        {none, "ln file another", SYS_copy_file_range, 0, {}, true},
+        {none, ":", SYS_read, EIO, because(EIO), false},
+        {none, ":", SYS_close, EDQUOT, because(EDQUOT), false}, // some tell only now of a quota
+        {none, ":", SYS_fchmod, EPERM, {}, true}, // not every file system has what these set
+        {none, ":", SYS_utimensat, EOPNOTSUPP, {}, true},
+        {none, ":", SYS_utimensat, EIO, because(EIO), true},
+        {ofUser, ":", SYS_fsetxattr, ENOSPC, because(ENOSPC), true},
+        {ofSystem, ":", SYS_fsetxattr, EOPNOTSUPP, {}, true},
+    };
+    constexpr unsigned char list[] = {2, 0, 0, 0, 1, 0, 6, 0, 255, 255, 255, 255, 2, 0, 4, 0, 1, 0,
+        0, 0, 4, 0, 4, 0, 255, 255, 255, 255, 16, 0, 4, 0, 255, 255, 255, 255, 32, 0, 4, 0, 255,
+        255, 255, 255}; // an access control list that names a user
+    for (const auto& [attribute, meanwhile, call, reason, told, isThere] : cases) {
+        SCOPED_TRACE(testing::Message() << meanwhile << call << strerror(reason));
+        const TestFolder folder;
+        writeFile(folder / "file", "content");
+        if (attribute != none
+            && setxattr((folder / "file").c_str(), attribute, list, sizeof list, 0) != 0)
+            continue; // not on every file system
+        bool hasCome = false;
+        const auto ask = [&, &script = meanwhile, &error = reason](unsigned) {
+            if (!std::exchange(hasCome, true))
+                run({"sh", "-c", script}, {.folder = folder.path()});
+            return error;
+        };
+        std::error_code failure;
+        askBefore(
+            {call}, ask, [&] { failure = FileCopy::copyItem(folder / "file", folder / "copy"); });
+        EXPECT_TRUE(hasCome);
+        EXPECT_EQ(failure, told) << failure.message();
+        EXPECT_EQ(fs::remove(folder / "copy"), isThere);
+    }
 }
 
 // The pipe that is met first, in one of two folders, is the moment to take the other one away.
@@ -163,11 +239,23 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
             writeFile(parent / "sub/file", "");
             chmod((parent / "sub").c_str(), 0);
         }
-        chmod(stale.c_str(), S_IRWXU);
+        chmod(stale.c_str(), S_IRWXU | S_ISGID); // as in some folders that a group shares
         fs::create_directory(folder / "org.parcelo.Parcelo-1-person"); // open to others: not ours
         const ScratchFolder second;
         EXPECT_TRUE(fs::exists(live));
         EXPECT_FALSE(fs::exists(stale));
+        ScratchFolder::empty(live);
+        EXPECT_TRUE(fs::is_empty(live));
+        const fs::path other = live / "other";
+        const auto replace = [&](unsigned) {
+            fs::rename(other, live / "former");
+            fs::create_directory(other);
+            return 0;
+        };
+        fs::create_directory(other);
+        askBefore({SYS_flock}, replace,
+            [&] { EXPECT_FALSE(ScratchFolder::hold(other)) << "another one than is there"; });
+        EXPECT_TRUE(ScratchFolder::hold(other));
     }
     EXPECT_EQ(namesIn(folder.path()),
         (Names{"org.parcelo.Parcelo-1-linked", "org.parcelo.Parcelo-1-person"}));

@@ -40,21 +40,23 @@ bool isOurs(const FileDescriptor& folder)
     return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid();
 }
 
-// As we make them, and as hardly anybody makes a folder of the same name.
+// As we make them, and as hardly anybody makes a folder of the same name. The set-group-ID bit
+// comes from the folder that it is in.
 bool isPrivate(const FileDescriptor& folder)
 {
     FileStatus status{};
     return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid()
-        && (status.st_mode & 07777) == S_IRWXU;
+        && (status.st_mode & 07777 & ~S_ISGID) == S_IRWXU;
 }
 
-// Whether the locked folder is still there under its path.
-bool isAt(const fs::path& path, const FileDescriptor& locked)
+// Whether another folder, or none, is under the path of the locked one.
+bool isGone(const fs::path& path, const FileDescriptor& locked)
 {
     FileStatus there{};
     FileStatus ours{};
-    return ::lstat(path.c_str(), &there) == 0 && ::fstat(locked.number(), &ours) == 0
-        && isSameFile(there, ours);
+    if (::lstat(path.c_str(), &there) != 0)
+        return errno == ENOENT;
+    return ::fstat(locked.number(), &ours) == 0 && !isSameFile(there, ours);
 }
 
 // Those that are called like ours and that nobody holds.
@@ -97,11 +99,15 @@ void ScratchFolder::_make(
         name += randomLetters;
         const bool made = ::mkdtemp(name.data()) != nullptr;
         _lock = made ? openFolder(name) : FileDescriptor();
+        if (const int reason = errno; made && !_lock) {
+            ::rmdir(name.c_str());
+            errno = reason;
+        }
         if (!_lock && (!made || errno != ENOENT))
             throw ScratchFolderFailure(
                 "cannot make a working folder in " + parent.native() + ": " + std::strerror(errno));
         _path = name;
-    } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || !isAt(_path, _lock));
+    } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || isGone(_path, _lock));
 }
 
 void ScratchFolder::removeStaleFolders(const fs::path& parent)
@@ -112,9 +118,20 @@ void ScratchFolder::removeStaleFolders(const fs::path& parent)
 FileDescriptor ScratchFolder::hold(const fs::path& folder)
 {
     FileDescriptor held = openFolder(folder);
-    if (held && (!isOurs(held) || !lock(held)))
+    if (held && (!isOurs(held) || !lock(held) || isGone(folder, held)))
         held = FileDescriptor();
     return held;
+}
+
+void ScratchFolder::empty(const fs::path& folder)
+{
+    std::error_code unreadable; // then its next user meets that, too
+    fs::directory_iterator entry(folder, unreadable);
+    while (!unreadable && entry != fs::directory_iterator()) {
+        const fs::path path = entry->path();
+        entry.increment(unreadable);
+        (void)FileTree::remove(path, FileTree::Permissions::overridden);
+    }
 }
 
 ScratchFolder::~ScratchFolder()

@@ -33,6 +33,10 @@ public:
     // the folder is not there, is not this user's, or another process holds it.
     [[nodiscard]] static FileDescriptor hold(const std::filesystem::path& folder);
 
+    // Removes what a process that was killed has left in a folder that this one holds now. What
+    // cannot be removed stays.
+    static void empty(const std::filesystem::path& folder);
+
     // Removes the folders of ours in there, a temporary directory, that nobody holds.
     static void removeStaleFolders(const std::filesystem::path& parent);
 

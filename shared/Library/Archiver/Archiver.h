@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -111,7 +112,7 @@ public:
     // For a program that ends. As cancel(), but for good: what the job has made goes, and nothing
     // is delivered. An older archive stays, except for types that remove it before their tool runs.
     // To be called again until the job has ended: a tool that does not heed the first call is
-    // killed by one that comes a while later.
+    // killed by one that comes a while later. A volume is still unmounted, within some seconds.
     void abandon();
 
     // Where the tools are. zipPath() is decided once per process. tarPath() is nothing when the
@@ -159,13 +160,16 @@ private:
     static void _reportFailure(
         const std::string& inMethod, const Archiver* object, int lineNumber, const char* text);
     void _stageCopy(const Path& item, const Path& entry) const;
+    void _tellNotStaged(const Path& item, std::error_code reason) const;
+    void _setSparedFor(std::chrono::seconds time);
     static std::optional<std::string> _filenameFromData(std::string_view data);
     void _replaceArchive(const Path& archive, const Path& byArchive) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);
 
-    std::mutex _taskMutex; // protects _task, which the job's thread replaces while others cancel
+    std::mutex _taskMutex; // protects these two, which the job's thread sets while others cancel
     std::unique_ptr<Task> _task; // set while a tool runs, and after one that could not be started
+    std::chrono::steady_clock::time_point _sparedUntil; // what is abandoned goes on until then
     std::optional<ArchiverDelegate> _delegate;
     Path _workingDirectory;
     std::optional<Path> _archiveInAlerts;
