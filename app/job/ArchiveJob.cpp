@@ -61,6 +61,11 @@ bool areSame(const fs::path& one, const fs::path& other)
         && isSameFile(first, second);
 }
 
+bool isOfFullDisk(const std::error_code& reason)
+{
+    return reason == std::errc::no_space_on_device || reason.value() == EDQUOT;
+}
+
 // As the tools say it, in whatever language this process speaks.
 bool isOfFullDisk(std::string_view words)
 {
@@ -196,7 +201,7 @@ void ArchiveJob::_judge(const std::optional<Path>& made)
         _result.archive = _request.archive;
     if (untilNow != Stop::none)
         return;
-    if (made && !_failedTool && isWorthKeeping(*made))
+    if (made && !_failedTool && !_hasNoRoomToStage && isWorthKeeping(*made))
         _deliver(*made);
     else
         _result.problem = _whyNothingIsMade();
@@ -205,10 +210,12 @@ void ArchiveJob::_judge(const std::optional<Path>& made)
 ArchiveProblem ArchiveJob::_whyNothingIsMade() const
 {
     using enum ArchiveProblem::Kind;
+    const bool hasFilledDisk = _failedTool && isOfFullDisk(*_failedTool);
     const bool growsInWorkingFolder = _request.type == ArchiveTypePlainZip;
-    if (_failedTool && isOfFullDisk(*_failedTool))
-        return growsInWorkingFolder ? _problem(fullTemporaryDisk, _engine.workingDirectory())
-                                    : _problem(fullDisk);
+    if (_hasNoRoomToStage || (hasFilledDisk && growsInWorkingFolder))
+        return _problem(fullTemporaryDisk, _engine.workingDirectory());
+    if (hasFilledDisk)
+        return _problem(fullDisk);
     if (_failedTool)
         return _problem(toolFailed, {}, *_failedTool);
     // Of a move, that there is nothing to move tells of the tool.
@@ -328,6 +335,8 @@ void ArchiveJob::_noteStatus(int status)
 
 void ArchiveJob::_noteLeftOut(const Path& item, std::error_code reason)
 {
+    // No fault of the item's, and no reason to give up an older archive.
+    _hasNoRoomToStage = _hasNoRoomToStage || isOfFullDisk(reason);
     _messages.add("'" + item.native() + "' is left out: " + reason.message());
     _result.leftOut.add({.name = item, .reason = reason.message()});
 }

@@ -107,6 +107,7 @@ private:
     ArchivePlace _place;
     std::optional<int> _engineStatus; // of its completion
     std::error_code _engineFailure; // in moving what was made
+    bool _hasNoRoomToStage = false;
     std::optional<std::string> _failedTool; // its last words: what it made is not worth keeping
 
     std::atomic<Stop> _stop = Stop::none; // the one state that tells how far the job is to go

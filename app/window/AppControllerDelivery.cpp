@@ -51,6 +51,15 @@ std::string translated(const char* text)
     return QCoreApplication::translate("ArchiveProblem", text).toStdString();
 }
 
+// Without its middle, when it could make a sheet wider than the screen.
+QString shortened(const QString& line)
+{
+    constexpr qsizetype longest = 120;
+    if (line.size() <= longest)
+        return line;
+    return line.left(longest / 2) + QStringLiteral("…") + line.right(longest / 2);
+}
+
 // The user's downloads, where there is such a folder.
 std::filesystem::path folderToKeepIn()
 {
@@ -165,10 +174,13 @@ void AppController::_tellWhatIsMissing(const LeftOut& leftOut)
 QString AppController::_listed(const QStringList& lines, std::size_t count)
 {
     constexpr qsizetype most = 10;
-    const QString shown = lines.mid(0, most).join(QLatin1Char('\n'));
+    QStringList shown;
+    for (const QString& line : lines.mid(0, most))
+        shown.append(shortened(line));
     count = std::max(count, static_cast<std::size_t>(lines.size()));
-    return count <= most ? shown
-                         : shown + QLatin1Char('\n') + tr("… and %1 more").arg(count - most);
+    if (count > most)
+        shown.append(tr("… and %1 more").arg(count - most));
+    return shown.join(QLatin1Char('\n'));
 }
 
 void AppController::_tell(const Message& message)

@@ -441,6 +441,18 @@ TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)
         EXPECT_NE(full.err.find("File too large"), std::string::npos) << full.err;
         EXPECT_EQ(identityOf(name), older);
 
+        if (std::string(type) == "mac-zip") { // no room for the copy of a folder
+            Lines unstaged = command({"--to=../out", "--name=Demo", "--type=mac-zip", "../in"});
+            unstaged.insert(unstaged.begin() + 2, "ASAN_OPTIONS=detect_leaks=0");
+            unstaged.insert(unstaged.begin(),
+                {"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"});
+            const RunResult staging = run(unstaged, options());
+            EXPECT_EQ(staging.status, 1);
+            EXPECT_NE(staging.err.find("the disk for temporary files is full"), std::string::npos)
+                << staging.err;
+            EXPECT_EQ(identityOf(name), older);
+        }
+
         EXPECT_EQ(parcelo(arguments).status, 0);
         EXPECT_NE(readFile(folder / "out" / name), "older");
         EXPECT_EQ(made(), Lines{name}); // nothing is left of the killed one, either
