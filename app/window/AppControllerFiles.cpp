@@ -19,15 +19,6 @@ constexpr double openDelay = 0.05;
 // After this the window stands in its place, and a sheet finds it.
 constexpr double windowDelay = 0.5;
 
-// A list that fits on a sheet.
-QString listed(const QStringList& names)
-{
-    constexpr int longest = 8;
-    if (names.size() <= longest)
-        return names.join(QLatin1Char('\n'));
-    return names.mid(0, longest - 1).join(QLatin1Char('\n')) + QStringLiteral("\n…");
-}
-
 } // namespace
 
 bool AppController::applicationOpenFile(const Path& path)
@@ -45,8 +36,8 @@ void AppController::couldNotOpen(const std::vector<Path>& missing)
     for (const Path& path : missing)
         names.append(PathText::textOf(path));
     _afterDelay(windowDelay, [this, names] {
-        _tell(
-            tr("There are no such files"), tr("These cannot be archived:\n%1").arg(listed(names)));
+        _tell({.title = tr("There are no such files"),
+            .text = tr("These cannot be archived:\n%1").arg(_listed(names))});
     });
 }
 
@@ -56,7 +47,7 @@ void AppController::_tellWhatIsLeftOut()
     if (!leftOut.isEmpty())
         _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
             tr("These are no files of this computer, and will be left out:\n%1")
-                .arg(listed(leftOut)));
+                .arg(_listed(leftOut)));
 }
 
 void AppController::chooseFiles(QObject* /*sender*/)
@@ -77,6 +68,12 @@ void AppController::_chose(const std::vector<Path>& paths)
 {
     if (paths.empty())
         return;
+    if (!acceptsFiles()) { // a request has begun while the panel was up: after that
+        connect(
+            this, &AppController::acceptsFilesChanged, this, [this, paths] { _chose(paths); },
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+        return;
+    }
     _interface.saveDropView->setFiles(paths);
     _interface.saveDropView->concludeDragOperation();
 }

@@ -87,7 +87,7 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
     QSocketNotifier interrupted(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&interrupted, &QSocketNotifier::activated, &controller, [&] {
         if (signals.take())
-            controller.terminate(&interrupted);
+            controller.terminateNow();
     });
     openDocuments(files, controller);
     interface.window().show();

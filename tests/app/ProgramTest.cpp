@@ -166,6 +166,7 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
 {
     writeFile(folder / "out/one.zip", "older");
     fs::create_directory(folder / "out/two.zip");
+    const std::string in = fs::canonical(folder / "in");
     const std::string out = fs::canonical(folder / "out");
     const fs::path window = folder / "prefix/libexec/parcelo/parcelo-window";
     const std::string noWindow = fs::exists(window) // it is not built under every sanitizer
@@ -186,12 +187,18 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
         {{"--to=../out", "--type=tar.gz", "/dev/null"}, 1,
             "'/dev/null' leads to no file or folder"},
         {{"--to=../none", "one.txt"}, 1, "'../none': No such file or directory"},
-        {{"--to=one.txt", "two.txt"}, 1, "'one.txt': Not a directory"},
-        {{"--to=../out", "two.txt"}, 1, "'" + out + "/two.zip': Is a directory"},
-        {{"--to=../out", "../out/one.zip"}, 1,
-            "'" + out + "/one.zip' would replace a file that is to be archived"},
+        {{"--to=one.txt", "two.txt"}, 1,
+            "Unable to write to '" + in
+                + "/one.txt/two.zip': that folder cannot be used (Not a "
+                  "directory)"},
+        {{"--to=/sys", "two.txt"}, 1,
+            "Unable to write to '/sys/two.zip': you may not write in that folder"},
+        {{"--to=../out", "two.txt"}, 1,
+            "Unable to write to '" + out + "/two.zip': a folder has that name"},
+        {{"--to=../out", out + "/one.zip"}, 1,
+            "the archive would replace '" + out + "/one.zip', which is to be in it"},
         {{"--to=../out", "--type=dmg", "one.txt"}, 1,
-            "this system has no disk-image tool (/usr/bin/hdiutil)"},
+            "this system has no tool for that type (/usr/bin/hdiutil)"},
     };
     for (const Case& each : cases) {
         const RunResult result = parcelo(each.arguments);
@@ -230,11 +237,26 @@ TEST_F(Program, tellsWhatToolsReportAndKeepsOnlyWholeArchives)
         {"exit 1", {"--type=tar.gz"}, 1, {"tar ended with status 1"}, {"Demo.tar.gz"}},
         {"echo 'no space'; exit 14", {}, 1,
             {"zip ended with status 14: no space", "no archive was made"}, {}},
-        {"rm \"$archive\"", {"--type=tar.gz"}, 1, {"no archive was made"}, {}},
+        {"echo 'cannot write a: No space left on device'; exit 2", {"--type=tar.gz"}, 1,
+            {"tar ended with status 2: cannot write a: No space left on device",
+                "Unable to write to '@/Demo.tar.gz': the disk of that folder is full",
+                "no archive was made"},
+            {}},
+        {"rm \"$archive\"; echo 'warning: a: b: gone'; exit 12", {}, 1,
+            {"zip ended with status 12: warning: a: b: gone", "'a: b' cannot be read (gone)",
+                "no archive was made"},
+            {}},
+        {"rm \"$archive\"", {"--type=tar.gz"}, 1,
+            {"Unable to write to '@/Demo.tar.gz': the tool has made nothing",
+                "no archive was made"},
+            {}},
         {"rm \"$archive\"", {}, 1,
-            {"Error: Unable to write to '@/Demo.zip'", "no archive was made"}, {}},
+            {"Unable to write to '@/Demo.zip': the tool has made nothing", "no archive was made"},
+            {}},
         {"rm \"$TMPDIR/../prefix/libexec/parcelo/Contents/Resources/zip\"", {"two.txt"}, 1,
-            {"cannot run '@zip': No such file or directory", "no archive was made"}, {}},
+            {"a tool could not be started (cannot run '@zip': No such file or directory)",
+                "no archive was made"},
+            {}},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.afterwards);
@@ -448,6 +470,18 @@ TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)
         EXPECT_NE(full.err.find("File too large"), std::string::npos) << full.err;
         EXPECT_EQ(identityOf(name), older);
 
+        if (std::string(type) == "mac-zip") { // no room for the copy of a folder
+            Lines unstaged = command({"--to=../out", "--name=Demo", "--type=mac-zip", "../in"});
+            unstaged.insert(unstaged.begin() + 2, "ASAN_OPTIONS=detect_leaks=0");
+            unstaged.insert(unstaged.begin(),
+                {"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"});
+            const RunResult staging = run(unstaged, options());
+            EXPECT_EQ(staging.status, 1);
+            EXPECT_NE(staging.err.find("the disk for temporary files is full"), std::string::npos)
+                << staging.err;
+            EXPECT_EQ(identityOf(name), older);
+        }
+
         EXPECT_EQ(parcelo(arguments).status, 0);
         EXPECT_NE(readFile(folder / "out" / name), "older");
         EXPECT_EQ(made(), Lines{name}); // nothing is left of the killed one, either
@@ -535,6 +569,26 @@ TEST_F(Program, anInterruptLeavesNothingBehind)
         EXPECT_EQ(scratch(), Lines{});
         fs::remove(folder / "tmp/started");
     }
+}
+
+TEST_F(Program, anInterruptEndsTheWaitForAPassword)
+{
+    makeFifo(folder / "tmp/input");
+    Lines arguments = command({"--to=../out", "--type=dmg", "--password-stdin", "one.txt"});
+    arguments.insert(arguments.begin(), {"/bin/sh", "-c", "exec \"$@\" <>../tmp/input", "sh"});
+    RunningProgram running(
+        arguments, {.folder = folder / "in", .timeout = std::chrono::seconds(10)});
+    const auto heedsSignals = [&] {
+        const std::string status = readFile("/proc/" + std::to_string(running.pid()) + "/status");
+        const auto caught = std::stoull(status.substr(status.find("SigCgt:") + 7), nullptr, 16);
+        return (caught >> (SIGTERM - 1) & 1) != 0;
+    };
+    ASSERT_TRUE(waitUntil(heedsSignals));
+    running.signal(SIGTERM);
+    const RunResult result = running.wait();
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.err, "parcelo: interrupted\n");
+    EXPECT_EQ(made(), Lines{});
 }
 
 TEST_F(Program, drawsOneLineThatNeverWraps)

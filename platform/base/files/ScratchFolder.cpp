@@ -3,11 +3,11 @@
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/SearchPaths.h"
 #include "system/FileStatus.h"
+#include "system/LastError.h"
 #include "system/ScratchName.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -105,7 +105,7 @@ void ScratchFolder::_make(
         }
         if (!_lock && (!made || errno != ENOENT))
             throw ScratchFolderFailure(
-                "cannot make a working folder in " + parent.native() + ": " + std::strerror(errno));
+                lastError(), "cannot make a working folder in " + parent.native());
         _path = name;
     } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || isGone(_path, _lock));
 }

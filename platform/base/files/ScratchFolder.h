@@ -6,15 +6,15 @@
 #include "system/FileDescriptor.h"
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 // "cannot make a working folder in X: reason".
-class ScratchFolderFailure : public std::runtime_error
+class ScratchFolderFailure : public std::system_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    using std::system_error::system_error;
 };
 
 class ScratchFolder

@@ -45,6 +45,9 @@ struct ArchiverDelegate {
     std::function<void(std::string_view bytes)> toolOutput = {};
     // Something, or part of it, will be missing from the archive, since it could not be staged.
     std::function<void(const std::filesystem::path& item, std::error_code reason)> notStaged = {};
+    // A plain zip could not be moved to its place, or what stands there not be removed. Whoever
+    // gives true tells the user; otherwise an alert does.
+    std::function<bool(std::error_code reason)> notMoved = {};
 };
 
 class Archiver
@@ -164,6 +167,7 @@ private:
     void _setSparedFor(std::chrono::seconds time);
     static std::optional<std::string> _filenameFromData(std::string_view data);
     void _replaceArchive(const Path& archive, const Path& byArchive) const;
+    void _tellNotMoved(const std::string& message, std::error_code reason) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);
 
