@@ -1,10 +1,9 @@
 #include "platform/desktop/updates/AppcastReader.h"
 
 #include "platform/desktop/updates/HTMLText.h"
+#include "tests/support/qt/QtTest.h"
 
 #include <QStringList>
-
-#include <gtest/gtest.h>
 
 namespace
 {

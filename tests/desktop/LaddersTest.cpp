@@ -4,12 +4,6 @@
 #include "platform/desktop/services/Workspace.h"
 #include "tests/desktop/StandIns.h"
 
-#include <QCoreApplication>
-
-#include <set>
-
-#include <gtest/gtest.h>
-
 namespace fs = std::filesystem;
 using standins::Programs;
 using enum standins::Answer;

@@ -1,10 +1,6 @@
 #include "platform/desktop/services/LoginItems.h"
 
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 using namespace support;
 
@@ -31,7 +27,7 @@ struct LoginItemsTest : ::testing::Test {
 TEST_F(LoginItemsTest, takeProgramsOfAnyNameAndGoAgain)
 {
     std::vector<LoginItems::Record> expected;
-    for (const std::string name : {" b ", "a", "b c", "d\"'`$\\%f", "e\xff=\n;"}) {
+    for (const std::string name : {" b ", ".hidden", "a", "b c", "d\"'`$\\%f", "e\xff=\n;"}) {
         expected.push_back({program(name), true});
         EXPECT_TRUE(LoginItems::add(expected.back().path, true)) << name;
     }
@@ -44,15 +40,21 @@ TEST_F(LoginItemsTest, takeProgramsOfAnyNameAndGoAgain)
 
 TEST_F(LoginItemsTest, leaveEverythingElseAsItIs)
 {
-    const auto file = folder / "users/autostart/own.desktop";
+    const auto kept = folder / "kept", own = folder / "users/autostart/own.desktop";
     const std::string one = program("one");
     const std::string start = "# kept\n[Desktop Entry]\nType=Application\nName=Eins\n";
-    const std::string end = "Exec=" + one + " --quiet\nX-Other = a\\sb\n\n[Group]\nHidden=true\n";
-    writeFile(file, start + "Hidden=true\n" + end);
-    EXPECT_TRUE(LoginItems::list().empty());
-    EXPECT_TRUE(LoginItems::add(one, false));
-    const std::string entry = readFile(file);
+    const std::string end = "Exec=" + one + " %u\nX-Other = a\\sb\n\n[Group]\nHidden=true\n";
+    writeFile(kept, start + "Hidden=true\n" + end);
+    writeFile(folder / "users/autostart/other.desktop", "[Desktop Entry]\nExec=" + one + " -c x");
+    std::filesystem::create_symlink(kept, own);
+    const std::vector<LoginItems::Record> others{{one, false}};
+    EXPECT_EQ(LoginItems::list(), others);
+    EXPECT_TRUE(LoginItems::add(one, true));
+    EXPECT_TRUE(std::filesystem::is_symlink(own));
+    const std::string entry = readFile(kept);
     EXPECT_TRUE(entry.starts_with(start + "Hidden=false\n")) << entry;
     EXPECT_NE(entry.find("\nX-Other = a\\sb\n"), entry.npos) << entry;
     EXPECT_TRUE(entry.ends_with("\n[Group]\nHidden=true\n")) << entry;
+    EXPECT_TRUE(LoginItems::remove("one"));
+    EXPECT_EQ(LoginItems::list(), others);
 }

@@ -3,8 +3,6 @@
 #include "platform/desktop/services/DefaultApplication.h"
 #include "tests/desktop/StandIns.h"
 
-#include <gtest/gtest.h>
-
 TEST(ProgramLauncher, tellsOnceWhetherTheProgramWorksIfAnybodyStillWantsToKnow)
 {
     const std::tuple<std::string, bool, int> cases[]

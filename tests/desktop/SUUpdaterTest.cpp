@@ -3,14 +3,9 @@
 #include "platform/desktop/panels/Sheets.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/NotingDesktop.h"
+#include "tests/support/qt/QtTest.h"
 
-#include <QDialog>
-#include <QLabel>
 #include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-
-#include <gtest/gtest.h>
 
 using Feed = support::FeedServer;
 

@@ -1,6 +1,6 @@
 #include "platform/desktop/services/ScriptReader.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 using namespace ScriptReader;
 

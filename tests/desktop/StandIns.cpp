@@ -10,8 +10,6 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
 
-#include <gtest/gtest.h>
-
 namespace fs = std::filesystem;
 using standins::Answer;
 

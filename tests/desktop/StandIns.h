@@ -2,15 +2,7 @@
 // private to the test program.
 #pragma once
 
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
-
-#include <QTest>
-
-#include <fstream>
-#include <memory>
-#include <string>
+#include "tests/support/qt/QtTest.h"
 
 namespace standins
 {

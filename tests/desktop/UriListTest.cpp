@@ -1,6 +1,6 @@
 #include "platform/desktop/services/UriList.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 using namespace std::string_literals;
 using enum UriList::Refusal;

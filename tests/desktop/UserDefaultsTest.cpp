@@ -3,13 +3,9 @@
 #include "platform/desktop/settings/UserDefaults.h"
 
 #include "platform/desktop/settings/DefaultsController.h"
-#include "tests/support/Files.h"
-#include "tests/support/Run.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/qt/QtTest.h"
 
 #include <QSlider>
-
-#include <gtest/gtest.h>
 
 using namespace support;
 

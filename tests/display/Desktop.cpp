@@ -1,8 +1,5 @@
 #include "tests/display/Desktop.h"
 
-#include <algorithm>
-#include <cstdlib>
-
 namespace fs = std::filesystem;
 using support::run;
 
@@ -69,12 +66,12 @@ Desktop::Program& Desktop::_start(const Strings& command, const std::string& tit
     return program;
 }
 
-Desktop::Program& Desktop::startParcelo(const Strings& files, const std::string& settings,
-    const Path& executable, const Strings& moreEnvironment)
+Desktop::Program& Desktop::startParcelo(
+    const Strings& files, const std::string& settings, const Strings& moreEnvironment)
 {
     if (!settings.empty())
         support::writeFile(folder / "home/.config/parcelo/parcelo.conf", "[General]\n" + settings);
-    return _start(joined({executable}, files), "Parcelo", {"620", "0"}, moreEnvironment);
+    return _start(joined({PARCELO_PROGRAM}, files), "Parcelo", {"620", "0"}, moreEnvironment);
 }
 
 Desktop::Program& Desktop::startFileManager()

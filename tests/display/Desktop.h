@@ -4,12 +4,7 @@
 #pragma once
 
 #include "tests/display/DesktopSession.h"
-
-#include <QTest>
-
-#include <functional>
-
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 class Desktop : public ::testing::Test
 {
@@ -22,7 +17,7 @@ protected:
 
     // With `settings`, lines of the program's settings file; its window is at the right.
     Program& startParcelo(const Strings& files = {}, const std::string& settings = {},
-        const Path& executable = PARCELO_PROGRAM, const Strings& moreEnvironment = {});
+        const Strings& moreEnvironment = {});
     // The file manager, at the left, on what is to be archived.
     Program& startFileManager();
     void quit(Program& program); // as its user does

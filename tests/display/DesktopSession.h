@@ -2,14 +2,12 @@
 // them, however it ends.
 #pragma once
 
-#include "tests/support/Files.h"
 #include "tests/support/PrivateBus.h"
 
 #include <QPoint>
 
 #include <csignal>
 #include <cstring>
-#include <memory>
 #include <stdexcept>
 
 #include <endian.h>

@@ -4,8 +4,7 @@
 #include "shared/Library/Extras/QKWebsite.h"
 #include "shared/Library/Extras/StringExtras.h"
 #include "tests/support/NotingDesktop.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 using namespace DateExtras;
 using namespace StringExtras;

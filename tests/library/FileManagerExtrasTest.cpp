@@ -1,9 +1,7 @@
 #include "shared/Library/Extras/FileManagerExtras.h"
 
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/qt/QtTest.h"
 
-#include <gtest/gtest.h>
 #include <sys/xattr.h>
 
 namespace fs = std::filesystem;
@@ -49,7 +47,9 @@ TEST_F(FileManagerExtrasTest, copiesToAFreePathAndRemovesLittle)
 {
     for (const char* name : {"a/below/.x", "b.zip", "b.zip 2"})
         writeFile(folder / name, name);
+    fs::create_symlink("nowhere", folder / "link"); // where nothing exists, and yet somebody's
     EXPECT_FALSE(copyPath(folder / "a/below/.x", folder / "b.zip", false));
+    EXPECT_FALSE(copyPath(folder / "none", folder / "link", false));
     EXPECT_TRUE(copyPath(folder / "a", folder / "b.zip", true));
     EXPECT_EQ(support::readFile(folder / "b.zip 3/below/.x"), "a/below/.x");
     EXPECT_EQ(support::readFile(folder / "b.zip"), "b.zip");
@@ -60,7 +60,8 @@ TEST_F(FileManagerExtrasTest, copiesToAFreePathAndRemovesLittle)
     EXPECT_TRUE(removeEmptyFolderAtPath(folder / "empty"));
     EXPECT_TRUE(removeItemIfExistsAtPath(folder / "b.zip 2"));
     EXPECT_FALSE(removeItemIfExistsAtPath("/proc/self/stat", &error) || !error);
-    EXPECT_EQ(support::namesIn(folder.path()), (std::vector<std::string>{"a", "b.zip", "b.zip 3"}));
+    EXPECT_EQ(support::namesIn(folder.path()),
+        (std::vector<std::string>{"a", "b.zip", "b.zip 3", "link"}));
 }
 
 TEST_F(FileManagerExtrasTest, tellsSizesDatesAndWishes)
@@ -77,4 +78,12 @@ TEST_F(FileManagerExtrasTest, tellsSizesDatesAndWishes)
 
     const bool takesWishes = ::setxattr(file.c_str(), "user.k", "v", 1, 0) == 0; // file systems
     EXPECT_EQ(hideFileExtensionAtPath(file) && unhideFileExtensionAtPath(file), takesWishes);
+
+    for (int level = 0; level < 700; ++level) { // deeper than a path is long
+        fs::rename(folder / "tree", folder / "inner");
+        fs::create_directory(folder / "tree");
+        fs::rename(folder / "inner", folder / "tree/inner");
+    }
+    fs::create_directory_symlink("tree", folder / "again"); // counts as a folder
+    EXPECT_EQ(fileSizeAtPath(folder.path()), 13 * 2);
 }

@@ -3,13 +3,7 @@
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/process/Task.h"
 #include "platform/base/seams/MainQueue.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
-
-#include <QCoreApplication>
-#include <QTimer>
-
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 struct QKUtilityTest : testing::Test {
     const support::TestFolder folder;

@@ -2,15 +2,9 @@
 
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/panels/Tag.h"
+#include "tests/support/qt/QtTest.h"
 
-#include <QAction>
-#include <QDialog>
-#include <QLabel>
-#include <QPushButton>
-#include <QTest>
 #include <QToolBar>
-
-#include <gtest/gtest.h>
 
 struct QKWindowTest : testing::Test {
     QKWindowTest() { window.show(); }

@@ -5,10 +5,7 @@
 #include "platform/base/bundle/Bundle.h"
 #include "shared/Library/Extras/DictionaryAccess.h"
 #include "shared/Library/Extras/ValueCoding.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/qt/QtTest.h"
 
 using namespace UserDefaultsExtras;
 

@@ -1,4 +1,3 @@
-#include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
 #include <QComboBox>

@@ -9,7 +9,6 @@ TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
         {uriList, "file:///b\r\nfile:///a%20b\r\nfile:///b\r\n", {"/b", "/a b", "/b"}},
         {uriList, "file://localhost/x/caf%E9%0A%25\r\n", {"/x/caf\xE9\n%"}},
         {"x-special/gnome-copied-files", "copy\nfile:///a/b\nfile:///a/c", {"/a/b", "/a/c"}},
-        {uriList, "http://example.com/a\r\n", {}},
         {uriList, "file://elsewhere/tmp/a\r\n", {}},
         {"text/plain", "/tmp/a", {}},
     };

@@ -10,19 +10,11 @@
 #include "platform/desktop/services/UriList.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "tests/support/NotingDesktop.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/qt/QtTest.h"
 
-#include <QAction>
-#include <QDialog>
 #include <QDropEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-
-#include <gtest/gtest.h>
 
 class Program : public ::testing::Test
 {

@@ -1,7 +1,6 @@
 // Requests, from what is dropped, opened or pasted to the archive in its place.
 
 #include "platform/desktop/panels/SavePanel.h"
-#include "tests/support/Files.h"
 #include "tests/support/ZipInspector.h"
 #include "tests/window/Program.h"
 

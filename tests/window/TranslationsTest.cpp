@@ -1,6 +1,5 @@
 #include "app/window/Translations.h"
 
-#include "tests/support/Files.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
@@ -8,8 +7,6 @@
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QScopeGuard>
-
-#include <set>
 
 using Language = Program;
 

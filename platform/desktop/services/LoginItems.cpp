@@ -26,6 +26,7 @@ struct Item {
     std::string fileName;
     DesktopEntry entry;
     fs::path program; // empty when Exec cannot be read
+    bool isPlain; // the program is all of the command: of a shell with its script, say, it is not
     bool isSystems; // there is a file of the system's
 };
 
@@ -59,9 +60,14 @@ bool writeEntry(const std::string& fileName, const DesktopEntry& entry)
         return false;
     if (fs::create_directories(folder, failure))
         fs::permissions(folder, fs::perms::owner_all, failure); // as the base directories are made
-    PartFile file(folder / fileName, 0644);
-    return file && FileBytes::writeAll(file.descriptor(), entry.text())
-        && !file.commitDurably(PartFile::Existing::replace);
+    const auto write = [&](const fs::path& path) {
+        PartFile file(path, 0644);
+        return file && FileBytes::writeAll(file.descriptor(), entry.text())
+            && !file.commitDurably(PartFile::Existing::replace);
+    };
+    // A link stays one, unless what it leads to is not ours to change.
+    const fs::path target = fs::canonical(folder / fileName, failure);
+    return (!failure && write(target)) || write(folder / fileName);
 }
 
 bool isProgram(const fs::path& path)
@@ -81,13 +87,14 @@ fs::path findProgram(const std::string& program)
     return {};
 }
 
-fs::path programOf(const DesktopEntry& entry)
+Item itemOf(const std::string& fileName, const DesktopEntry& entry, bool isSystems)
 {
     const auto arguments = DesktopEntry::execArguments(entry.value("Exec").value_or(""));
     if (!arguments || arguments->empty())
-        return {};
+        return {fileName, entry, {}, false, isSystems};
     const fs::path found = findProgram(arguments->front());
-    return found.empty() ? fs::path(arguments->front()) : found;
+    return {fileName, entry, found.empty() ? fs::path(arguments->front()) : found,
+        arguments->size() == 1, isSystems};
 }
 
 void addItemsIn(const fs::path& folder, bool isUsers, std::map<std::string, Item>& items)
@@ -105,8 +112,7 @@ void addItemsIn(const fs::path& folder, bool isUsers, std::map<std::string, Item
         const auto content = FileBytes::readWhole(at->path(), largestEntryInBytes);
         // An unreadable file hides those of its name as any other does, but it is no item.
         const auto entry = DesktopEntry::read(content.value_or(""));
-        const fs::path program = entry ? programOf(*entry) : fs::path();
-        items.emplace(name, Item{name, entry.value_or(DesktopEntry()), program, !isUsers});
+        items.emplace(name, itemOf(name, entry.value_or(DesktopEntry()), !isUsers));
     }
 }
 
@@ -149,7 +155,8 @@ bool isNamed(const Item& item, const std::string& name)
 {
     return item.entry.value("Name") == name
         || item.fileName.substr(0, item.fileName.size() - extension.size()) == name
-        || PathString::stringByDeletingPathExtension(item.program.filename().native()) == name;
+        || (item.isPlain
+            && PathString::stringByDeletingPathExtension(item.program.filename().native()) == name);
 }
 
 // The entry for a program that has none yet.
@@ -164,9 +171,11 @@ DesktopEntry newEntry(const fs::path& program, const std::string& name, const st
     return entry;
 }
 
-// A free name that begins with `base`.
-std::string freeName(const std::map<std::string, Item>& items, const std::string& base)
+// A free name that begins with `base`. An entry with a hidden name would not count.
+std::string freeName(const std::map<std::string, Item>& items, std::string base)
 {
+    if (base.starts_with('.'))
+        base.insert(0, 1, '_');
     std::string name = base;
     for (int number = 2; items.contains(name + std::string(extension)); ++number)
         name = base + "-" + std::to_string(number);
@@ -191,7 +200,8 @@ bool LoginItems::add(const fs::path& path, bool hidden)
         return false;
     const auto items = allItems();
     const auto same = std::find_if(items.begin(), items.end(), [&](const auto& each) {
-        return each.second.program == path && isForThisDesktop(each.second.entry);
+        return each.second.isPlain && each.second.program == path
+            && isForThisDesktop(each.second.entry);
     });
     if (same != items.end()) {
         DesktopEntry entry = same->second.entry;

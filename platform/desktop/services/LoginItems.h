@@ -21,12 +21,14 @@ struct Record {
 // switched off, meant for another desktop, without their program or unreadable do not count.
 [[nodiscard]] std::vector<Record> list();
 
-// Makes an entry for the program, or switches on the one that there is. False when the path is not
+// Makes an entry for the program, or switches on the one that there is with nothing but it as its
+// command; where that is a link, what it leads to changes. False when the path is not
 // an absolute one of a program, and when the entry cannot be written.
 [[nodiscard]] bool add(const std::filesystem::path& path, bool hidden);
 
-// Removes every item that is so named, or whose program or entry's file is, extensions left out; a
-// system's entry is switched off by one of the user's. False when there was none, or on failure.
+// Removes every item that is so named, or whose entry's file or whole command is, extensions left
+// out; a system's entry is switched off by one of the user's. False when there was none, or on
+// failure.
 [[nodiscard]] bool remove(const std::string& name);
 
 } // namespace LoginItems

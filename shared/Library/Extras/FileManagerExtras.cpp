@@ -2,7 +2,9 @@
 
 #include "platform/base/files/FileCopy.h"
 #include "platform/base/files/FileTree.h"
+#include "platform/base/files/TreeWalk.h"
 #include "platform/desktop/services/UriList.h"
+#include "system/FileStatus.h"
 #include "system/PathString.h"
 
 #include <algorithm>
@@ -10,6 +12,7 @@
 #include <set>
 #include <utility>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -86,22 +89,39 @@ QDateTime dateOf(const statx_timestamp& time)
 
 using Identity = std::pair<dev_t, ino_t>;
 
-// `above` are the folders that the path was reached through.
-std::int64_t sizeOf(const fs::path& path, std::set<Identity>& above)
+Identity identityOf(int folder)
 {
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
-        return ::lstat(path.c_str(), &status) == 0 ? status.st_size : 0;
+    FileStatus status{};
+    return ::fstat(folder, &status) == 0 ? Identity(status.st_dev, status.st_ino) : Identity();
+}
 
-    const Identity identity(status.st_dev, status.st_ino);
-    if (!above.insert(identity).second)
-        return 0;
+// `above` are the folders that this one was reached through. Its path may end in a link.
+std::int64_t sizeOfFolder(const fs::path& folder, std::multiset<Identity> above)
+{
     std::int64_t sum = 0;
-    std::error_code unreadable;
-    for (fs::directory_iterator entry(path, unreadable);
-         !unreadable && entry != fs::directory_iterator(); entry.increment(unreadable))
-        sum += sizeOf(entry->path(), above);
-    above.erase(identity);
+    const auto enter = [&](const TreeWalk::Cursor& at) {
+        TreeWalk::Names folders;
+        const bool isMetAgain = above.contains(identityOf(at.folder()));
+        above.insert(identityOf(at.folder()));
+        if (isMetAgain)
+            return folders;
+        (void)TreeWalk::forEachEntry(at.folder(), [&](const std::string& name, unsigned char kind) {
+            FileStatus status{};
+            if (kind == DT_DIR)
+                folders.push_back(name);
+            else if (kind == DT_LNK && ::fstatat(at.folder(), name.c_str(), &status, 0) == 0
+                && S_ISDIR(status.st_mode))
+                sum += sizeOfFolder(
+                    fs::path("/proc/self/fd") / std::to_string(at.folder()) / name, above);
+            else if (::fstatat(at.folder(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0)
+                sum += status.st_size;
+        });
+        return folders;
+    };
+    const auto leave = [&](const TreeWalk::Cursor& at) { above.extract(identityOf(at.folder())); };
+    // With the dot the link is followed. Where the walk breaks off, there is nothing to be read.
+    (void)TreeWalk::walk(
+        folder / ".", {.enter = enter, .leave = leave}, TreeWalk::Permissions::respected);
     return sum;
 }
 
@@ -178,7 +198,9 @@ bool FileManagerExtras::copyPath(
         *finalPath = destination;
     std::error_code missing;
     const bool isFolder = fs::is_directory(fs::symlink_status(path, missing));
-    if (somethingExists(destination) || (isFolder && isInside(destination, path)))
+    // A link that leads nowhere is nothing to be numbered, but it is somebody's.
+    if (fs::exists(fs::symlink_status(destination, missing))
+        || (isFolder && isInside(destination, path)))
         return false;
     bool isOurs = true;
     const auto note = [&](const fs::path& item, std::error_code reason) {
@@ -248,8 +270,10 @@ std::optional<QDateTime> FileManagerExtras::creationDateOfItemAtPath(const fs::p
 
 std::int64_t FileManagerExtras::fileSizeAtPath(const fs::path& path)
 {
-    std::set<Identity> above;
-    return sizeOf(path, above);
+    if (isDirectory(path))
+        return sizeOfFolder(path, {});
+    FileStatus status{};
+    return ::lstat(path.c_str(), &status) == 0 ? status.st_size : 0;
 }
 
 std::int64_t FileManagerExtras::fileSizeAtPaths(const std::vector<fs::path>& paths)

@@ -1,0 +1,16 @@
+// What nearly every test takes: GoogleTest, files, folders, programs and the environment of its own,
+// and what they are looked at with. Precompiled.
+#pragma once
+
+#include "tests/support/EnvironmentVariable.h"
+#include "tests/support/TestFolder.h"
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
