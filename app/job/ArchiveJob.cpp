@@ -219,9 +219,11 @@ ArchiveProblem ArchiveJob::_whyNothingIsMade() const
     using enum ArchiveProblem::Kind;
     const bool hasFilledDisk = _failedTool && isOfFullDisk(*_failedTool);
     const bool growsInWorkingFolder = _request.type == ArchiveTypePlainZip;
-    if (_hasNoRoomToStage || (hasFilledDisk && growsInWorkingFolder))
-        return _problem(fullTemporaryDisk, _engine.workingDirectory());
-    if (hasFilledDisk)
+    const Path& workingFolder = _engine.workingDirectory();
+    const bool isAtDestination = workingFolder.parent_path() == _request.archive.parent_path();
+    if (!isAtDestination && (_hasNoRoomToStage || (hasFilledDisk && growsInWorkingFolder)))
+        return _problem(fullTemporaryDisk, workingFolder);
+    if (hasFilledDisk || _hasNoRoomToStage)
         return _problem(fullDisk);
     if (_failedTool)
         return _problem(toolFailed, {}, *_failedTool);
@@ -351,7 +353,8 @@ void ArchiveJob::_noteLeftOut(const Path& item, std::error_code reason)
 {
     // No fault of the item's, and no reason to give up an older archive.
     _hasNoRoomToStage = _hasNoRoomToStage || isOfFullDisk(reason);
-    _messages.add("'" + item.native() + "' is left out: " + reason.message());
+    const bool isStaged = reason == FileCopy::changedWhileRead();
+    _messages.add("'" + item.native() + (isStaged ? "' " : "' is left out: ") + reason.message());
     _result.leftOut.add({.name = item, .reason = reason.message()});
 }
 

@@ -477,7 +477,7 @@ TEST_F(Program, anOlderArchiveStandsUntilANewOneTakesItsPlace)
                 {"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"});
             const RunResult staging = run(unstaged, options());
             EXPECT_EQ(staging.status, 1);
-            EXPECT_NE(staging.err.find("the disk for temporary files is full"), std::string::npos)
+            EXPECT_NE(staging.err.find("the disk of that folder is full"), std::string::npos)
                 << staging.err;
             EXPECT_EQ(identityOf(name), older);
         }
