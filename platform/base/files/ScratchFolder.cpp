@@ -19,9 +19,6 @@ namespace fs = std::filesystem;
 namespace
 {
 
-const std::string prefix = std::string(ScratchName::prefix) + "-";
-const std::string hiddenPrefix = "." + prefix;
-
 constexpr std::string_view randomLetters = "XXXXXX";
 
 FileDescriptor openFolder(const fs::path& path)
@@ -79,12 +76,12 @@ void removeStale(const fs::path& parent, bool (*isOne)(std::string_view name))
 
 ScratchFolder::ScratchFolder()
 {
-    _make(SearchPaths::temporaryDirectory(), prefix, ScratchName::isTemporary);
+    _make(SearchPaths::temporaryDirectory(), "", ScratchName::isTemporary);
 }
 
 ScratchFolder::ScratchFolder(const fs::path& inFolder)
 {
-    _make(inFolder, hiddenPrefix, ScratchName::isPrivate);
+    _make(inFolder, ".", ScratchName::isPrivate);
 }
 
 void ScratchFolder::_make(
@@ -95,7 +92,9 @@ void ScratchFolder::_make(
     // Between the making and the locking another process may take the folder for a stale one and
     // remove it: then a new one is made. Where nothing can be locked, nothing is removed either.
     do {
-        std::string name = parent / (beginning + std::to_string(::getpid()) + "-");
+        std::string name = parent / beginning;
+        name += ScratchName::prefix;
+        name += "-" + std::to_string(::getpid()) + "-";
         name += randomLetters;
         const bool made = ::mkdtemp(name.data()) != nullptr;
         _lock = made ? openFolder(name) : FileDescriptor();
