@@ -67,7 +67,7 @@ void ToolMessages::_endLine()
         line.erase(0, _tool.size() + 2); // it is put before every line
     std::ranges::replace_if(line, isControl, '?');
     if (line.starts_with(warning))
-        _warnings.add(warningIn(std::string_view(line).substr(warning.size())));
+        _warnings.add(warningIn(line.substr(warning.size())));
     _lastWord = line;
     if (_words.size() < mostLines)
         _words.push_back(std::move(line));

@@ -68,7 +68,7 @@ public:
     void run(const Read& read, const MakeWork& makeWork, const Write& write)
     {
         {
-            Crew crew(*this, makeWork, write);
+            Crew<MakeWork, Write> crew(*this, makeWork, write);
             Feed feed(*this, [&] {
                 crew.grow();
                 crew.doTheRest();

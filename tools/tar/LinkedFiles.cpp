@@ -45,8 +45,7 @@ LinkedFiles::LinkedFiles(
          (again = std::adjacent_find(again, found.folders.end())) != found.folders.end(); ++again)
         _identities.push_back(*again);
     std::ranges::sort(_identities);
-    const auto repeated = std::ranges::unique(_identities);
-    _identities.erase(repeated.begin(), repeated.end());
+    _identities.erase(std::unique(_identities.begin(), _identities.end()), _identities.end());
     _identities.shrink_to_fit();
 }
 
