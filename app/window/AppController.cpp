@@ -39,7 +39,7 @@ namespace
 
 constexpr auto title = QLatin1String("Parcelo");
 constexpr auto titleTime = 5s;
-constexpr auto interruptInterval = 50ms;
+constexpr std::chrono::duration<double> interruptInterval = 50ms;
 constexpr auto updaterSwitch = QLatin1String("SUCheckAtStartup");
 
 // The feed for a system: the first row that the version reaches.
@@ -169,7 +169,7 @@ void AppController::_terminateWhenIdle()
     if (_job) {
         _job->abandon();
         if (_worker.wait_for(0s) != std::future_status::ready) {
-            QTimer::singleShot(interruptInterval, this, [this] { _terminateWhenIdle(); });
+            _afterDelay(interruptInterval.count(), [this] { _terminateWhenIdle(); });
             return;
         }
     }

@@ -135,12 +135,19 @@ public:
 
     // --- Files besides a drop (AppControllerFiles.cpp) ---
 
-    // A document opened through the program's icon or named on the command line. All that arrive
-    // within 0.05 s become one archive.
+    // Opened through the program's icon, named on the command line or handed over by another
+    // start. While a request is under way they wait, and are then proposed, each as its own.
+    struct Documents {
+        std::vector<Path> files = {};
+        bool forEmail = false; // whatever the destination menu says
+    };
+    void openDocuments(Documents documents);
+
+    // One of them. All that arrive within 0.05 s become one archive.
     bool applicationOpenFile(const Path& path);
 
-    // Tells that documents to be opened are not there.
-    void couldNotOpen(const std::vector<Path>& missing);
+    // Tells that documents to be opened are not there, or no files of this computer.
+    void couldNotOpen(const QStringList& names);
 
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
@@ -238,6 +245,8 @@ private:
     bool _mayLeaveMessages();
     bool _keepMailedArchives(const Path& inFolder);
     void _followSettings();
+    void _openNext();
+    void _endRequest();
     void _tellWhatIsLeftOut();
     void _setAcceptsFiles(bool flag);
     ArchiveJob::Events _events();
@@ -261,6 +270,9 @@ private:
     bool _shouldAutoQuit = false; // quit when the archive is done; settled at launch
     bool _hasMailed = false; // an archive of this process: quitting would take it away
     bool _isTerminating = false;
+    std::deque<Documents> _waiting; // for the end of the request under way
+    bool _isUnderWay = false; // a request, from its question for a name
+    bool _opensForEmail = false; // the documents opened last
     bool _mailsArchive = false; // the request under way, whatever the menu says by now
     QString _filename; // of the archive being asked for
 

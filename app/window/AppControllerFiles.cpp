@@ -3,7 +3,7 @@
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
 #include "platform/desktop/panels/OpenPanel.h"
-#include "platform/desktop/services/PathText.h"
+#include "platform/desktop/panels/Sheets.h"
 #include "shared/Library/Extras/QKWindow.h"
 
 #include <QApplication>
@@ -21,6 +21,37 @@ constexpr double windowDelay = 0.5;
 
 } // namespace
 
+void AppController::openDocuments(Documents documents)
+{
+    _waiting.push_back(std::move(documents));
+    _openNext();
+}
+
+// Not into what is being asked for or made: that would be added to it, or go with it.
+void AppController::_openNext()
+{
+    if (_waiting.empty() || _isUnderWay)
+        return;
+    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
+        Sheets::whenNoneIsUp(_interface.mainWindow, this, [this] { _openNext(); });
+        return;
+    }
+    const Documents documents = std::move(_waiting.front());
+    _waiting.pop_front();
+    _opensForEmail = documents.forEmail;
+    for (const Path& file : documents.files)
+        applicationOpenFile(file);
+}
+
+// What waits is opened when the sheets of this request have had their time.
+void AppController::_endRequest()
+{
+    _isUnderWay = false;
+    _opensForEmail = false;
+    if (!_waiting.empty())
+        _afterDelay(windowDelay, [this] { _openNext(); });
+}
+
 bool AppController::applicationOpenFile(const Path& path)
 {
     if (_interface.saveDropView->files().empty())
@@ -30,11 +61,8 @@ bool AppController::applicationOpenFile(const Path& path)
     return true;
 }
 
-void AppController::couldNotOpen(const std::vector<Path>& missing)
+void AppController::couldNotOpen(const QStringList& names)
 {
-    QStringList names;
-    for (const Path& path : missing)
-        names.append(PathText::textOf(path));
     _afterDelay(windowDelay, [this, names] {
         _tell({.title = tr("There are no such files"),
             .text = tr("These cannot be archived:\n%1").arg(_listed(names))});

@@ -41,17 +41,20 @@ void AppController::startProcessing(QObject* /*sender*/)
 {
     if (_isTerminating)
         return;
+    _isUnderWay = true;
     _tellWhatIsLeftOut();
     const bool keepsExtension = UserDefaults::standardUserDefaults().boolForKey(
         QStringLiteral("KeepExtensionForDefaultName"));
     const QString name = QString::fromStdString(
         proposedName(_interface.saveDropView->files(), keepsExtension, ".zip"));
-    if (selectedDestination() != DestinationTagEmail) {
+    if (selectedDestination() != DestinationTagEmail && !_opensForEmail) {
         runSavePanelSheet(name);
         return;
     }
-    if (runEmailSheet(name) < 1)
+    if (runEmailSheet(name) < 1) {
+        _endRequest();
         return; // what was dropped stays in the box
+    }
     const Path archive = tmpFolder().native() + "/" + _filename.toStdString() + ".zip";
     (void)FileTree::remove(archive);
     _mailsArchive = true;
@@ -67,10 +70,12 @@ void AppController::runSavePanelSheet(const std::optional<QString>& proposedName
         panel.setDirectoryURL(*folder);
     panel.beginSheetModalForWindow(_interface.mainWindow, [this](int answer, const Path& path) {
         _mailsArchive = false;
-        if (answer == SavePanel::answerOK)
+        if (answer == SavePanel::answerOK) {
             archiveToPath(path);
-        else
-            _interface.saveDropView->clearFiles();
+            return;
+        }
+        _interface.saveDropView->clearFiles();
+        _endRequest();
     });
 }
 
@@ -124,6 +129,7 @@ void AppController::archiveToPath(const Path& path)
         _job.reset();
         _fail({.kind = ArchiveProblem::Kind::noWorkingFolder, .path = tmpdirString()});
         _interface.saveDropView->clearFiles();
+        _endRequest();
     }
 }
 
@@ -159,6 +165,7 @@ void AppController::_work()
         _job.reset();
         _setAcceptsFiles(true);
         _tellNext();
+        _endRequest();
     });
 }
 

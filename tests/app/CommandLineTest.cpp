@@ -25,6 +25,9 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
     const Case cases[] = {
         {{}, Request::window, ""},
         {{"--to", "d", "--version"}, Request::version, ""},
+        {{"--email", "--", "a"}, Request::window, ""},
+        {{"--email", "--to=d", "a"}, Request::wrongUsage,
+            "the option --email goes with files alone"},
         {{"--quiet", "a"}, Request::wrongUsage, "there is no --to FOLDER"},
         {{"--to", "d"}, Request::wrongUsage, "there is no FILE"},
         {{"--to"}, Request::wrongUsage, "the option --to needs a value"},

@@ -324,7 +324,7 @@ TEST_F(Request, tellsWhatIsLeftOutAndWhatTheDesktopCouldNotDo)
     nextIs("Not everything can be archived", "sftp://host/far\nfile://other/file");
     drop({source / "one.txt"}); // nothing is told again
     endSheet("savePanel");
-    controller().couldNotOpen(std::vector<Path>(11, "/no/such"));
+    controller().couldNotOpen(QStringList(11, "/no/such"));
     nextIs("There are no such files", "/no/such\n… and 1 more");
 
     const Path archive = source / "one.txt";
