@@ -145,8 +145,6 @@ TEST_F(ArchiverTest, takesNamesAndCountsFromChunks)
 
 TEST_F(ArchiverTest, aToolThatCannotBeLaunchedLeavesNothing)
 {
-    plan(R"(printf x >>"$4"; rm -rf "$TMPDIR/b")"); // the folder of the second item
-    EXPECT_THROW(archiver->archiveFiles(job(ArchiveTypePlainZip)), LaunchFailure);
     Bundle::setMain(Bundle("/none"));
     EXPECT_THROW(archiver->archiveFiles(job(ArchiveTypeTarGz)), LaunchFailure);
     EXPECT_EQ(Archiver::missingTool(ArchiveTypeMacZip), "/usr/bin/ditto");

@@ -2,16 +2,11 @@
 #pragma once
 
 #include "system/FileDescriptor.h"
+#include "tests/support/Test.h"
 
 #include <atomic>
-#include <cstddef>
-#include <functional>
 #include <future>
-#include <map>
-#include <thread>
-#include <vector>
 
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <poll.h>

@@ -5,13 +5,8 @@
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/ScratchFolder.h"
 #include "tests/engine/FailingCalls.h"
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/TestFolder.h"
 #include "tests/support/TreeSnapshot.h"
 
-#include <thread>
-
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 

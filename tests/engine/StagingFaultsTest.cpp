@@ -5,9 +5,6 @@
 #include "platform/base/files/ScratchFolder.h"
 #include "tests/engine/EngineTest.h"
 #include "tests/engine/FailingCalls.h"
-#include "tests/support/Tools.h"
-
-#include <algorithm>
 
 #include <sys/xattr.h>
 
@@ -19,11 +16,6 @@ const std::vector<unsigned> calls{SYS_openat, SYS_open, SYS_mkdir, SYS_mkdirat, 
     SYS_write, SYS_close, SYS_fsync, SYS_fdatasync, SYS_rename, SYS_renameat, SYS_renameat2,
     SYS_unlink, SYS_unlinkat, SYS_rmdir, SYS_getdents64, SYS_newfstatat, SYS_fstat, SYS_statx,
     SYS_flock, SYS_fcntl, SYS_fchmod, SYS_utimensat, SYS_flistxattr, SYS_fgetxattr, SYS_fsetxattr};
-
-bool has(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
 
 class StagingFaults : public EngineTest
 {
@@ -46,7 +38,8 @@ protected:
     // Whether a message is about the item or a folder that it is in.
     bool isTold(const Lines& messages, std::string item) const
     {
-        const auto names = [&](const std::string& line) { return has(line, "'" + item + "'"); };
+        const auto names
+            = [&](const std::string& line) { return contains(line, "'" + item + "'"); };
         for (item = folder.path().native() + item; item.size() > folder.path().native().size();
              item.resize(item.rfind('/')))
             if (std::ranges::any_of(messages, names))
@@ -96,7 +89,7 @@ protected:
         if (result.isMade && *result.archive != archive())
             fs::remove(*result.archive);
         for (const auto& [line, item] : contents)
-            EXPECT_TRUE(!result.isMade || has(made, line)
+            EXPECT_TRUE(!result.isMade || contains(made, line)
                 || (!result.isWhole && isTold(result.messages, item)))
                 << item << " is lost: " << testing::PrintToString(result.messages);
         return count;
