@@ -2,9 +2,6 @@
 
 #include "platform/base/bundle/PropertyList.h"
 #include "tests/engine/EngineTest.h"
-#include "tests/support/Run.h"
-
-#include <algorithm>
 
 using PropertyList::Array;
 using PropertyList::Dictionary;

@@ -5,13 +5,8 @@
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/ScratchFolder.h"
 #include "tests/engine/FailingCalls.h"
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/TestFolder.h"
 #include "tests/support/TreeSnapshot.h"
 
-#include <thread>
-
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -24,20 +19,14 @@ TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
     // How a rename that must not overwrite fails, and a hard link.
     const std::pair<int, int> cases[] = {{0, 0}, {EINVAL, 0}, {ENOSYS, EMLINK}, {EINVAL, EPERM},
         {EOPNOTSUPP, EOPNOTSUPP}, {EPERM, EACCES}};
-    for (const std::pair<int, int>& failures : cases)
-        inThread([&] {
-            SCOPED_TRACE(testing::PrintToString(failures));
+    for (const auto& [toRename, toLink] : cases)
+        letFail({{SYS_renameat2, toRename}, {SYS_linkat, toLink}}, [&] {
             const TestFolder folder;
             writeFile(folder / "new", "new");
             writeFile(folder / "taken", "taken");
-            if (failures.first != 0)
-                letFail(SYS_renameat2, failures.first);
-            if (failures.second != 0)
-                letFail(SYS_linkat, failures.second);
             EXPECT_EQ(FileMove::moveItem(folder / "new", folder / "taken"), std::errc::file_exists);
             EXPECT_FALSE(FileMove::moveItem(folder / "new", folder / "moved"));
-            EXPECT_EQ(readFile(folder / "taken"), "taken");
-            EXPECT_EQ(readFile(folder / "moved"), "new");
+            EXPECT_EQ(readFile(folder / "taken") + readFile(folder / "moved"), "takennew");
             EXPECT_EQ(namesIn(folder.path()), (Names{"moved", "taken"}));
         });
 
@@ -72,36 +61,26 @@ TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
     std::stop_source stopping;
     stopping.request_stop();
     EXPECT_EQ(FileMove::moveItem(from, to, stopping.get_token()), std::errc::operation_canceled);
-    // The source is opened before the copy, and can be flushed.
-    const unsigned copy = static_cast<unsigned>(FileDescriptor(dup(STDERR_FILENO)).number()) + 1;
-    inThread([&] {
-        letFail(SYS_copy_file_range, EXDEV); // an older kernel
-        letFail(SYS_write, ENOSPC, copy);
-        EXPECT_EQ(FileMove::moveItem(from, to), std::errc::no_space_on_device);
-    });
-    inThread([&] {
-        letFail(SYS_fsync, EIO, copy);
-        EXPECT_EQ(FileMove::moveItem(from, to), std::errc::io_error);
-        letFail(SYS_fsync, EIO);
-        EXPECT_EQ(FileMove::moveItem(from, folder / "near"), std::errc::io_error);
-    });
+    // In an older kernel, too.
+    letFail({{SYS_copy_file_range, EXDEV}, {SYS_write, ENOSPC}},
+        [&] { EXPECT_EQ(FileMove::moveItem(from, to), std::errc::no_space_on_device); });
+    for (int left : {0, 1}) { // of the item, of its copy
+        const auto ask = [&](unsigned) { return left-- == 0 ? EIO : 0; };
+        askBefore({SYS_fsync}, ask,
+            [&] { EXPECT_EQ(FileMove::moveItem(from, to), std::errc::io_error); });
+    }
     EXPECT_EQ(namesIn(other.path()), Names{"taken"});
     EXPECT_EQ(differences(before, snapshot(folder.path())), Names{});
 
     writeFile(other / ".item.part-abcdef", "of a process that was killed");
-    inThread([&] {
-        letFail(SYS_copy_file_range, EXDEV);
-        EXPECT_FALSE(FileMove::moveItem(from, to));
-    });
+    letFail({{SYS_copy_file_range, EXDEV}}, [&] { EXPECT_FALSE(FileMove::moveItem(from, to)); });
     EXPECT_EQ(readFile(other / "taken"), "taken");
     fs::remove(other / "taken");
     EXPECT_EQ(differences(before, snapshot(other.path())), Names{});
     EXPECT_TRUE(fs::is_empty(folder.path()));
-    inThread([&] { // back, to one without permissions and times
-        letFail(SYS_fchmod, EPERM);
-        letFail(SYS_utimensat, EIO);
-        EXPECT_FALSE(FileMove::moveItem(to, from));
-    });
+    // Back, to one without permissions and times.
+    letFail({{SYS_fchmod, EPERM}, {SYS_utimensat, EIO}},
+        [&] { EXPECT_FALSE(FileMove::moveItem(to, from)); });
 }
 
 TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
@@ -129,9 +108,7 @@ TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
     fs::remove(from / "pipe");
     EXPECT_EQ(differences(snapshot(from), snapshot(to)), Names{});
     for (const bool canLink : {false, true})
-        inThread([&] {
-            if (!canLink)
-                letFail(SYS_linkat, EPERM);
+        letFail({{SYS_linkat, canLink ? 0 : EPERM}}, [&] {
             EXPECT_FALSE(FileCopy::copyItem(from, folder / "linked", {.linking = true}));
             EXPECT_EQ(differences(snapshot(from), snapshot(folder / "linked")), Names{});
             EXPECT_EQ(fs::hard_link_count(from / "sub/\xff"), canLink ? 2U : 1U);
@@ -157,31 +134,27 @@ TEST(FileCopy, tellsOfAFileThatIsNotAsItWas)
         = [](int reason) { return std::error_code(reason, std::generic_category()); };
     // An attribute of the file, what happens to it before the first call of a kind, how that call
     // fails, what is told, and whether there is a copy.
-    const char* const none = nullptr;
-    const char* const ofUser = "user.k";
-    const char* const ofSystem = "system.posix_acl_access";
-    const std::tuple<const char*, const char*, unsigned, int, std::error_code, bool> cases[] = {
-        {none, "printf more >>file", SYS_copy_file_range, 0, changed, true},
-        {none, ": >file", SYS_copy_file_range, 0, changed, true},
-        {none, "printf C 1<>file", SYS_copy_file_range, 0, changed, true},
-        {none, "ln file another", SYS_copy_file_range, 0, {}, true},
-        {none, ":", SYS_read, EIO, because(EIO), false},
-        {none, ":", SYS_close, EDQUOT, because(EDQUOT), false}, // some tell only now of a quota
-        {none, ":", SYS_fchmod, EPERM, {}, true}, // not every file system has what these set
-        {none, ":", SYS_utimensat, EOPNOTSUPP, {}, true},
-        {none, ":", SYS_utimensat, EIO, because(EIO), true},
-        {ofUser, ":", SYS_fsetxattr, ENOSPC, because(ENOSPC), true},
-        {ofSystem, ":", SYS_fsetxattr, EOPNOTSUPP, {}, true},
+    const std::tuple<std::string, const char*, unsigned, int, std::error_code, bool> cases[] = {
+        {"", "printf more >>file", SYS_copy_file_range, 0, changed, true},
+        {"", ": >file", SYS_copy_file_range, 0, changed, true},
+        {"", "printf C 1<>file", SYS_copy_file_range, 0, changed, true},
+        {"", "ln file another", SYS_copy_file_range, 0, {}, true},
+        {"", ":", SYS_close, EDQUOT, because(EDQUOT), false}, // some tell only now of a quota
+        {"", ":", SYS_fchmod, EPERM, {}, true}, // not every file system has what these set
+        {"", ":", SYS_utimensat, EOPNOTSUPP, {}, true},
+        {"", ":", SYS_utimensat, EIO, because(EIO), true},
+        {"user.k", ":", SYS_fsetxattr, ENOSPC, because(ENOSPC), true},
+        {"system.posix_acl_access", ":", SYS_fsetxattr, EOPNOTSUPP, {}, true},
     };
-    constexpr unsigned char list[] = {2, 0, 0, 0, 1, 0, 6, 0, 255, 255, 255, 255, 2, 0, 4, 0, 1, 0,
-        0, 0, 4, 0, 4, 0, 255, 255, 255, 255, 16, 0, 4, 0, 255, 255, 255, 255, 32, 0, 4, 0, 255,
-        255, 255, 255}; // an access control list that names a user
+    // An access control list that names a user: entries of tag, permissions and number.
+    constexpr std::uint16_t list[] = {2, 0, 1, 6, 0xffff, 0xffff, 2, 4, 1, 0, 4, 4, 0xffff, 0xffff,
+        16, 4, 0xffff, 0xffff, 32, 4, 0xffff, 0xffff};
     for (const auto& [attribute, meanwhile, call, reason, told, isThere] : cases) {
         SCOPED_TRACE(testing::Message() << meanwhile << call << strerror(reason));
         const TestFolder folder;
         writeFile(folder / "file", "content");
-        if (attribute != none
-            && setxattr((folder / "file").c_str(), attribute, list, sizeof list, 0) != 0)
+        if (!attribute.empty()
+            && setxattr((folder / "file").c_str(), attribute.c_str(), list, sizeof list, 0) != 0)
             continue; // not on every file system
         bool hasCome = false;
         const auto ask = [&, &script = meanwhile, &error = reason](unsigned) {
