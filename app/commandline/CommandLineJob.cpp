@@ -5,9 +5,11 @@
 #include "platform/base/files/ScratchFolder.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
+#include "system/LastError.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <iostream>
 #include <thread>
@@ -53,8 +55,8 @@ int CommandLineJob::run()
 {
     if (!_resolveFiles() || !_chooseArchive())
         return exitFailed;
-    if (_line.passwordFromInput)
-        _readPassword();
+    if (_line.passwordFromInput && !_readPassword())
+        return exitFailed;
     if (!_interrupted.stop_requested()) {
         const ScratchFolder workingFolder;
         _makeArchive(workingFolder.path());
@@ -90,8 +92,9 @@ bool CommandLineJob::_chooseArchive()
     return true;
 }
 
-// A byte at a time: what comes after the line is not ours. A signal ends the wait for it.
-void CommandLineJob::_readPassword()
+// A byte at a time: what comes after the line is not ours. A signal ends the wait for it. False
+// when it cannot be read, which is told: no password would be the wrong one.
+bool CommandLineJob::_readPassword()
 {
     _password.emplace();
     std::array<pollfd, 2> watched{pollfd{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
@@ -101,11 +104,17 @@ void CommandLineJob::_readPassword()
             continue; // the signal that is to be read next
         if (watched[1].revents != 0 && _signals.take()) {
             _interrupted.request_stop();
-            return;
+            return true;
         }
-        if (::read(STDIN_FILENO, &byte, 1) != 1 || byte == '\n')
-            return;
-        *_password += byte;
+        if (watched[0].revents == 0)
+            continue;
+        const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+        if (count < 0 && errno != EINTR && errno != EAGAIN)
+            return complain("cannot read the password: " + lastError().message());
+        if (count == 0 || (count == 1 && byte == '\n'))
+            return true;
+        if (count == 1)
+            *_password += byte;
     }
 }
 

@@ -29,7 +29,7 @@ private:
 
     bool _resolveFiles();
     bool _chooseArchive();
-    void _readPassword();
+    [[nodiscard]] bool _readPassword();
     [[nodiscard]] ArchiveJob::Request _request() const;
     [[nodiscard]] ArchiveJob::Events _events();
     void _makeArchive(const Path& workingFolder);
