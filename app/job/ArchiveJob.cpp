@@ -147,7 +147,8 @@ std::optional<ArchiveProblem> ArchiveJob::_obstacleOf(const Path& item) const
         return _problem(unreadable, item, lastError().message());
     if (areSame(item, _request.archive))
         return _problem(replacesItem, item);
-    if (_request.type == ArchiveTypePlainZip)
+    const bool isLinkToKeep = _request.type == ArchiveTypeMacZip && S_ISLNK(status.st_mode);
+    if (_request.type == ArchiveTypePlainZip || isLinkToKeep)
         return std::nullopt;
     // All else is staged as links, and what they do not lead to is passed over.
     std::error_code missing;
@@ -353,7 +354,8 @@ void ArchiveJob::_noteLeftOut(const Path& item, std::error_code reason)
 {
     // No fault of the item's, and no reason to give up an older archive.
     _hasNoRoomToStage = _hasNoRoomToStage || isOfFullDisk(reason);
-    const bool isStaged = reason == FileCopy::changedWhileRead();
+    const bool isStaged
+        = reason == FileCopy::changedWhileRead() || reason == FileCopy::attributesLost();
     _messages.add("'" + item.native() + (isStaged ? "' " : "' is left out: ") + reason.message());
     _result.leftOut.add({.name = item, .reason = reason.message()});
 }

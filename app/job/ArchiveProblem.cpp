@@ -73,6 +73,7 @@ const std::map<Kind, Words> table{
     QT_TRANSLATE_NOOP("ArchiveProblem", "is a socket"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "is a device"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "changed while it was read"),
+    QT_TRANSLATE_NOOP("ArchiveProblem", "is stored without some of its attributes"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "shrank while it was read"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "grew while it was read; stored up to its earlier size"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "was moved while it was read"),

@@ -155,6 +155,7 @@ void AppController::terminateNow()
 {
     if (std::exchange(_isTerminating, true))
         return;
+    Q_EMIT terminating();
     if (_job) {
         // Windows that no longer answer would look like a hang.
         _interface.progressWindow->hide();

@@ -218,6 +218,7 @@ public:
     [[nodiscard]] static std::int32_t randomProductId(double secondsSinceReferenceDate);
 
 Q_SIGNALS:
+    void terminating(); // nothing more is begun
     void terminated(); // the program may end now
     void filenameChanged();
     void previewTextChanged();

@@ -120,7 +120,14 @@ bool AppController::_mayLeaveMessages()
 bool AppController::_keepMailedArchives(const Path& inFolder)
 {
     std::error_code failure;
-    for (const auto& archive : std::filesystem::directory_iterator(tmpFolder(), failure)) {
+    const std::filesystem::directory_iterator archives(tmpFolder(), failure);
+    if (failure) {
+        _fail({.kind = ArchiveProblem::Kind::other, .reason = failure.message()});
+        return false;
+    }
+    for (const auto& archive : archives) {
+        if (!archive.is_regular_file(failure))
+            continue; // the folder of a job
         const auto take = [&](const std::string& name) {
             failure = FileMove::moveItem(archive, inFolder / name);
             return failure == std::errc::file_exists;
@@ -247,7 +254,7 @@ void AppController::_quitWhenNothingIsTold()
 {
     if (_hasMailed)
         return;
-    if (!_untold.empty() || QApplication::activeModalWidget()
+    if (_isUnderWay || !_waiting.empty() || !_untold.empty() || QApplication::activeModalWidget()
         || Workspace::sharedWorkspace().isRevealing())
         _quitLater();
     else

@@ -38,7 +38,11 @@ void AppController::_openNext()
     }
     const Documents documents = std::move(_waiting.front());
     _waiting.pop_front();
-    _opensForEmail = documents.forEmail;
+    // What is left of a request that was given up takes them in, and is not proposed anew.
+    if (_interface.saveDropView->files().empty()) {
+        _isUnderWay = true;
+        _opensForEmail = documents.forEmail;
+    }
     for (const Path& file : documents.files)
         applicationOpenFile(file);
 }

@@ -178,6 +178,8 @@ int WindowedProgram::run(char* programName, const Start& start)
     AppController controller;
     MainInterface interface(controller);
     QKUtility::setTerminator([&controller] { controller.terminate(nullptr); });
+    QObject::connect(
+        &controller, &AppController::terminating, &service, [&service] { service.leave(); });
     // quit() would ask the windows first, and the progress sheet does not close.
     QObject::connect(&controller, &AppController::terminated, &application,
         [] { QCoreApplication::exit(EXIT_SUCCESS); });

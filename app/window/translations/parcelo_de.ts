@@ -446,6 +446,10 @@ Vielen Dank!</translation>
         <translation>wurde beim Lesen verändert</translation>
     </message>
     <message>
+        <source>is stored without some of its attributes</source>
+        <translation>ist ohne manche seiner Attribute gespeichert</translation>
+    </message>
+    <message>
         <source>shrank while it was read</source>
         <translation>wurde beim Lesen kürzer</translation>
     </message>

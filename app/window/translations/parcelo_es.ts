@@ -446,6 +446,10 @@ Thank you!</source>
         <translation>cambió mientras se leía</translation>
     </message>
     <message>
+        <source>is stored without some of its attributes</source>
+        <translation>se guarda sin algunos de sus atributos</translation>
+    </message>
+    <message>
         <source>shrank while it was read</source>
         <translation>se redujo mientras se leía</translation>
     </message>

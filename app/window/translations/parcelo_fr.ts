@@ -446,6 +446,10 @@ Merci !</translation>
         <translation>a changé pendant la lecture</translation>
     </message>
     <message>
+        <source>is stored without some of its attributes</source>
+        <translation>est enregistré sans certains de ses attributs</translation>
+    </message>
+    <message>
         <source>shrank while it was read</source>
         <translation>a raccourci pendant la lecture</translation>
     </message>

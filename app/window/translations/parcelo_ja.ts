@@ -446,6 +446,10 @@ Thank you!</source>
         <translation>読み取り中に変更されました</translation>
     </message>
     <message>
+        <source>is stored without some of its attributes</source>
+        <translation>一部の属性なしで保存されました</translation>
+    </message>
+    <message>
         <source>shrank while it was read</source>
         <translation>読み取り中に短くなりました</translation>
     </message>

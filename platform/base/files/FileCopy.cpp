@@ -29,15 +29,25 @@ using TreeWalk::Names;
 constexpr std::size_t bufferSize = 262144; // large enough that the calls cost nothing
 constexpr std::size_t kernelCopySize = 16777216; // small enough to stop soon on a slow disk
 
-class ChangeCategory : public std::error_category
+constexpr int changedValue = 1;
+constexpr int attributesValue = 2;
+
+class CopyCategory : public std::error_category
 {
 public:
     [[nodiscard]] const char* name() const noexcept override { return "copy"; }
-    [[nodiscard]] std::string message(int /*value*/) const override
+    [[nodiscard]] std::string message(int value) const override
     {
-        return "changed while it was read";
+        return value == changedValue ? "changed while it was read"
+                                     : "is stored without some of its attributes";
     }
 };
+
+const std::error_category& copyCategory()
+{
+    static const CopyCategory category;
+    return category;
+}
 
 // A name and the open folder that it is in, as the ...at calls take them.
 struct Place {
@@ -67,8 +77,10 @@ std::error_code copyFile(const Place& from, const Place& to, const std::stop_tok
         ::unlinkat(to.folder, to.name.c_str(), 0);
         return failure;
     }
-    failure = FileAttributes::copy(source.number(), target.number());
-    return !failure && hasChanged(before, after) ? FileCopy::changedWhileRead() : failure;
+    const bool isLost = static_cast<bool>(FileAttributes::copy(source.number(), target.number()));
+    if (hasChanged(before, after))
+        return FileCopy::changedWhileRead();
+    return isLost ? FileCopy::attributesLost() : std::error_code();
 }
 
 std::error_code copyLink(const Place& from, const Place& to)
@@ -211,8 +223,8 @@ void ItemCopy::_leave(const Cursor& from)
 {
     if (_target.depth() != from.depth())
         return;
-    if (const auto failure = FileAttributes::copy(from.folder(), _target.folder()))
-        _note(from.path(), failure);
+    if (FileAttributes::copy(from.folder(), _target.folder()))
+        _note(from.path(), FileCopy::attributesLost());
     if (const auto failure = _target.leave())
         _note(from.path(), failure);
 }
@@ -248,8 +260,12 @@ std::error_code FileCopy::copyContents(int from, int to, const std::stop_token& 
 
 std::error_code FileCopy::changedWhileRead()
 {
-    static const ChangeCategory category;
-    return {1, category};
+    return {changedValue, copyCategory()};
+}
+
+std::error_code FileCopy::attributesLost()
+{
+    return {attributesValue, copyCategory()};
 }
 
 std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to, const Options& options)

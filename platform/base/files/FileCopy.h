@@ -15,6 +15,9 @@ namespace FileCopy
 // The reason given for a file that was written to meanwhile; its copy is what was read.
 [[nodiscard]] std::error_code changedWhileRead();
 
+// The reason given for a copy that is whole but for some of its attributes.
+[[nodiscard]] std::error_code attributesLost();
+
 struct Options {
     // A folder that is not copied if it lies in what is copied; nor are the copy itself and the
     // scratch folders of jobs that are under way.

@@ -141,7 +141,15 @@ bool ApplicationService::_takeName()
     bus.registerObject(_path, this, QDBusConnection::ExportAdaptors);
     const auto taken = bus.interface()->registerService(_name,
         QDBusConnectionInterface::DontQueueService, QDBusConnectionInterface::DontAllowReplacement);
-    return taken.isValid() && taken.value() == QDBusConnectionInterface::ServiceRegistered;
+    _hasName = taken.isValid() && taken.value() == QDBusConnectionInterface::ServiceRegistered;
+    return _hasName;
+}
+
+void ApplicationService::leave()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (std::exchange(_hasName, false) && bus.unregisterService(_name))
+        bus.unregisterObject(_path);
 }
 
 bool ApplicationService::_handOver(const Request& request) const

@@ -38,10 +38,14 @@ public:
     };
     [[nodiscard]] Role begin(const Request& request);
 
+    // Of a program that ends: what others ask for from now on starts another.
+    void leave();
+
 private:
     [[nodiscard]] bool _takeName();
     [[nodiscard]] bool _handOver(const Request& request) const;
 
     const QString _name;
     const QString _path;
+    bool _hasName = false;
 };

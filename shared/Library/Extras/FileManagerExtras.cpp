@@ -203,11 +203,13 @@ bool FileManagerExtras::copyPath(
         || (isFolder && isInside(destination, path)))
         return false;
     bool isOurs = true;
+    bool isCopied = true; // also where the place cannot hold all of the attributes
     const auto note = [&](const fs::path& item, std::error_code reason) {
         if (item == path && reason == std::errc::file_exists)
             isOurs = false; // somebody was quicker
+        isCopied = isCopied && reason == FileCopy::attributesLost();
     };
-    const bool isCopied = !FileCopy::copyItem(path, destination, {.onFailure = note});
+    (void)FileCopy::copyItem(path, destination, {.onFailure = note});
     if (!isCopied && isOurs)
         (void)FileTree::remove(destination, FileTree::Permissions::overridden); // half a copy
     return isCopied;
