@@ -7,7 +7,6 @@
 #include <csignal>
 #include <cstring>
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -27,12 +26,15 @@ int complainOfUsage(const std::string& problem)
 }
 
 // The window is a program of its own, so that this one needs none of its libraries.
-int becomeTheWindow(char* programName, const std::vector<std::filesystem::path>& files)
+int becomeTheWindow(char* programName, CommandLine line)
 {
     const auto window = Bundle::main().bundlePath() / "parcelo-window";
     std::string endOfOptions = "--";
-    std::vector<char*> arguments{programName, endOfOptions.data()};
-    for (const auto& file : files)
+    std::vector<char*> arguments{programName};
+    if (!line.windowOption.empty())
+        arguments.push_back(line.windowOption.data());
+    arguments.push_back(endOfOptions.data());
+    for (const auto& file : line.files)
         arguments.push_back(const_cast<char*>(file.c_str())); // which execv does not change
     arguments.push_back(nullptr);
     std::signal(SIGPIPE, SIG_DFL);
@@ -61,7 +63,7 @@ try {
         std::cout << "parcelo " PARCELO_VERSION "\n";
         return 0;
     case CommandLine::Request::window:
-        return becomeTheWindow(argv[0], line.files);
+        return becomeTheWindow(argv[0], line);
     case CommandLine::Request::wrongUsage:
         break;
     }

@@ -108,6 +108,8 @@ bool FileBytes::writeAllAt(int descriptor, std::uint64_t offset, std::span<const
 
 bool FileBytes::flush(int descriptor)
 {
-    FileDescriptor another(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
-    return another && another.close();
+    return retryOnInterrupt([&] {
+        FileDescriptor another(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+        return another && another.close() ? 0 : -1;
+    }) == 0;
 }

@@ -4,6 +4,8 @@
 #include "system/LastError.h"
 #include "system/Utf8.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 #include <fcntl.h>
@@ -11,6 +13,25 @@
 
 namespace
 {
+
+// How file systems tell that they do not know a call or cannot do it: each has its own way.
+bool isUnsupported(std::error_code failure)
+{
+    constexpr std::array reasons{EINVAL, ENOSYS, EOPNOTSUPP, EPERM, EMLINK, EACCES};
+    return std::ranges::count(reasons, failure.value()) > 0;
+}
+
+// A second link never replaces anything. Not both names are left, should the first one have to
+// stay.
+std::error_code renameByLink(int folder, const std::string& from, const std::string& to)
+{
+    if (const auto failure = errorOf(::linkat(folder, from.c_str(), folder, to.c_str(), 0)))
+        return failure;
+    const auto failure = errorOf(::unlinkat(folder, from.c_str(), 0));
+    if (failure)
+        ::unlinkat(folder, to.c_str(), 0);
+    return failure;
+}
 
 // For file systems without hard links (FAT): the name is taken by an empty file, which is then
 // replaced.
@@ -50,19 +71,12 @@ std::error_code FileName::rename(
     int folder, const std::string& from, const std::string& to, Existing existing)
 {
     if (existing == Existing::replace)
-        return errorOf(::renameat(folder, from.c_str(), folder, to.c_str()));
-    const auto renamed
-        = errorOf(::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE));
-    const bool knowsTheFlag
-        = renamed != std::errc::invalid_argument && renamed != std::errc::function_not_supported;
-    if (knowsTheFlag)
+        return errorOf(
+            retryOnInterrupt([&] { return ::renameat(folder, from.c_str(), folder, to.c_str()); }));
+    const auto renamed = errorOf(retryOnInterrupt(
+        [&] { return ::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE); }));
+    if (!isUnsupported(renamed))
         return renamed;
-    // A second link never replaces either.
-    const auto linked = errorOf(::linkat(folder, from.c_str(), folder, to.c_str(), 0));
-    const bool knowsLinks = linked != std::errc::operation_not_permitted
-        && linked != std::errc::function_not_supported
-        && linked != std::errc::operation_not_supported;
-    if (!knowsLinks)
-        return renameOverReservation(folder, from, to);
-    return linked ? linked : errorOf(::unlinkat(folder, from.c_str(), 0));
+    const auto linked = renameByLink(folder, from, to);
+    return isUnsupported(linked) ? renameOverReservation(folder, from, to) : linked;
 }

@@ -68,7 +68,8 @@ PartFile::~PartFile()
 FileDescriptor PartFile::_openFolder() const
 {
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-    return FileDescriptor(::openat(_folder, PathString::folderOf(_path).c_str(), flags));
+    const std::string path = PathString::folderOf(_path);
+    return FileDescriptor(retryOnInterrupt([&] { return ::openat(_folder, path.c_str(), flags); }));
 }
 
 std::string PartFile::_hiddenPrefix() const
@@ -109,16 +110,18 @@ void PartFile::_create(mode_t mode, Place place)
         if (place == Place::own)
             return;
         // Best effort: without locks nothing abandoned can be told from what is in use.
-        ::flock(_file.number(), LOCK_EX | LOCK_NB);
+        const auto unlocked
+            = errorOf(retryOnInterrupt([&] { return ::flock(_file.number(), LOCK_EX | LOCK_NB); }));
         FileStatus status{};
         if (::fstat(_file.number(), &status) != 0) {
             _failure = lastError();
             _file.close();
             return;
         }
-        if (status.st_nlink > 0)
+        if (status.st_nlink > 0 && unlocked != std::errc::operation_would_block)
             return;
-        // Another process took it for abandoned before it was locked.
+        // Another process took it for abandoned before it was locked, and removes it.
+        ::unlinkat(_folder, _hiddenPath.c_str(), 0);
     }
 }
 
@@ -157,10 +160,11 @@ std::error_code PartFile::commitDurably(Existing existing)
 {
     if (const auto failure = sync(_file.number()))
         return failure;
+    const FileDescriptor folder = _openFolder(); // this may throw
+    const std::error_code folderFailure = errorOf(folder.number());
     if (const auto failure = commit(existing))
         return failure;
     // The file has its name already, and "failed" would be the wrong word for it.
-    const FileDescriptor folder = _openFolder();
-    _nameFailure = folder ? sync(folder.number()) : lastError();
+    _nameFailure = folder ? sync(folder.number()) : folderFailure;
     return {};
 }

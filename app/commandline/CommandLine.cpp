@@ -30,6 +30,9 @@ Problem setLevel(CommandLine& line, const std::string& value)
     return {};
 }
 
+// What the window program takes, which see (app/window/WindowedProgram).
+constexpr std::array windowOptions{"--email", "--preferences", "--gapplication-service"};
+
 struct Option {
     std::string_view word;
     bool takesValue;
@@ -105,6 +108,8 @@ Problem takeArguments(CommandLine& line, const Arguments& arguments)
             line.files.emplace_back(*argument);
         else if (*argument == "--")
             optionsEnded = true;
+        else if (std::ranges::count(windowOptions, *argument) > 0)
+            line.windowOption = *argument;
         else if (Problem problem = takeOption(line, argument, arguments); !problem.empty())
             return problem;
     }
@@ -148,8 +153,13 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
     CommandLine line;
     line.problem = takeArguments(line, arguments);
     const bool hasEndOfOptions = std::ranges::find(arguments, "--") != arguments.end();
-    const bool onlyFiles = line.files.size() + (hasEndOfOptions ? 1 : 0) == arguments.size();
-    if (line.problem.empty() && line.request == Request::window && !onlyFiles) {
+    const bool hasWindowOption = !line.windowOption.empty();
+    const bool isForWindow
+        = line.files.size() + (hasEndOfOptions ? 1 : 0) + (hasWindowOption ? 1 : 0)
+        == arguments.size();
+    if (line.problem.empty() && hasWindowOption && !isForWindow)
+        line.problem = "the option " + line.windowOption + " goes with files alone";
+    if (line.problem.empty() && line.request == Request::window && !isForWindow) {
         line.request = Request::archive;
         line.problem = checkArchive(line);
     }
@@ -161,10 +171,13 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
 std::string CommandLine::usage()
 {
     return R"(Usage:
+  parcelo [--email] [--] [FILE...]
+  parcelo --preferences
   parcelo --to FOLDER [OPTION...] [--] FILE...
 
-Makes one archive of the files and folders and prints its path. An archive of the same name in
-FOLDER is replaced.
+The first opens the window, and proposes an archive of the files: for a new message with --email;
+the second shows its preferences. The third makes one archive of the files and folders and prints
+its path. An archive of the same name in FOLDER is replaced.
 
   --to FOLDER       where to put the archive
   --name NAME       its name without extension; otherwise that of the one FILE, or Untitled

@@ -18,6 +18,7 @@ struct CommandLine {
     std::string problem; // with wrongUsage: what is wrong
 
     std::vector<std::filesystem::path> files; // as given
+    std::string windowOption; // of the window alone, as given; empty for none
     std::optional<std::filesystem::path> toFolder;
     std::optional<std::string> name; // fit for a file name, without the type's extension
     int type = ArchiveTypePlainZip;

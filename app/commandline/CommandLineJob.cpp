@@ -3,20 +3,19 @@
 #include "app/job/DocumentPath.h"
 #include "app/job/ProposedName.h"
 #include "platform/base/files/ScratchFolder.h"
-#include "platform/base/seams/AlertPanel.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
-#include "system/FileStatus.h"
 #include "system/LastError.h"
-#include "system/PathString.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <iostream>
 #include <thread>
 #include <utility>
 
+#include <poll.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -44,15 +43,6 @@ bool complain(const fs::path& path, const std::error_code& reason)
     return complain("'" + path.native() + "': " + reason.message());
 }
 
-// Of links, they themselves and not what they lead to.
-bool areSame(const fs::path& one, const fs::path& other)
-{
-    FileStatus first{};
-    FileStatus second{};
-    return ::lstat(one.c_str(), &first) == 0 && ::lstat(other.c_str(), &second) == 0
-        && isSameFile(first, second);
-}
-
 } // namespace
 
 CommandLineJob::CommandLineJob(CommandLine line)
@@ -65,7 +55,9 @@ int CommandLineJob::run()
 {
     if (!_resolveFiles() || !_chooseArchive())
         return exitFailed;
-    {
+    if (_line.passwordFromInput && !_readPassword())
+        return exitFailed;
+    if (!_interrupted.stop_requested()) {
         const ScratchFolder workingFolder;
         _makeArchive(workingFolder.path());
     }
@@ -80,26 +72,11 @@ bool CommandLineJob::_resolveFiles()
         const fs::file_status status = fs::symlink_status(file, failure);
         if (!fs::exists(status))
             complete = complain(file, failure);
-        else if (PathString::lastPathComponent(file.native()) == "/")
-            complete = complain("'/' has no name to be archived under");
         else {
             _files.push_back(documentPath(file, failure));
             if (failure)
                 complete = complain(file, failure);
         }
-    }
-    return complete && (_line.type == ArchiveTypePlainZip || _canBeStaged());
-}
-
-// The engine stages items as links, and passes over what does not lead anywhere.
-bool CommandLineJob::_canBeStaged() const
-{
-    bool complete = true;
-    for (const Path& file : _files) {
-        std::error_code missing;
-        const fs::file_status target = fs::status(file, missing);
-        if (!fs::is_regular_file(target) && !fs::is_directory(target))
-            complete = complain("'" + file.native() + "' leads to no file or folder");
     }
     return complete;
 }
@@ -110,29 +87,45 @@ bool CommandLineJob::_chooseArchive()
     const Path folder = fs::canonical(*_line.toFolder, missing);
     if (missing)
         return complain(*_line.toFolder, missing);
-    if (!fs::is_directory(folder))
-        return complain(*_line.toFolder, std::make_error_code(std::errc::not_a_directory));
-    if (::access(folder.c_str(), W_OK | X_OK) != 0)
-        return complain(*_line.toFolder, lastError());
     _archive = folder
         / (_line.name.value_or(proposedName(_files, false, _line.extension())) + _line.extension());
-    if (fs::is_directory(fs::symlink_status(_archive, missing)))
-        return complain(_archive, std::make_error_code(std::errc::is_a_directory));
-    if (std::ranges::any_of(_files, [&](const Path& file) { return areSame(file, _archive); }))
-        return complain("'" + _archive.native() + "' would replace a file that is to be archived");
     return true;
+}
+
+// A byte at a time: what comes after the line is not ours. A signal ends the wait for it. False
+// when it cannot be read, which is told: no password would be the wrong one.
+bool CommandLineJob::_readPassword()
+{
+    _password.emplace();
+    std::array<pollfd, 2> watched{pollfd{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
+        pollfd{.fd = _signals.descriptor(), .events = POLLIN, .revents = 0}};
+    for (char byte = 0;;) {
+        if (::poll(watched.data(), watched.size(), -1) < 0)
+            continue; // the signal that is to be read next
+        if (watched[1].revents != 0 && _signals.take()) {
+            _interrupted.request_stop();
+            return true;
+        }
+        if (watched[0].revents == 0)
+            continue;
+        const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+        if (count < 0 && errno != EINTR && errno != EAGAIN)
+            return complain("cannot read the password: " + lastError().message());
+        if (count == 0 || (count == 1 && byte == '\n'))
+            return true;
+        if (count == 1)
+            *_password += byte;
+    }
 }
 
 ArchiveJob::Request CommandLineJob::_request() const
 {
-    ArchiveJob::Request request{.items = _files,
+    return {.items = _files,
         .archive = _archive,
         .type = _line.type,
         .compressionLevel = _line.level,
-        .excludeDSStore = _line.excludeDSStore};
-    if (_line.passwordFromInput)
-        std::getline(std::cin, request.password.emplace());
-    return request;
+        .excludeDSStore = _line.excludeDSStore,
+        .password = _password};
 }
 
 ArchiveJob::Events CommandLineJob::_events()
@@ -157,11 +150,6 @@ void CommandLineJob::_makeArchive(const Path& workingFolder)
     const auto archiver = Archiver::initWithWorkingDirectory(workingFolder);
     ArchiveJob job(*archiver, _request(), _events());
 
-    AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-        if (!_interrupted.stop_requested())
-            complain(alert.title + ": " + alert.message);
-        return int{AlertPanel::answerDefault};
-    });
     MainQueue::setSubmitter([this](std::chrono::nanoseconds delay, MainQueue::Block block) {
         _loop.submitAfter(delay, std::move(block));
     });
@@ -178,10 +166,7 @@ void CommandLineJob::_makeArchive(const Path& workingFolder)
     _loop.runUntil([this] { return _isEnded; });
     worker.join();
     _progress.clear();
-    if (!_interrupted.stop_requested() && !_result.isMade)
-        _loop.drain(); // an alert may be on its way and tells why
     MainQueue::setSubmitter({});
-    AlertPanel::setPresenter({});
 }
 
 void CommandLineJob::_abandonUntilEnded(ArchiveJob& job)
@@ -208,8 +193,9 @@ int CommandLineJob::_report() const
     }
     for (const std::string& line : _result.messages)
         complain(line);
-    if (!_result.reason.empty())
-        complain(_result.reason);
+    // What a tool said of itself is among the messages.
+    if (_result.problem && _result.problem->kind != ArchiveProblem::Kind::toolFailed)
+        complain(_result.problem->line());
     if (!_result.isMade) {
         complain("no archive was made");
         return exitFailed;

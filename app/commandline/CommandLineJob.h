@@ -10,7 +10,9 @@
 #include "platform/base/process/InterruptSignals.h"
 
 #include <filesystem>
+#include <optional>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 class CommandLineJob
@@ -26,8 +28,8 @@ private:
     using Path = std::filesystem::path;
 
     bool _resolveFiles();
-    [[nodiscard]] bool _canBeStaged() const;
     bool _chooseArchive();
+    [[nodiscard]] bool _readPassword();
     [[nodiscard]] ArchiveJob::Request _request() const;
     [[nodiscard]] ArchiveJob::Events _events();
     void _makeArchive(const Path& workingFolder);
@@ -38,6 +40,7 @@ private:
     const CommandLine _line;
     std::vector<Path> _files; // absolute
     Path _archive;
+    std::optional<std::string> _password;
     ArchiveJob::Result _result; // filled by the worker, read when that has ended
 
     InterruptSignals _signals;

@@ -44,14 +44,6 @@ void RunLoop::runUntil(const std::function<bool()>& done)
     }
 }
 
-void RunLoop::drain()
-{
-    runUntil([&] {
-        const std::lock_guard lock(_mutex);
-        return _blocks.empty();
-    });
-}
-
 std::optional<RunLoop::Block> RunLoop::_nextDue()
 {
     const std::lock_guard lock(_mutex);

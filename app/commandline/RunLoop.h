@@ -27,9 +27,6 @@ public:
     // Serves blocks and the descriptor until the predicate, asked after every turn, holds.
     void runUntil(const std::function<bool()>& done);
 
-    // Serves until no block is left, waiting for the time of each.
-    void drain();
-
 private:
     using Clock = std::chrono::steady_clock;
 

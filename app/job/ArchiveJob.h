@@ -8,6 +8,8 @@
 #pragma once
 
 #include "app/job/ArchivePlace.h"
+#include "app/job/ArchiveProblem.h"
+#include "app/job/LeftOut.h"
 #include "app/job/ToolMessages.h"
 #include "platform/base/files/ScratchFolder.h"
 #include "shared/Library/Archiver/Archiver.h"
@@ -39,20 +41,20 @@ public:
     struct Events {
         std::function<void(int count)> setNumberOfFiles = {};
         std::function<void(int lines)> progressBy = {};
-        // The outcome is settled, and nothing can stop it any more. As the engine gives it: 0, or 1
-        // for a plain zip that was cancelled. Not sent when the engine could not go on.
+        // The outcome is settled, and nothing can stop it any more: 1 when the job was stopped,
+        // else 0, as the engine has it. Not sent when the engine could not go on.
         std::function<void(int status)> completedWithStatus = {};
     };
 
     struct Result {
-        // Where the archive stands, or would: next to a file that came in its place. Without a
-        // reason there always is one.
+        // Where the archive stands, or would: next to a file that came in its place. Nothing when
+        // the engine could not begin or go on, or its archive not be put in place.
         std::optional<Path> archive = std::nullopt;
         bool isMade = false; // by this job
         bool isWhole = false; // and nothing was left out
-        // Why the engine could not begin or go on, or its archive not be put in place; empty also
-        // when a tool failed or the job was stopped, of which the messages tell.
-        std::string reason = {};
+        LeftOut leftOut = {}; // of what was made
+        // Why nothing was made; nothing when the job was stopped.
+        std::optional<ArchiveProblem> problem = std::nullopt;
         // A line each: what is missing and why, what has got another name, what the tools said.
         std::vector<std::string> messages = {};
     };
@@ -80,15 +82,21 @@ public:
 private:
     enum class Stop { none, asked, tooLate };
 
-    [[nodiscard]] std::string _obstacle() const;
+    [[nodiscard]] ArchiveProblem _problem(
+        ArchiveProblem::Kind kind, Path path = {}, std::string reason = {}) const;
+    [[nodiscard]] ArchiveProblem _problemOfWriting(const std::error_code& reason) const;
+    [[nodiscard]] std::optional<ArchiveProblem> _obstacle() const;
+    [[nodiscard]] std::optional<ArchiveProblem> _obstacleOf(const Path& item) const;
     void _make();
     void _makeIn(const Path& folder);
     [[nodiscard]] std::vector<Path> _distinctItems(std::optional<ScratchFolder>& links);
-    [[nodiscard]] Path _linkTo(const Path& item, const Path& link);
+    [[nodiscard]] bool _makeLink(const Path& link, const Path& toItem);
     [[nodiscard]] ArchiverDelegate _delegate();
     void _noteStatus(int status);
     void _noteLeftOut(const Path& item, std::error_code reason);
     void _heedStop();
+    void _judge(const std::optional<Path>& made);
+    [[nodiscard]] ArchiveProblem _whyNothingIsMade() const;
     void _deliver(const Path& made);
 
     Archiver& _engine;
@@ -98,8 +106,9 @@ private:
     ToolMessages _messages;
     ArchivePlace _place;
     std::optional<int> _engineStatus; // of its completion
-    bool _hasFailed = false; // a tool did: what it made is not worth keeping
-    bool _hasLeftOut = false; // something, which is said
+    std::error_code _engineFailure; // in moving what was made
+    bool _hasNoRoomToStage = false;
+    std::optional<std::string> _failedTool; // its last words: what it made is not worth keeping
 
     std::atomic<Stop> _stop = Stop::none; // the one state that tells how far the job is to go
     std::stop_source _abandoning; // once it was asked to stop, that there is no time, either

@@ -8,10 +8,10 @@ namespace
 {
 
 const std::vector<ArchiveKind> kinds{
-    {ArchiveTypePlainZip, "zip", ".zip", "zip", "zip", {12, 18}},
-    {ArchiveTypeMacZip, "mac-zip", ".zip", "ditto", "mac-zip", {1}},
-    {ArchiveTypeTarGz, "tar.gz", ".tar.gz", "tar", "tar", {1}},
-    {ArchiveTypeDiskImage, "dmg", ".dmg", "hdiutil", "disk-image", {}},
+    {ArchiveTypePlainZip, "zip", ".zip", "zip", {12, 18}},
+    {ArchiveTypeMacZip, "mac-zip", ".zip", "ditto", {1}},
+    {ArchiveTypeTarGz, "tar.gz", ".tar.gz", "tar", {1}},
+    {ArchiveTypeDiskImage, "dmg", ".dmg", "hdiutil", {}},
 };
 
 template <typename Value> const ArchiveKind* find(Value value, Value ArchiveKind::*field)

@@ -10,7 +10,6 @@ struct ArchiveKind {
     std::string_view word; // on the command line
     std::string_view extension; // of the file, with its dot
     std::string_view tool; // that makes it, by its name
-    std::string_view purpose; // of that tool, in a message
     std::vector<int> leftOutStatuses; // of the tool: made, but something that it named is missing
 
     // Nothing for a number or a word that stands for no type.

@@ -71,9 +71,12 @@ std::error_code ArchivePlace::put(const Path& made)
     return failure;
 }
 
-// Looking first and renaming then would leave a moment in between.
+// A file that came while the archive was made is left where it is, so that nothing that may happen
+// to this process harms it. Looking first and renaming then would still leave a moment in between.
 std::error_code ArchivePlace::_exchange(const Path& made)
 {
+    if (!_isFormer(_path))
+        return _takeFreeName(made, _path);
     const auto failure = swap(made, _path);
     if (!failure && _isFormer(made))
         return {};
@@ -82,13 +85,12 @@ std::error_code ArchivePlace::_exchange(const Path& made)
             return _keepBoth(made);
         return _takeFreeName(made, _path);
     }
-    const bool canSwap
-        = failure != std::errc::invalid_argument && failure != std::errc::function_not_supported;
-    if (!canSwap && _isFormer(_path))
+    const bool canSwap = failure != std::errc::invalid_argument
+        && failure != std::errc::function_not_supported
+        && failure != std::errc::operation_not_supported;
+    if (!canSwap)
         return errorOf(::rename(made.c_str(), _path.c_str()));
-    if (canSwap && failure != std::errc::no_such_file_or_directory)
-        return failure;
-    return _takeFreeName(made, _path);
+    return failure == std::errc::no_such_file_or_directory ? _takeFreeName(made, _path) : failure;
 }
 
 // The place has changed once more before the other file was back: it gets a name beside its own,

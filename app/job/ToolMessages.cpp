@@ -14,10 +14,23 @@ constexpr std::size_t longestLine = 8192; // holds two paths of the longest kind
 constexpr std::array<std::string_view, 3> progress{
     "  adding: ", "copying file ", "copying symlink "};
 
+constexpr std::string_view warning = "warning: ";
+
 bool isProgress(std::string_view line)
 {
     return std::ranges::any_of(
         progress, [&](std::string_view start) { return line.starts_with(start); });
+}
+
+// Names may have colons, too; the reasons that do are no worse for a shorter end.
+LeftOut::Item warningIn(std::string_view text)
+{
+    constexpr std::string_view colon = ": ";
+    const auto end = text.rfind(colon);
+    if (end == std::string_view::npos)
+        return {.name = std::string(text), .reason = {}};
+    return {.name = std::string(text.substr(0, end)),
+        .reason = std::string(text.substr(end + colon.size()))};
 }
 
 } // namespace
@@ -53,24 +66,36 @@ void ToolMessages::_endLine()
     if (line.starts_with(_tool + ": "))
         line.erase(0, _tool.size() + 2); // it is put before every line
     std::ranges::replace_if(line, isControl, '?');
+    if (line.starts_with(warning))
+        _warnings.add(warningIn(line.substr(warning.size())));
+    _lastWord = line;
     if (_words.size() < mostLines)
         _words.push_back(std::move(line));
     else
         ++_left;
 }
 
-void ToolMessages::taskCompleted(int status)
+ToolMessages::LastWords ToolMessages::taskCompleted(int status)
 {
     _endLine();
     std::string start = _tool;
     if (status != 0)
         start += " ended with status " + std::to_string(status);
+    LastWords last{.text = start, .warnings = std::exchange(_warnings, {})};
+    if (!_lastWord.empty())
+        last.text += ": " + std::exchange(_lastWord, {});
+    if (last.warnings.items.empty() && _words.empty())
+        last.warnings.add({.name = start, .reason = {}});
+    else if (last.warnings.items.empty())
+        for (const std::string& word : _words)
+            last.warnings.add({.name = _tool, .reason = word});
     if (status != 0 && _words.empty())
         add(start);
     for (const std::string& word : std::exchange(_words, {})) {
         add(start.append(": ").append(word));
         start = _tool;
     }
+    return last;
 }
 
 void ToolMessages::add(const std::string& line)

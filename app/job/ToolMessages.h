@@ -3,6 +3,8 @@
 // counted.
 #pragma once
 
+#include "app/job/LeftOut.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +18,13 @@ public:
     // Output of the running tool, in pieces of any kind.
     void addOutput(std::string_view bytes);
 
+    struct LastWords {
+        std::string text; // "zip ended with status 14: cannot write x"
+        LeftOut warnings; // "warning: NAME: REASON"; where there are none, whatever there is
+    };
+
     // The running tool has ended, and with it its last line.
-    void taskCompleted(int status);
+    LastWords taskCompleted(int status);
 
     // A line that comes from no tool.
     void add(const std::string& line);
@@ -35,6 +42,8 @@ private:
     std::string _tool;
     std::string _line; // not yet ended
     std::vector<std::string> _words; // of the running tool
+    std::string _lastWord; // of these, also when it is not kept
+    LeftOut _warnings; // among them
     std::vector<std::string> _kept;
     std::size_t _left = 0; // lines not kept
 };

@@ -19,13 +19,14 @@
 #include "shared/Library/Extras/UserDefaultsExtras.h"
 
 #include <QDialog>
-#include <QGuiApplication>
 #include <QMenuBar>
 #include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,6 +39,7 @@ namespace
 
 constexpr auto title = QLatin1String("Parcelo");
 constexpr auto titleTime = 5s;
+constexpr std::chrono::duration<double> interruptInterval = 50ms;
 constexpr auto updaterSwitch = QLatin1String("SUCheckAtStartup");
 
 // The feed for a system: the first row that the version reaches.
@@ -92,14 +94,15 @@ AppController::AppController()
 
 AppController::~AppController()
 {
-    _endWork();
+    while (_job && _worker.wait_for(interruptInterval) != std::future_status::ready)
+        _job->abandon();
 }
 
 void AppController::awakeFromNib(const Interface& interface)
 {
     _interface = interface;
     _interface.destinationPop->setAutoenablesItems(true);
-    _followDestinations();
+    _followSettings();
     setupDestinations();
     _interface.mainWindow->setFrameAutosaveName(QStringLiteral("MainWindowAutosave"));
     _interface.advertTextView->setShortVersion(true);
@@ -142,12 +145,33 @@ bool AppController::windowShouldClose(QObject* sender)
 
 void AppController::terminate(QObject* /*sender*/)
 {
+    if (_mayLeaveMessages())
+        terminateNow();
+}
+
+// While a job ends the event loop goes on, so that no question of a block that is still waiting can
+// keep the program.
+void AppController::terminateNow()
+{
+    if (std::exchange(_isTerminating, true))
+        return;
     if (_job) {
         // Windows that no longer answer would look like a hang.
         _interface.progressWindow->hide();
         _interface.mainWindow->hide();
-        QGuiApplication::sync();
-        _endWork();
+    }
+    _terminateWhenIdle();
+}
+
+// A tool may need several interrupts, and one may fall between two tools.
+void AppController::_terminateWhenIdle()
+{
+    if (_job) {
+        _job->abandon();
+        if (_worker.wait_for(0s) != std::future_status::ready) {
+            _afterDelay(interruptInterval.count(), [this] { _terminateWhenIdle(); });
+            return;
+        }
     }
     applicationShouldTerminate();
     Q_EMIT terminated();
@@ -174,7 +198,9 @@ int AppController::runCount()
     const QString key = QStringLiteral("R232");
     if (_runCount < 0) {
         auto& defaults = UserDefaults::standardUserDefaults();
-        _runCount = std::max(static_cast<std::int32_t>(defaults.integerForKey(key)), 0) + 1;
+        constexpr qint64 last = std::numeric_limits<std::int32_t>::max() - 1;
+        _runCount = static_cast<std::int32_t>(
+            std::clamp<qint64>(defaults.integerForKey(key), 0, last) + 1);
         defaults.setInteger(_runCount, key);
     }
     return _runCount;
@@ -231,6 +257,8 @@ std::optional<AppController::Path> AppController::tmpdir()
     const auto take = [this](const Path& path) {
         ::mkdir(path.c_str(), 0700); // may be there
         _tmpdirHold = ScratchFolder::hold(path);
+        if (_tmpdirHold && path != SearchPaths::temporaryDirectory())
+            ScratchFolder::empty(path);
         return static_cast<bool>(_tmpdirHold);
     };
     ScratchFolder::removeStaleFolders("/tmp");

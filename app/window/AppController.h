@@ -20,7 +20,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 
 class AboutController;
 class AdvertTextView;
@@ -86,8 +85,10 @@ public:
     // Never lets the window close: hides the program or ends it.
     bool windowShouldClose(QObject* sender);
 
-    // Ends the program; a job that is under way ends first, and its archive is not delivered.
+    // Ends the program, unless the user wants it to stay: a message may still need its archive.
     void terminate(QObject* sender);
+    // Nobody is asked. A job that is under way ends first, and its archive is not delivered.
+    void terminateNow();
     void applicationShouldTerminate();
 
     [[nodiscard]] QKWindow* mainWindow() const { return _interface.mainWindow; }
@@ -134,12 +135,19 @@ public:
 
     // --- Files besides a drop (AppControllerFiles.cpp) ---
 
-    // A document opened through the program's icon or named on the command line. All that arrive
-    // within 0.05 s become one archive.
+    // Opened through the program's icon, named on the command line or handed over by another
+    // start. While a request is under way they wait, and are then proposed, each as its own.
+    struct Documents {
+        std::vector<Path> files = {};
+        bool forEmail = false; // whatever the destination menu says
+    };
+    void openDocuments(Documents documents);
+
+    // One of them. All that arrive within 0.05 s become one archive.
     bool applicationOpenFile(const Path& path);
 
-    // Tells that documents to be opened are not there.
-    void couldNotOpen(const std::vector<Path>& missing);
+    // Tells that documents to be opened are not there, or no files of this computer.
+    void couldNotOpen(const QStringList& names);
 
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
@@ -219,6 +227,11 @@ Q_SIGNALS:
 
 private:
     struct Prompt;
+    struct Message {
+        QString title;
+        QString text;
+        QString toCopy = {}; // by a button of its own
+    };
 
     // Properties are texts; empty ones where there is no folder.
     QString _tmpdirText();
@@ -228,18 +241,24 @@ private:
     // QKUtility::afterDelay() for a block that uses this object: it does not run without it.
     void _afterDelay(double seconds, std::function<void()> runBlock);
 
-    void _followDestinations();
+    void _terminateWhenIdle();
+    bool _mayLeaveMessages();
+    bool _keepMailedArchives(const Path& inFolder);
+    void _followSettings();
+    void _openNext();
+    void _endRequest();
     void _tellWhatIsLeftOut();
     void _setAcceptsFiles(bool flag);
     ArchiveJob::Events _events();
     void _work();
     void _performOnMainThread(std::function<void()> block);
-    void _endWork();
     void _deliver(const Path& archive);
-    void _fail(const std::string& reason);
+    void _fail(const ArchiveProblem& problem);
+    void _tellWhatIsMissing(const LeftOut& leftOut);
     void _chose(const std::vector<Path>& paths);
     void _runPrompt(const Prompt& prompt);
-    void _tell(const QString& title, const QString& message);
+    [[nodiscard]] static QString _listed(const QStringList& lines, std::size_t count = 0);
+    void _tell(const Message& message);
     void _tellNext();
     void _hearDesktop();
     void _quitWhenNothingIsTold();
@@ -250,6 +269,11 @@ private:
     std::int32_t _dockDropCount = 0; // documents opened through the icon
     bool _shouldAutoQuit = false; // quit when the archive is done; settled at launch
     bool _hasMailed = false; // an archive of this process: quitting would take it away
+    bool _isTerminating = false;
+    std::deque<Documents> _waiting; // for the end of the request under way
+    bool _isUnderWay = false; // a request, from its question for a name
+    bool _opensForEmail = false; // the documents opened last
+    bool _mailsArchive = false; // the request under way, whatever the menu says by now
     QString _filename; // of the archive being asked for
 
     // Made on first use, kept for the process.
@@ -264,7 +288,7 @@ private:
     SavePanel* _savePanel = nullptr; // the main window's child
     std::int32_t _runCount = -1; // not read yet
 
-    std::deque<std::pair<QString, QString>> _untold; // messages for a time without a sheet
+    std::deque<Message> _untold; // for a time without a sheet
 
     Path _notMade; // the archive of the last request, when that ended without
     std::shared_ptr<ArchiveJob> _job; // from its start until its archive is delivered

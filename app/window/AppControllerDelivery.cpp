@@ -1,8 +1,7 @@
 // What becomes of an archive: shown in the file manager or mailed; and what there is to say of it.
 
 #include "app/window/AppController.h"
-#include "platform/base/seams/AlertPanel.h"
-#include "platform/desktop/panels/PopUpButton.h"
+#include "platform/base/files/FileMove.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/AppleScript.h"
 #include "platform/desktop/services/MailComposer.h"
@@ -10,9 +9,15 @@
 #include "platform/desktop/services/Workspace.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
+#include "system/FileName.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
+#include <QDir>
+#include <QStandardPaths>
+
+#include <algorithm>
 
 namespace
 {
@@ -40,12 +45,37 @@ std::string mailScript(const std::string& path)
           "end tell\n";
 }
 
+// Reasons come in the words of the system and of our tools.
+std::string translated(const char* text)
+{
+    return QCoreApplication::translate("ArchiveProblem", text).toStdString();
+}
+
+// Without its middle, when it could make a sheet wider than the screen.
+QString shortened(const QString& line)
+{
+    constexpr qsizetype longest = 120;
+    if (line.size() <= longest)
+        return line;
+    return line.left(longest / 2) + QStringLiteral("…") + line.right(longest / 2);
+}
+
+// The user's downloads, where there is such a folder.
+std::filesystem::path folderToKeepIn()
+{
+    const auto downloads
+        = PathText::pathOf(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+    std::error_code missing;
+    return std::filesystem::is_directory(downloads, missing) ? downloads
+                                                             : PathText::pathOf(QDir::homePath());
+}
+
 } // namespace
 
 // Whatever became of the job, also when it was cancelled; that is intended.
 void AppController::_deliver(const Path& archive)
 {
-    if (_interface.destinationPop->selectedTag() == DestinationTagEmail)
+    if (_mailsArchive)
         composeEmailWithAttachment(archive);
     else if (UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("RevealWhenComplete")))
         Workspace::sharedWorkspace().selectFile(archive);
@@ -60,38 +90,122 @@ void AppController::composeEmailWithAttachment(const Path& path)
     const QString key = QStringLiteral("EmailCount");
     auto& defaults = UserDefaults::standardUserDefaults();
     const auto count = static_cast<std::int32_t>(defaults.integerForKey(key));
-    defaults.setInteger(count + 1, key);
+    defaults.setInteger(static_cast<std::int32_t>(static_cast<std::uint32_t>(count) + 1), key);
     if (count == 1) // this was the second message ever
         sellSendora();
 }
 
-// No tool could be started, or something of ours gave up.
-void AppController::_fail(const std::string& reason)
+// What was made for messages lies in the scratch folder, which goes with the program.
+bool AppController::_mayLeaveMessages()
 {
-    _interface.progressWindow->hide();
-    const QString message
-        = tr("The archive could not be made: %1.").arg(QString::fromStdString(reason));
-    _afterDelay(nextSheetDelay, [this, message] { _tell(tr("Error"), message); });
+    std::error_code missing;
+    if (!_hasMailed || _isTerminating || std::filesystem::is_empty(tmpFolder(), missing) || missing)
+        return true;
+    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr)
+        return false; // one question at a time
+    const Path folder = folderToKeepIn();
+    _interface.mainWindow->setWindowState(
+        _interface.mainWindow->windowState() & ~Qt::WindowMinimized);
+    const int answer = _interface.mainWindow->runPromptSheetWithTitle(
+        tr("The message may not have been sent yet"),
+        tr("Its archive goes when you quit. To keep it, let it be moved to this folder, from where "
+           "you can attach it anew:\n%1")
+            .arg(PathText::textOf(folder)),
+        tr("&Keep and Quit"), tr("Cancel"), tr("&Quit Anyway"));
+    return answer == PromptResultOther
+        || (answer == PromptResultDefault && _keepMailedArchives(folder));
 }
 
-void AppController::_tell(const QString& title, const QString& message)
+// Nothing is replaced there.
+bool AppController::_keepMailedArchives(const Path& inFolder)
 {
-    _untold.emplace_back(title, message);
+    std::error_code failure;
+    for (const auto& archive : std::filesystem::directory_iterator(tmpFolder(), failure)) {
+        const auto take = [&](const std::string& name) {
+            failure = FileMove::moveItem(archive, inFolder / name);
+            return failure == std::errc::file_exists;
+        };
+        const std::string name = archive.path().filename();
+        if (take(name))
+            (void)FileName::nextFree(name, false, take);
+        if (failure) {
+            _fail({.kind = ArchiveProblem::Kind::cannotWrite,
+                .archive = inFolder / name,
+                .reason = failure.message()});
+            return false;
+        }
+    }
+    return true;
+}
+
+void AppController::_fail(const ArchiveProblem& problem)
+{
+    _interface.progressWindow->hide();
+    QString consequence = QString::fromStdString(problem.consequence(translated));
+    if (consequence.isEmpty())
+        consequence = tr("The archive could not be made");
+    QString cause = QString::fromStdString(problem.cause(translated));
+    cause.replace(0, 1, cause.left(1).toUpper());
+    _afterDelay(nextSheetDelay, [this, text = tr("%1. %2.").arg(consequence, cause)] {
+        _tell({.title = tr("Error"), .text = text});
+    });
+}
+
+// Of an archive that is made all the same.
+void AppController::_tellWhatIsMissing(const LeftOut& leftOut)
+{
+    QStringList lines;
+    for (const LeftOut::Item& item : leftOut.items) {
+        const QString name = QString::fromStdString(item.name);
+        lines.append(item.reason.empty()
+                ? name
+                : tr("%1: %2").arg(name, QString::fromStdString(translated(item.reason.c_str()))));
+    }
+    const QString more = leftOut.more == 0 ? QString() : tr("… and %1 more").arg(leftOut.more);
+    _afterDelay(nextSheetDelay, [this, lines, more, count = leftOut.count()] {
+        _tell({.title = tr("Not everything is in the archive"),
+            .text = tr("It is made, but these items are missing or not as they were:\n%1")
+                        .arg(_listed(lines, count)),
+            .toCopy = (lines + QStringList{more}).join(QLatin1Char('\n'))});
+    });
+}
+
+// What fits on a sheet, and how many there are besides.
+QString AppController::_listed(const QStringList& lines, std::size_t count)
+{
+    constexpr qsizetype most = 10;
+    QStringList shown;
+    for (const QString& line : lines.mid(0, most))
+        shown.append(shortened(line));
+    count = std::max(count, static_cast<std::size_t>(lines.size()));
+    if (count > most)
+        shown.append(tr("… and %1 more").arg(count - most));
+    return shown.join(QLatin1Char('\n'));
+}
+
+void AppController::_tell(const Message& message)
+{
+    _untold.push_back(message);
     _tellNext();
 }
 
 // Once no sheet is up or about to be.
 void AppController::_tellNext()
 {
-    if (_untold.empty() || !acceptsFiles())
+    if (_untold.empty() || !acceptsFiles() || _isTerminating)
         return;
     if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
         Sheets::whenNoneIsUp(_interface.mainWindow, this, [this] { _tellNext(); });
         return;
     }
-    const auto [title, message] = _untold.front();
+    const Message message = _untold.front();
     _untold.pop_front();
-    _interface.mainWindow->runMessageSheetWithTitle(title, message);
+    if (message.toCopy.isEmpty())
+        _interface.mainWindow->runMessageSheetWithTitle(message.title, message.text);
+    else if (_interface.mainWindow->runPromptSheetWithTitle(message.title, message.text,
+                 QCoreApplication::translate("Localizable", "Okay"), {}, tr("&Copy List"))
+        == PromptResultOther)
+        QApplication::clipboard()->setText(message.toCopy);
     _tellNext();
 }
 
@@ -103,26 +217,27 @@ void AppController::_hearDesktop()
             if (!std::filesystem::exists(archive, missing))
                 return; // what was cancelled has nothing to attach
             Workspace::sharedWorkspace().selectFile(archive);
-            _tell(tr("The message could not be made"),
-                tr("No mail program took the archive. You can attach it yourself; it stays until "
-                   "you quit:\n%1")
-                    .arg(PathText::textOf(archive)));
+            _tell({.title = tr("The message could not be made"),
+                .text = tr("No mail program took the archive. You can attach it yourself; it stays "
+                           "until you quit:\n%1")
+                            .arg(PathText::textOf(archive))});
         });
     connect(&MailComposer::sharedComposer(), &MailComposer::attached, this,
         [this](const Path& archive, bool isCertain) {
             if (!isCertain)
-                _tell(tr("Please check the attachment"),
-                    tr("Your mail program was asked to attach the archive, but does not tell "
-                       "whether it did. If it is missing, you find it here until you quit:\n%1")
-                        .arg(PathText::textOf(archive)));
+                _tell({.title = tr("Please check the attachment"),
+                    .text
+                    = tr("Your mail program was asked to attach the archive, but does not tell "
+                         "whether it did. If it is missing, you find it here until you quit:\n%1")
+                          .arg(PathText::textOf(archive))});
         });
     connect(&Workspace::sharedWorkspace(), &Workspace::couldNotReveal, this,
         [this](const Path& archive) {
             std::error_code missing;
             if (archive != _notMade && std::filesystem::exists(archive, missing))
-                _tell(tr("The archive is made"),
-                    tr("No file manager could be asked to show it:\n%1")
-                        .arg(PathText::textOf(archive)));
+                _tell({.title = tr("The archive is made"),
+                    .text = tr("No file manager could be asked to show it:\n%1")
+                                .arg(PathText::textOf(archive))});
         });
 }
 

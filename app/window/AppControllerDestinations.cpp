@@ -81,8 +81,8 @@ void AppController::setupDestinations()
     giveKeyEquivalents(menu);
 }
 
-// Whoever changes the settings, be it another program of ours: the menu shows what they hold.
-void AppController::_followDestinations()
+// Whoever changes the settings, be it another program of ours: the controls show what they hold.
+void AppController::_followSettings()
 {
     connect(&UserDefaults::standardUserDefaults(), &UserDefaults::didChange, this,
         [this](const QString& key) {
@@ -90,6 +90,9 @@ void AppController::_followDestinations()
                 setupDestinations();
             } else if (key == selectedDestinationKey) {
                 Q_EMIT selectedDestinationChanged();
+                Q_EMIT previewTextChanged();
+            } else if (key == QLatin1String("ArchiveType")) {
+                Q_EMIT archiveTypeChanged();
                 Q_EMIT previewTextChanged();
             }
         });
@@ -159,7 +162,8 @@ void AppController::addDestinationPath(const QString& path)
 
 void AppController::removeDestination(QObject* /*sender*/)
 {
-    const int index = selectedDestination() - DestinationTagFirstFolder;
+    const int tag = selectedDestination();
+    const int index = std::max(tag, int{DestinationTagSameAsSource}) - DestinationTagFirstFolder;
     if (index < 0 || index >= storedDestinations().size())
         return;
     const QString folder = storedDestinations().at(index);

@@ -3,7 +3,7 @@
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
 #include "platform/desktop/panels/OpenPanel.h"
-#include "platform/desktop/services/PathText.h"
+#include "platform/desktop/panels/Sheets.h"
 #include "shared/Library/Extras/QKWindow.h"
 
 #include <QApplication>
@@ -19,16 +19,38 @@ constexpr double openDelay = 0.05;
 // After this the window stands in its place, and a sheet finds it.
 constexpr double windowDelay = 0.5;
 
-// A list that fits on a sheet.
-QString listed(const QStringList& names)
+} // namespace
+
+void AppController::openDocuments(Documents documents)
 {
-    constexpr int longest = 8;
-    if (names.size() <= longest)
-        return names.join(QLatin1Char('\n'));
-    return names.mid(0, longest - 1).join(QLatin1Char('\n')) + QStringLiteral("\n…");
+    _waiting.push_back(std::move(documents));
+    _openNext();
 }
 
-} // namespace
+// Not into what is being asked for or made: that would be added to it, or go with it.
+void AppController::_openNext()
+{
+    if (_waiting.empty() || _isUnderWay)
+        return;
+    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
+        Sheets::whenNoneIsUp(_interface.mainWindow, this, [this] { _openNext(); });
+        return;
+    }
+    const Documents documents = std::move(_waiting.front());
+    _waiting.pop_front();
+    _opensForEmail = documents.forEmail;
+    for (const Path& file : documents.files)
+        applicationOpenFile(file);
+}
+
+// What waits is opened when the sheets of this request have had their time.
+void AppController::_endRequest()
+{
+    _isUnderWay = false;
+    _opensForEmail = false;
+    if (!_waiting.empty())
+        _afterDelay(windowDelay, [this] { _openNext(); });
+}
 
 bool AppController::applicationOpenFile(const Path& path)
 {
@@ -39,14 +61,11 @@ bool AppController::applicationOpenFile(const Path& path)
     return true;
 }
 
-void AppController::couldNotOpen(const std::vector<Path>& missing)
+void AppController::couldNotOpen(const QStringList& names)
 {
-    QStringList names;
-    for (const Path& path : missing)
-        names.append(PathText::textOf(path));
     _afterDelay(windowDelay, [this, names] {
-        _tell(
-            tr("There are no such files"), tr("These cannot be archived:\n%1").arg(listed(names)));
+        _tell({.title = tr("There are no such files"),
+            .text = tr("These cannot be archived:\n%1").arg(_listed(names))});
     });
 }
 
@@ -56,7 +75,7 @@ void AppController::_tellWhatIsLeftOut()
     if (!leftOut.isEmpty())
         _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
             tr("These are no files of this computer, and will be left out:\n%1")
-                .arg(listed(leftOut)));
+                .arg(_listed(leftOut)));
 }
 
 void AppController::chooseFiles(QObject* /*sender*/)
@@ -77,6 +96,12 @@ void AppController::_chose(const std::vector<Path>& paths)
 {
     if (paths.empty())
         return;
+    if (!acceptsFiles()) { // a request has begun while the panel was up: after that
+        connect(
+            this, &AppController::acceptsFilesChanged, this, [this, paths] { _chose(paths); },
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+        return;
+    }
     _interface.saveDropView->setFiles(paths);
     _interface.saveDropView->concludeDragOperation();
 }

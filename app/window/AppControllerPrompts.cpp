@@ -213,7 +213,9 @@ std::int32_t AppController::randomProductId()
 
 std::int32_t AppController::randomProductId(double secondsSinceReferenceDate)
 {
-    const auto seconds = static_cast<std::int32_t>(secondsSinceReferenceDate);
+    // What does not fit, from 2069 on, wraps.
+    const auto seconds
+        = static_cast<std::int32_t>(static_cast<std::int64_t>(secondsSinceReferenceDate));
     const std::int32_t remainder = seconds % static_cast<std::int32_t>(advertised.size());
     return remainder < 0 ? 0 : advertised.at(static_cast<std::size_t>(remainder));
 }

@@ -10,7 +10,6 @@
 #include "platform/desktop/panels/SavePanel.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/panels/Tag.h"
-#include "platform/desktop/services/PathText.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
 #include "system/PathString.h"
@@ -33,7 +32,6 @@ namespace
 constexpr std::chrono::duration<double> pauseBeforeProgress = 1s;
 constexpr std::chrono::duration<double> pauseAfterCompletion = 1s;
 constexpr double sheetCloseDelay = 0.2;
-constexpr auto interruptInterval = 50ms;
 
 const QString archiveTypeKey = QStringLiteral("ArchiveType");
 
@@ -41,19 +39,25 @@ const QString archiveTypeKey = QStringLiteral("ArchiveType");
 
 void AppController::startProcessing(QObject* /*sender*/)
 {
+    if (_isTerminating)
+        return;
+    _isUnderWay = true;
     _tellWhatIsLeftOut();
     const bool keepsExtension = UserDefaults::standardUserDefaults().boolForKey(
         QStringLiteral("KeepExtensionForDefaultName"));
     const QString name = QString::fromStdString(
         proposedName(_interface.saveDropView->files(), keepsExtension, ".zip"));
-    if (selectedDestination() != DestinationTagEmail) {
+    if (selectedDestination() != DestinationTagEmail && !_opensForEmail) {
         runSavePanelSheet(name);
         return;
     }
-    if (runEmailSheet(name) < 1)
+    if (runEmailSheet(name) < 1) {
+        _endRequest();
         return; // what was dropped stays in the box
+    }
     const Path archive = tmpFolder().native() + "/" + _filename.toStdString() + ".zip";
     (void)FileTree::remove(archive);
+    _mailsArchive = true;
     archiveToPath(archive);
 }
 
@@ -65,10 +69,13 @@ void AppController::runSavePanelSheet(const std::optional<QString>& proposedName
     if (const auto folder = destinationDirectory())
         panel.setDirectoryURL(*folder);
     panel.beginSheetModalForWindow(_interface.mainWindow, [this](int answer, const Path& path) {
-        if (answer == SavePanel::answerOK)
+        _mailsArchive = false;
+        if (answer == SavePanel::answerOK) {
             archiveToPath(path);
-        else
-            _interface.saveDropView->clearFiles();
+            return;
+        }
+        _interface.saveDropView->clearFiles();
+        _endRequest();
     });
 }
 
@@ -120,10 +127,9 @@ void AppController::archiveToPath(const Path& path)
         _setAcceptsFiles(false);
     } catch (const std::exception&) {
         _job.reset();
-        _fail(tr("there is no working folder at %1")
-                  .arg(PathText::textOf(tmpdirString()))
-                  .toStdString());
+        _fail({.kind = ArchiveProblem::Kind::noWorkingFolder, .path = tmpdirString()});
         _interface.saveDropView->clearFiles();
+        _endRequest();
     }
 }
 
@@ -148,15 +154,18 @@ void AppController::_work()
     });
     _performOnMainThread([this, result = _job->run()] {
         _notMade = result.isMade ? Path() : result.archive.value_or(Path());
-        if (result.reason.empty())
+        if (result.archive)
             _deliver(*result.archive);
-        else
-            _fail(result.reason);
+        if (result.problem)
+            _fail(*result.problem);
+        else if (result.isMade && !result.isWhole)
+            _tellWhatIsMissing(result.leftOut);
         _interface.saveDropView->clearFiles();
         incrementUsageCount();
         _job.reset();
         _setAcceptsFiles(true);
         _tellNext();
+        _endRequest();
     });
 }
 
@@ -167,16 +176,6 @@ void AppController::_performOnMainThread(std::function<void()> block)
             if (self && !(job && job->isAbandoned()))
                 task();
         });
-}
-
-// A tool may need several interrupts, and one may fall between two tools.
-void AppController::_endWork()
-{
-    if (!_job)
-        return; // nothing is under way, or nothing but the end of a thread
-    do
-        _job->abandon();
-    while (_worker.wait_for(interruptInterval) != std::future_status::ready);
 }
 
 bool AppController::acceptsFiles() const
@@ -207,7 +206,7 @@ void AppController::progressBy(int lines)
     _performOnMainThread([this, lines] {
         QProgressBar& bar = *_interface.progress;
         _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
-        bar.setValue(std::min(bar.value() + lines, bar.maximum()));
+        bar.setValue(bar.value() + std::min(lines, bar.maximum() - bar.value()));
     });
 }
 
@@ -261,6 +260,4 @@ int AppController::archiveType() const
 void AppController::setArchiveType(int type)
 {
     UserDefaults::standardUserDefaults().setInteger(type, archiveTypeKey);
-    Q_EMIT archiveTypeChanged();
-    Q_EMIT previewTextChanged();
 }

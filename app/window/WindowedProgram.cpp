@@ -7,6 +7,7 @@
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/process/InterruptSignals.h"
 #include "platform/desktop/panels/AlertPanelWindow.h"
+#include "platform/desktop/services/ApplicationService.h"
 #include "platform/desktop/services/MainQueueTimers.h"
 #include "platform/desktop/services/PathText.h"
 #include "shared/Library/Extras/QKUtility.h"
@@ -17,6 +18,8 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <memory>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -43,26 +46,113 @@ void describe(QApplication& application)
                                    : QIcon::fromTheme(QStringLiteral("org.parcelo.Parcelo")));
 }
 
-void openDocuments(const std::vector<fs::path>& files, AppController& controller)
+constexpr auto emailAction = QLatin1String("email");
+constexpr auto preferencesAction = QLatin1String("preferences");
+constexpr auto chooseAction = QLatin1String("choose-files");
+constexpr auto serviceOption = "--gapplication-service";
+
+// For the call on account of which the bus has started this program.
+constexpr double patienceOfService = 10; // seconds
+
+// Whoever starts this program gives it these, for itself alone.
+QByteArray takeActivationToken()
 {
-    std::vector<fs::path> notThere;
-    for (const fs::path& file : files) {
+    QByteArray token;
+    for (const char* variable : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
+        if (token.isEmpty())
+            token = qgetenv(variable);
+        ::unsetenv(variable); // NOLINT(concurrency-mt-unsafe): no thread has been started yet
+    }
+    return token;
+}
+
+ApplicationService::Request requestOf(const WindowedProgram::Start& start)
+{
+    ApplicationService::Request request{.activationToken = takeActivationToken()};
+    if (start.option == "--email")
+        request.action = emailAction;
+    else if (start.option == "--preferences")
+        request.action = preferencesAction;
+    for (const fs::path& file : start.files) {
         std::error_code missing;
         const fs::path document = documentPath(file, missing);
-        if (!missing && fs::exists(fs::symlink_status(document, missing)))
-            controller.applicationOpenFile(document);
-        else {
-            std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
-            notThere.push_back(file);
-        }
+        request.files.push_back(missing ? fs::absolute(file, missing) : document);
     }
-    if (!notThere.empty())
-        controller.couldNotOpen(notThere);
+    return request;
+}
+
+// What a start of the program, or a launcher, asks for: the window comes to the front, and does it.
+class Requests
+{
+public:
+    Requests(AppController& controller, QWidget& window)
+        : _controller(controller)
+        , _window(window)
+    {
+    }
+
+    [[nodiscard]] bool areNone() const { return !_isLaunched; }
+    void take(const ApplicationService::Request& request);
+
+private:
+    void _open(const ApplicationService::Request& request);
+    void _comeToFront(const QByteArray& activationToken);
+
+    AppController& _controller;
+    QWidget& _window;
+    bool _isLaunched = false;
+};
+
+// Files of the first one are there before launching has ended, as the controller wants them.
+void Requests::take(const ApplicationService::Request& request)
+{
+    _open(request);
+    _comeToFront(request.activationToken);
+    if (!std::exchange(_isLaunched, true))
+        _controller.applicationDidFinishLaunching();
+    if (QApplication::activeModalWidget() != nullptr)
+        return; // one question at a time
+    if (request.action == preferencesAction)
+        _controller.showPreference(nullptr);
+    else if (request.action == chooseAction
+        || (request.action == emailAction && request.files.empty()))
+        _controller.chooseFiles(nullptr);
+}
+
+void Requests::_open(const ApplicationService::Request& request)
+{
+    AppController::Documents documents{.forEmail = request.action == emailAction};
+    QStringList unusable = request.refused;
+    for (const fs::path& file : request.files) {
+        std::error_code missing;
+        if (fs::exists(fs::symlink_status(file, missing))) {
+            documents.files.push_back(file);
+            continue;
+        }
+        std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
+        unusable.append(PathText::textOf(file));
+    }
+    if (!documents.files.empty())
+        _controller.openDocuments(std::move(documents));
+    if (!unusable.isEmpty())
+        _controller.couldNotOpen(unusable);
+}
+
+// Wayland's plug-in takes the token out of the environment.
+void Requests::_comeToFront(const QByteArray& activationToken)
+{
+    if (!activationToken.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+    _window.setWindowState(_window.windowState() & ~Qt::WindowMinimized);
+    _window.show();
+    _window.raise();
+    _window.activateWindow();
+    qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 } // namespace
 
-int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
+int WindowedProgram::run(char* programName, const Start& start)
 {
     if (!hasDisplay()) {
         std::cerr << "parcelo: there is no display to open the window on; give --to FOLDER\n";
@@ -72,8 +162,15 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
 
     int argumentCount = 1; // ours are no arguments of Qt's
     char* arguments[] = {programName, nullptr};
+    const ApplicationService::Request asked = requestOf(start);
     QApplication application(argumentCount, arguments);
     describe(application);
+    std::unique_ptr<Requests> requests;
+    ApplicationService service(QApplication::desktopFileName(),
+        [&](const ApplicationService::Request& request) { requests->take(request); });
+    if (service.begin(asked) == ApplicationService::Role::later)
+        return EXIT_SUCCESS;
+
     const Translations translations;
     const MainQueueTimers mainQueue;
     AlertPanelWindow::presentAlerts();
@@ -87,11 +184,16 @@ int WindowedProgram::run(char* programName, const std::vector<fs::path>& files)
     QSocketNotifier interrupted(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&interrupted, &QSocketNotifier::activated, &controller, [&] {
         if (signals.take())
-            controller.terminate(&interrupted);
+            controller.terminateNow();
     });
-    openDocuments(files, controller);
-    interface.window().show();
-    controller.applicationDidFinishLaunching();
+    requests = std::make_unique<Requests>(controller, interface.window());
+    if (start.option != serviceOption)
+        requests->take(asked);
+    else
+        QKUtility::afterDelay(patienceOfService, [&] {
+            if (requests->areNone())
+                controller.terminate(nullptr);
+        });
     const int status = QApplication::exec();
     QKUtility::setTerminator([] { QCoreApplication::exit(); });
     return status;

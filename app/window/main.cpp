@@ -4,17 +4,37 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <span>
+#include <string_view>
 
-// The arguments are files, also those that begin with "-"; a "--" ends what could be options.
+namespace
+{
+
+// [OPTION] -- FILE…, or files alone, also those that begin with "-".
+WindowedProgram::Start startFor(std::span<char*> arguments)
+{
+    const auto isEndOfOptions = [&](std::size_t at) {
+        return at < arguments.size() && arguments[at] == std::string_view("--");
+    };
+    WindowedProgram::Start start;
+    if (isEndOfOptions(0)) {
+        arguments = arguments.subspan(1);
+    } else if (isEndOfOptions(1)) {
+        start.option = arguments.front();
+        arguments = arguments.subspan(2);
+    }
+    start.files.assign(arguments.begin(), arguments.end());
+    return start;
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 try {
     StandardStreams::open();
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away must not cost the clean-up
-    char** const end = argv + argc;
-    char** files = argv + (argc > 0 ? 1 : 0);
-    if (files != end && std::string_view(*files) == "--")
-        ++files;
-    return WindowedProgram::run(argv[0], {files, end});
+    const std::span<char*> all(argv, static_cast<std::size_t>(argc));
+    return WindowedProgram::run(argv[0], startFor(all.subspan(all.empty() ? 0 : 1)));
 } catch (const std::exception& failure) {
     std::cerr << "parcelo: " << failure.what() << "\n";
     return EXIT_FAILURE;

@@ -8,23 +8,15 @@
 using Request = CommandLine::Request;
 using Lines = std::vector<std::string>;
 
-namespace
-{
-
-const std::string longName(251, 'n');
-
-} // namespace
-
 TEST(CommandLine, tellsRequestsFromWrongUsage)
 {
-    struct Case {
-        Lines arguments;
-        Request request;
-        std::string problem;
-    };
-    const Case cases[] = {
+    const std::string longName(251, 'n');
+    const std::tuple<Lines, Request, std::string> cases[] = {
         {{}, Request::window, ""},
         {{"--to", "d", "--version"}, Request::version, ""},
+        {{"--email", "--", "a"}, Request::window, ""},
+        {{"--email", "--to=d", "a"}, Request::wrongUsage,
+            "the option --email goes with files alone"},
         {{"--quiet", "a"}, Request::wrongUsage, "there is no --to FOLDER"},
         {{"--to", "d"}, Request::wrongUsage, "there is no FILE"},
         {{"--to"}, Request::wrongUsage, "the option --to needs a value"},
@@ -41,67 +33,52 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         {{"--to=d", "--name", longName, "a"}, Request::archive, ""},
         {{"--to=d", "--name", longName + "n", "a"}, Request::wrongUsage, "the name is too long"},
     };
-    for (const Case& each : cases) {
-        const CommandLine line = CommandLine::parse(each.arguments);
-        EXPECT_EQ(line.problem, each.problem);
-        EXPECT_EQ(line.request, each.request) << testing::PrintToString(each.arguments);
+    for (const auto& [arguments, request, problem] : cases) {
+        const CommandLine line = CommandLine::parse(arguments);
+        EXPECT_EQ(line.problem, problem);
+        EXPECT_EQ(line.request, request) << testing::PrintToString(arguments);
     }
 }
 
 TEST(CommandLine, namesArchivesThatFitAFileName)
 {
-    struct Case {
-        std::string type;
-        std::string name; // empty: proposed for the one item /x/ITEM
-        std::string item;
-        std::string expected;
-    };
     std::string accents;
     while (accents.size() < 254)
         accents += "\u00e9";
-    const Case cases[] = {
-        {"zip", "Demo.zip", "", "Demo"},
+    const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+        // The type, a name or the item /x/ITEM whose it is to be like, and what it is.
         {"tar.gz", "Demo.tar.gz", "", "Demo"},
         {"zip", ".zip", "", ".zip"},
-        {"zip", "", "Report.pdf", "Report"},
         {"zip", "", ".bashrc", ".bashrc"},
         {"tar.gz", "", "a.tar.gz", "a.tar"},
         {"zip", "", accents, accents.substr(0, 250)}, // 251 bytes would cut a letter in half
         {"tar.gz", "", accents, accents.substr(0, 248)},
         {"zip", "", std::string(255, '\x80'), std::string(251, '\x80')},
     };
-    for (const Case& each : cases) {
-        Lines arguments{"--to=d", "--type", each.type, "x"};
-        if (!each.name.empty())
-            arguments.push_back("--name=" + each.name);
+    for (const auto& [type, name, item, expected] : cases) {
+        Lines arguments{"--to=d", "--type", type, "x"};
+        if (!name.empty())
+            arguments.push_back("--name=" + name);
         const CommandLine line = CommandLine::parse(arguments);
-        EXPECT_EQ(line.name.value_or(proposedName({"/x/" + each.item}, false, line.extension())),
-            each.expected);
+        EXPECT_EQ(
+            line.name.value_or(proposedName({"/x/" + item}, false, line.extension())), expected);
     }
-    EXPECT_EQ(proposedName({"/a", "/b"}, false, ".zip"), "Untitled");
     EXPECT_EQ(proposedName({"/"}, false, ".zip"), "Untitled");
 }
 
 TEST(ToolMessages, keepsTheWordsOfToolsAndTheirStatuses)
 {
-    struct Case {
-        Lines chunks;
-        int status;
-        Lines lines;
-    };
-    const Case cases[] = {
-        {{"  adding: a (stored 0%)\n"}, 0, {}},
+    const std::tuple<Lines, int, Lines> cases[] = {
         {{"  add", "ing: a\nwarn", "ing: b\n  adding: c\n"}, 0, {"zip: warning: b"}},
         {{"first\nsecond"}, 18, {"zip ended with status 18: first", "zip: second"}},
-        {{}, 130, {"zip ended with status 130"}},
         {{"\033[2J\r\u00e9\x7f\n\n"}, 0, {"zip: ?[2J?\u00e9?"}},
     };
-    for (const Case& each : cases) {
+    for (const auto& [chunks, status, lines] : cases) {
         ToolMessages messages("zip");
-        for (const std::string& chunk : each.chunks)
+        for (const std::string& chunk : chunks)
             messages.addOutput(chunk);
-        messages.taskCompleted(each.status);
-        EXPECT_EQ(messages.lines(), each.lines);
+        messages.taskCompleted(status);
+        EXPECT_EQ(messages.lines(), lines);
     }
 
     ToolMessages many("zip");

@@ -47,7 +47,7 @@ Desktop::Desktop()
     }
 }
 
-Desktop::Strings Desktop::_environment() const
+Desktop::Strings Desktop::environment() const
 {
     const std::string at = folder.path().native();
     return {"HOME=" + at + "/home", "XDG_RUNTIME_DIR=" + at + "/run", "TMPDIR=" + at + "/tmp",
@@ -59,7 +59,7 @@ Desktop::Program& Desktop::_start(const Strings& command, const std::string& tit
     const Strings& place, const Strings& moreEnvironment)
 {
     const support::RunOptions options{.folder = source,
-        .environment = joined(_environment(), moreEnvironment),
+        .environment = joined(environment(), moreEnvironment),
         .timeout = std::chrono::seconds(20)};
     Program& program = *_programs.emplace_back(std::make_unique<Program>(command, options));
     xdotool(joined({"windowmove", "--sync", waitForWindow(program, title)}, place));
@@ -105,7 +105,7 @@ bool Desktop::isToolRunning() const
 std::string Desktop::xdotool(const Strings& words) const
 {
     return run(joined({"xdotool"}, words),
-        {.environment = _environment(), .timeout = std::chrono::seconds(20)})
+        {.environment = environment(), .timeout = std::chrono::seconds(20)})
         .out;
 }
 

@@ -51,8 +51,9 @@ protected:
     const support::TestFolder folder;
     const Path source = folder / "src"; // what is archived; there is "one.txt" in it
 
+    Strings environment() const;
+
 private:
-    Strings _environment() const;
     Program& _start(const Strings& command, const std::string& title, const Strings& place,
         const Strings& moreEnvironment = {});
     std::string _findWindow(const Program& program, const std::string& title) const;

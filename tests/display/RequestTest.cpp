@@ -33,6 +33,24 @@ TEST_F(Request, everythingCanBeDoneWithKeys)
     quit(parcelo);
 }
 
+TEST_F(Request, laterStartsHandOverTheirFilesAndEachBecomesARequest)
+{
+    support::writeFile(source / "caf\xe9.txt", "e");
+    Program& parcelo = startParcelo({}, "RevealWhenComplete=false\n");
+    for (const char* file : {"one.txt", "caf\xe9.txt"}) {
+        EXPECT_EQ(
+            support::run({PARCELO_PROGRAM, file}, {.folder = source, .environment = environment()})
+                .status,
+            0);
+        waitForWindow(parcelo, "Save Archive");
+    }
+    saveAndWait(parcelo);
+    saveAndWait(parcelo);
+    EXPECT_EQ(support::inspectZip(source / "one.zip").names(), Strings{"one.txt"});
+    EXPECT_EQ(support::inspectZip(source / "caf\xef\xbf\xbd.zip").names(), Strings{"caf\xe9.txt"});
+    quit(parcelo);
+}
+
 TEST_F(Request, quittingInTheMiddleLeavesTheDestinationAsItWas)
 {
     support::writeFile(source / "large", "");

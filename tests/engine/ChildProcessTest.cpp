@@ -2,15 +2,11 @@
 
 #include "platform/base/process/DetachedProcess.h"
 #include "platform/base/process/Task.h"
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/Test.h"
 
 #include <csignal>
-#include <thread>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 using namespace std::chrono_literals;

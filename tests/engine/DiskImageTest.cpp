@@ -2,9 +2,6 @@
 
 #include "platform/base/bundle/PropertyList.h"
 #include "tests/engine/EngineTest.h"
-#include "tests/support/Run.h"
-
-#include <algorithm>
 
 using PropertyList::Array;
 using PropertyList::Dictionary;
@@ -21,6 +18,7 @@ protected:
             case "$1" in
             create) : >"$last.sparseimage" ;;
             mount) cat "$TMPDIR/listing" ;;
+            unmount) sleep 0.2 ;;
             convert) printf made >>"$last.dmg" ;;
             esac
             [ ! -e "$TMPDIR/stay in $1" ] || { : >"$TMPDIR/started"; exec sleep 30; }

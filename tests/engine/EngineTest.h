@@ -6,14 +6,8 @@
 #include "platform/base/seams/AlertPanel.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/Archiver.h"
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/Files.h"
-#include "tests/support/TestFolder.h"
-
-#include <fstream>
-#include <thread>
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
+#include "tests/support/Tools.h"
 
 using namespace support;
 using namespace std::chrono_literals;
@@ -54,7 +48,10 @@ protected:
         archiver = Archiver::initWithWorkingDirectory(folder / "scratch");
         archiver->setDelegate(ArchiverDelegate{.setNumberOfFiles = number("files "),
             .taskCompletedWithStatusCode = number("task "),
-            .archiverCompletedWithStatus = number("completed ")});
+            .archiverCompletedWithStatus = number("completed "),
+            .notStaged = [this](const fs::path& item, std::error_code) {
+                told.push_back("without " + item.native());
+            }});
         told.clear();
         fs::remove(folder / "record");
     }
@@ -93,13 +90,7 @@ protected:
     // A file of lines in the test's folder, with that folder as "@".
     Lines linesIn(const char* name) const
     {
-        std::ifstream file(folder / name);
-        const std::string& path = folder.path().native();
-        Lines lines;
-        for (std::string line; std::getline(file, line); lines.push_back(line))
-            for (auto at = line.find(path); at != std::string::npos; at = line.find(path))
-                line.replace(at, path.size(), "@");
-        return lines;
+        return linesOf(run({"sed", "s," + folder.path().native() + ",@,g", folder / name}).out);
     }
 
     const TestFolder folder;

@@ -5,14 +5,10 @@
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/ScratchFolder.h"
 #include "tests/engine/FailingCalls.h"
-#include "tests/support/EnvironmentVariable.h"
-#include "tests/support/TestFolder.h"
 #include "tests/support/TreeSnapshot.h"
 
-#include <thread>
-
-#include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 using namespace support;
 namespace fs = std::filesystem;
@@ -21,23 +17,30 @@ using Names = std::vector<std::string>;
 TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
 {
     // How a rename that must not overwrite fails, and a hard link.
-    const std::pair<int, int> cases[] = {{0, 0}, {EINVAL, 0}, {ENOSYS, 0}, {EINVAL, EPERM}};
-    for (const std::pair<int, int>& failures : cases)
-        inThread([&] {
-            SCOPED_TRACE(testing::PrintToString(failures));
+    const std::pair<int, int> cases[] = {{0, 0}, {EINVAL, 0}, {ENOSYS, EMLINK}, {EINVAL, EPERM},
+        {EOPNOTSUPP, EOPNOTSUPP}, {EPERM, EACCES}};
+    for (const auto& [toRename, toLink] : cases)
+        letFail({{SYS_renameat2, toRename}, {SYS_linkat, toLink}}, [&] {
             const TestFolder folder;
             writeFile(folder / "new", "new");
             writeFile(folder / "taken", "taken");
-            if (failures.first != 0)
-                letFail(SYS_renameat2, failures.first);
-            if (failures.second != 0)
-                letFail(SYS_linkat, failures.second);
             EXPECT_EQ(FileMove::moveItem(folder / "new", folder / "taken"), std::errc::file_exists);
             EXPECT_FALSE(FileMove::moveItem(folder / "new", folder / "moved"));
-            EXPECT_EQ(readFile(folder / "taken"), "taken");
-            EXPECT_EQ(readFile(folder / "moved"), "new");
+            EXPECT_EQ(readFile(folder / "taken") + readFile(folder / "moved"), "takennew");
             EXPECT_EQ(namesIn(folder.path()), (Names{"moved", "taken"}));
         });
+
+    const TestFolder folder; // where the second link can be made, and the first one not be removed
+    writeFile(folder / "new", "new");
+    bool hasFailed = false;
+    const auto ask = [&](unsigned call) {
+        const int reason = call == SYS_renameat2 ? EINVAL : EIO;
+        return call == SYS_unlinkat && std::exchange(hasFailed, true) ? 0 : reason;
+    };
+    askBefore({SYS_renameat2, SYS_unlinkat}, ask, [&] {
+        EXPECT_EQ(FileMove::moveItem(folder / "new", folder / "moved"), std::errc::io_error);
+    });
+    EXPECT_EQ(namesIn(folder.path()), Names{"new"});
 }
 
 TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
@@ -58,31 +61,26 @@ TEST(FileMove, toAnotherFileSystemIsWholeOrNothing)
     std::stop_source stopping;
     stopping.request_stop();
     EXPECT_EQ(FileMove::moveItem(from, to, stopping.get_token()), std::errc::operation_canceled);
-    // The source is opened before the copy, and can be flushed.
-    const unsigned copy = static_cast<unsigned>(FileDescriptor(dup(STDERR_FILENO)).number()) + 1;
-    inThread([&] {
-        letFail(SYS_copy_file_range, EXDEV); // an older kernel
-        letFail(SYS_write, ENOSPC, copy);
-        EXPECT_EQ(FileMove::moveItem(from, to), std::errc::no_space_on_device);
-    });
-    inThread([&] {
-        letFail(SYS_fsync, EIO, copy);
-        EXPECT_EQ(FileMove::moveItem(from, to), std::errc::io_error);
-        letFail(SYS_fsync, EIO);
-        EXPECT_EQ(FileMove::moveItem(from, folder / "near"), std::errc::io_error);
-    });
+    // In an older kernel, too.
+    letFail({{SYS_copy_file_range, EXDEV}, {SYS_write, ENOSPC}},
+        [&] { EXPECT_EQ(FileMove::moveItem(from, to), std::errc::no_space_on_device); });
+    for (int left : {0, 1}) { // of the item, of its copy
+        const auto ask = [&](unsigned) { return left-- == 0 ? EIO : 0; };
+        askBefore({SYS_fsync}, ask,
+            [&] { EXPECT_EQ(FileMove::moveItem(from, to), std::errc::io_error); });
+    }
     EXPECT_EQ(namesIn(other.path()), Names{"taken"});
     EXPECT_EQ(differences(before, snapshot(folder.path())), Names{});
 
     writeFile(other / ".item.part-abcdef", "of a process that was killed");
-    inThread([&] {
-        letFail(SYS_copy_file_range, EXDEV);
-        EXPECT_FALSE(FileMove::moveItem(from, to));
-    });
+    letFail({{SYS_copy_file_range, EXDEV}}, [&] { EXPECT_FALSE(FileMove::moveItem(from, to)); });
     EXPECT_EQ(readFile(other / "taken"), "taken");
     fs::remove(other / "taken");
     EXPECT_EQ(differences(before, snapshot(other.path())), Names{});
     EXPECT_TRUE(fs::is_empty(folder.path()));
+    // Back, to one without permissions and times.
+    letFail({{SYS_fchmod, EPERM}, {SYS_utimensat, EIO}},
+        [&] { EXPECT_FALSE(FileMove::moveItem(to, from)); });
 }
 
 TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
@@ -109,6 +107,13 @@ TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
     EXPECT_EQ(failed, std::vector{from / "pipe"});
     fs::remove(from / "pipe");
     EXPECT_EQ(differences(snapshot(from), snapshot(to)), Names{});
+    for (const bool canLink : {false, true})
+        letFail({{SYS_linkat, canLink ? 0 : EPERM}}, [&] {
+            EXPECT_FALSE(FileCopy::copyItem(from, folder / "linked", {.linking = true}));
+            EXPECT_EQ(differences(snapshot(from), snapshot(folder / "linked")), Names{});
+            EXPECT_EQ(fs::hard_link_count(from / "sub/\xff"), canLink ? 2U : 1U);
+            EXPECT_FALSE(FileTree::remove(folder / "linked", FileTree::Permissions::overridden));
+        });
     for (const char* item : {"sub", "sub/\xff", "link"})
         EXPECT_EQ(FileCopy::copyItem(from / item, to / item), std::errc::file_exists);
     std::stop_source stopping;
@@ -120,6 +125,50 @@ TEST(FileCopy, keepsAllOfATreeOfAnyDepthAndTellsWhatItCannot)
     EXPECT_FALSE(FileTree::remove(to, FileTree::Permissions::overridden));
     EXPECT_EQ(FileTree::remove(to), std::errc::no_such_file_or_directory);
     EXPECT_EQ(namesIn(folder.path()), Names{"from"});
+}
+
+TEST(FileCopy, tellsOfAFileThatIsNotAsItWas)
+{
+    const auto changed = FileCopy::changedWhileRead();
+    const auto because
+        = [](int reason) { return std::error_code(reason, std::generic_category()); };
+    // An attribute of the file, what happens to it before the first call of a kind, how that call
+    // fails, what is told, and whether there is a copy.
+    const std::tuple<std::string, const char*, unsigned, int, std::error_code, bool> cases[] = {
+        {"", "printf more >>file", SYS_copy_file_range, 0, changed, true},
+        {"", ": >file", SYS_copy_file_range, 0, changed, true},
+        {"", "printf C 1<>file", SYS_copy_file_range, 0, changed, true},
+        {"", "ln file another", SYS_copy_file_range, 0, {}, true},
+        {"", ":", SYS_close, EDQUOT, because(EDQUOT), false}, // some tell only now of a quota
+        {"", ":", SYS_fchmod, EPERM, {}, true}, // not every file system has what these set
+        {"", ":", SYS_utimensat, EOPNOTSUPP, {}, true},
+        {"", ":", SYS_utimensat, EIO, because(EIO), true},
+        {"user.k", ":", SYS_fsetxattr, ENOSPC, because(ENOSPC), true},
+        {"system.posix_acl_access", ":", SYS_fsetxattr, EOPNOTSUPP, {}, true},
+    };
+    // An access control list that names a user: entries of tag, permissions and number.
+    constexpr std::uint16_t list[] = {2, 0, 1, 6, 0xffff, 0xffff, 2, 4, 1, 0, 4, 4, 0xffff, 0xffff,
+        16, 4, 0xffff, 0xffff, 32, 4, 0xffff, 0xffff};
+    for (const auto& [attribute, meanwhile, call, reason, told, isThere] : cases) {
+        SCOPED_TRACE(testing::Message() << meanwhile << call << strerror(reason));
+        const TestFolder folder;
+        writeFile(folder / "file", "content");
+        if (!attribute.empty()
+            && setxattr((folder / "file").c_str(), attribute.c_str(), list, sizeof list, 0) != 0)
+            continue; // not on every file system
+        bool hasCome = false;
+        const auto ask = [&, &script = meanwhile, &error = reason](unsigned) {
+            if (!std::exchange(hasCome, true))
+                run({"sh", "-c", script}, {.folder = folder.path()});
+            return error;
+        };
+        std::error_code failure;
+        askBefore(
+            {call}, ask, [&] { failure = FileCopy::copyItem(folder / "file", folder / "copy"); });
+        EXPECT_TRUE(hasCome);
+        EXPECT_EQ(failure, told) << failure.message();
+        EXPECT_EQ(fs::remove(folder / "copy"), isThere);
+    }
 }
 
 // The pipe that is met first, in one of two folders, is the moment to take the other one away.
@@ -163,11 +212,23 @@ TEST(ScratchFolder, livesAsLongAsItsObjectAndTidiesUpAfterTheKilled)
             writeFile(parent / "sub/file", "");
             chmod((parent / "sub").c_str(), 0);
         }
-        chmod(stale.c_str(), S_IRWXU);
+        chmod(stale.c_str(), S_IRWXU | S_ISGID); // as in some folders that a group shares
         fs::create_directory(folder / "org.parcelo.Parcelo-1-person"); // open to others: not ours
         const ScratchFolder second;
         EXPECT_TRUE(fs::exists(live));
         EXPECT_FALSE(fs::exists(stale));
+        ScratchFolder::empty(live);
+        EXPECT_TRUE(fs::is_empty(live));
+        const fs::path other = live / "other";
+        const auto replace = [&](unsigned) {
+            fs::rename(other, live / "former");
+            fs::create_directory(other);
+            return 0;
+        };
+        fs::create_directory(other);
+        askBefore({SYS_flock}, replace,
+            [&] { EXPECT_FALSE(ScratchFolder::hold(other)) << "another one than is there"; });
+        EXPECT_TRUE(ScratchFolder::hold(other));
     }
     EXPECT_EQ(namesIn(folder.path()),
         (Names{"org.parcelo.Parcelo-1-linked", "org.parcelo.Parcelo-1-person"}));

@@ -3,10 +3,7 @@
 #include "platform/base/seams/MainQueue.h"
 
 #include "app/commandline/RunLoop.h"
-
-#include <thread>
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 using namespace std::chrono_literals;
 

@@ -3,13 +3,9 @@
 #include "platform/base/bundle/PropertyList.h"
 
 #include "system/TextNumber.h"
-#include "tests/support/Files.h"
-#include "tests/support/Run.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/Test.h"
 
 #include <limits>
-
-#include <gtest/gtest.h>
 
 using namespace support;
 using namespace std::chrono_literals;

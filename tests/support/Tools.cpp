@@ -60,8 +60,8 @@ ToolCall callOf(
     const Tool& tool, const fs::path& archive, const fs::path& item, const ToolOptions& options)
 {
     const std::string stored = "./" + item.filename().native();
-    ToolCall call = {options.prefix, {.folder = item.parent_path()}};
-    append(call.arguments, {PARCELO_TOOLS_DIR "/" + tool.name});
+    ToolCall call = {options.prefix, {.folder = item.parent_path(), .timeout = options.timeout}};
+    append(call.arguments, {options.toolsFolder + "/" + tool.name});
     if (tool.name == "tar" && options.leaveOutDsStore)
         append(call.arguments, {"--exclude", ".DS_Store"});
     append(call.arguments,

@@ -38,6 +38,8 @@ struct ToolOptions {
     bool leaveOutDsStore = false;
     Names prefix = {}; // the program that starts the tool, with its arguments
     Names environment = {}; // all that the tool gets
+    std::string toolsFolder = PARCELO_TOOLS_DIR;
+    std::chrono::seconds timeout{60};
 };
 
 // A run of a tool on one item, from the item's folder.

@@ -2,8 +2,8 @@
 
 Local and central records must agree, the records and their data must fill the file without gap or
 overlap, and entries must be written as this program writes them: sizes in the local record, zip64
-only when a number needs it, bit 11 for the names that need it, times that do not wrap and are the
-same in both fields. The first FOREIGN entries are other programs' work: only their place is checked.
+exactly when a number needs it, bit 11 for the names that need it, times that do not wrap and are
+the same in both fields. The first FOREIGN entries are other programs' work: only their place is checked.
 Prints pairs, each half ended by a NUL: complaints, the comment, a zip64 end, the entries' names.
 """
 
@@ -60,6 +60,7 @@ class Record:
     def resolve(self, names, ours):
         """Takes the numbers that are all ones from the zip64 field."""
         names = [name for name in names if getattr(self, name) == ONES]
+        self.has_wide = bool(names)
         field = self.extras.get(ZIP64)
         require(not ours or bool(names) == (field is not None), self.name, "has zip64 without need")
         if names and field is not None:
@@ -94,8 +95,10 @@ def check_as_ours(entry, mode):
     require(not name.startswith((b"/", b"./")), name, "is not relative")
     require(SECOND_NAME not in entry.extras, name, "has a second name")
     unix, ntfs = entry.extras.get(UNIX_TIME), entry.extras.get(NTFS)
-    require((unix is None) != (ntfs is None), name, "must have one of the two time fields")
-    if unix is not None:
+    require(unix is None or ntfs is None, name, "has both time fields")
+    if unix is None and ntfs is None:  # out of reach: the DOS time is the first or the last
+        seconds = (-1 if entry.date < 1 << 15 else 1) << 36
+    elif unix is not None:
         seconds, = struct.unpack_from("<L", unix, 1)
         require(seconds < 1 << 31, name, "has a time that wraps")
     else:
@@ -127,26 +130,27 @@ def read_end(data):
     require(comment_size == len(data) - at - 22, "something follows the end record")
     tell(b"comment", data[at + 22:])
     zip64 = at >= 20 and data[at - 20:at - 16] == LOCATOR
-    require(zip64 == (total == 0xFFFF or ONES in (size, offset)), "zip64 end: is", zip64)
+    require(zip64 or total != 0xFFFF and ONES not in (size, offset), "lacks the zip64 end")
     if zip64:
         tell(b"zip64 end", b"")
         end, = struct.unpack_from("<Q", data, at - 12)
         require(data[end:end + 4] == END64 and end + 56 == at - 20, "the zip64 end is elsewhere")
         count, total, size, offset = struct.unpack_from("<4Q", data, end + 24)
-        require(total >= 0xFFFF or max(size, offset) >= ONES, "the zip64 end is not needed")
     require(count == total, "there are two different counts")
     require(offset + size == end, "the directory does not end at its end")
-    return total, offset, end
+    return total, offset, end, zip64
 
 
 def inspect(data, foreign):
-    total, offset, end = read_end(data)
+    total, offset, end, zip64 = read_end(data)
     entries, at, place = [], offset, 0
     for index in range(total):
         entry, at = read_central(data, at, index >= foreign)
         entries.append(entry)
         tell(b"entry", entry.name)
     require(at == end, "the directory holds more than its entries")
+    needs_zip64 = total >= 0xFFFF or offset >= ONES or any(entry.has_wide for entry in entries)
+    require(zip64 == needs_zip64 or zip64 and foreign, "a zip64 end is there:", zip64)
     require(len({entry.name for entry in entries}) == total, "a name is there twice")
     for index, entry in sorted(enumerate(entries), key=lambda pair: pair[1].offset):
         require(entry.offset == place, entry.name, "does not begin where the last one ends")

@@ -1,6 +1,6 @@
 """read_apple_double.py ARCHIVE: what the AppleDouble files in a zip's __MACOSX folder hold.
 
-A line for each: NAME|FINDER INFORMATION|ATTRIBUTE=VALUE,...|RESOURCE FORK, bytes as Python writes them.
+A line for each: NAME|FINDER INFORMATION|ATTRIBUTE=VALUE,...|RESOURCE FORK, bytes as Latin-1, of long values the count.
 Stops at anything that readers would stumble over.
 """
 
@@ -10,7 +10,7 @@ import zipfile
 
 
 def text(data):
-    return data.decode("latin-1").rstrip("\0")
+    return data.decode("latin-1").replace("\0", "\\0") if len(data) < 50 else f"{len(data)} bytes"
 
 
 def read_attributes(data, end):
@@ -22,7 +22,7 @@ def read_attributes(data, end):
         name = data[position + 11:position + 11 + name_size]
         assert name.endswith(b"\0") and name_size <= 128
         assert start <= offset and offset + length <= end
-        yield text(name) + "=" + text(data[offset:offset + length])
+        yield text(name[:-1]) + "=" + text(data[offset:offset + length])
         position += (11 + name_size + 3) // 4 * 4
         assert position <= start
 
@@ -33,4 +33,4 @@ for name in filter(lambda name: name.startswith("__MACOSX/"), archive.namelist()
     *head, finder_size, second, fork, fork_size = struct.unpack_from(">II16xH6I", data)
     assert (head, second) == ([0x00051607, 0x00020000, 2, 9, 50], 2)
     assert 50 + finder_size == fork and fork + fork_size == len(data)
-    print(name, text(data[50:82]), ",".join(read_attributes(data, fork)), text(data[fork:]), sep="|")
+    print(name, text(data[50:82].rstrip(b"\0")), ",".join(read_attributes(data, fork)), text(data[fork:]), sep="|")

@@ -29,6 +29,8 @@ const Names makers = {
     "7z a -tzip -bso0 -bsp0 a.zip old",
     "python3 -c \"import zipfile\nwith zipfile.ZipFile('a.zip', 'w') as z:\n"
     "  with z.open('old/file', 'w', force_zip64=True) as f: f.write(b'old')\"",
+    "python3 -c \"import zipfile\nzipfile.ZIP_FILECOUNT_LIMIT = 0\n" // with a zip64 end
+    "with zipfile.ZipFile('a.zip', 'w') as z: z.write('old/file')\"",
     ": > a.zip; rm -r old",
 };
 
@@ -51,6 +53,7 @@ TEST_F(Append, keepsWhatAnotherProgramStored)
         const ZipReport after = inspectZip(archive, before.entries.size());
         EXPECT_EQ(after.complaints, nothing);
         EXPECT_EQ(after.comment, before.comment);
+        EXPECT_EQ(after.hasZip64End, before.hasZip64End);
         for (ForeignReader reader : zipReaders()) {
             reader.tolerance = {.modeMask = 0, .seconds = -1};
             EXPECT_EQ(extractionFaults(reader, archive, tree()), nothing);

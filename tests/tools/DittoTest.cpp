@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
+using namespace std::string_literals;
+
 namespace
 {
 
@@ -30,6 +32,12 @@ struct Ditto : ToolTest {
     RunResult copy(const fs::path& source, const fs::path& target) const
     {
         return run({PARCELO_TOOLS_DIR "/ditto", "-rsrcFork", source, target});
+    }
+    // A line for each: NAME|FINDER INFORMATION|ATTRIBUTE=VALUE,...|RESOURCE FORK
+    std::string sideFiles() const
+    {
+        const std::string reader = PARCELO_SOURCE_DIR "/tests/support/read_apple_double.py";
+        return run({"python3", reader, archive}).out;
     }
 };
 
@@ -55,20 +63,17 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
     setAttribute("a", "user.b", "first by name");
     setAttribute("pieces", "user.com.apple.ResourceFork", "fork alone");
     setAttribute("sub", "user.longest-name-that-readers-take-", "s");
-    setAttribute("sub/\u00e9", "user.com.apple.FinderInfo", "not 32 bytes");
     const TreeSnapshot expected = tree();
 
     const RunResult result = make();
 
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(linesOf(result.out).size(), expected.size());
-    EXPECT_EQ(
-        run({"python3", PARCELO_SOURCE_DIR "/tests/support/read_apple_double.py", archive}).out,
+    EXPECT_EQ(sideFiles(),
         "__MACOSX/._item||top=of the top|\n"
         "__MACOSX/item/._a|TEXTttxt|b=first by name,c=,z=last|the fork\n"
         "__MACOSX/item/._pieces|||fork alone\n"
-        "__MACOSX/item/._sub||longest-name-that-readers-take-=s|\n"
-        "__MACOSX/item/sub/._\u00e9||com.apple.FinderInfo=not 32 bytes|\n");
+        "__MACOSX/item/._sub||longest-name-that-readers-take-=s|\n");
     for (const ForeignReader& reader : zipReaders()) {
         Names found = extractionFaults(reader, archive, expected);
         std::erase_if(found, [](const std::string& fault) { return contains(fault, "__MACOSX"); });
@@ -76,8 +81,60 @@ TEST_F(Ditto, attributesStandInAppleDoubleFilesBesideTheItem)
     }
 }
 
+TEST_F(Ditto, forksThatServersKeepGoWhereAMacTakesThemFrom)
+{
+    const auto zeros = [](std::size_t count) { return std::string(count, '\0'); };
+    const std::string finder = "TEXTttxt" + zeros(24);
+    const std::string afpInfo = "AFP\0\0\0\1\0\0\0\0\0\x80\0\0\0"s + finder + zeros(12);
+    const auto metadata = [&](char count, char offset) {
+        return "\0\5\x16\7\0\2\0\0"s + zeros(17) + count + "\0\0\0\4\0\0\0\x32\0\0\0\0"s
+            + "\0\0\0\x9\0\0\0"s + offset + "\0\0\0 "s + finder;
+    };
+    const std::string resource = "DosStream.AFP_Resource:$DATA";
+    const std::string information = "DosStream.AFP_AfpInfo:$DATA";
+    const std::string theirs = "org.netatalk.Metadata";
+    const struct {
+        std::vector<std::pair<std::string, std::string>> attributes;
+        std::string expected;
+    } files[] = {
+        {{{resource, "fork\0"s}, {information, afpInfo + '\0'}}, "TEXTttxt||fork"},
+        {{{"org.netatalk.ResourceFork", "fork"}, {theirs, metadata(2, 50)}},
+            "TEXTttxt|org.netatalk.Metadata=82 bytes|fork"},
+        {{{"com.apple.ResourceFork", "fork"}, {resource, "fork\0"s}}, "||fork"},
+        {{{"com.apple.ResourceFork", "fork"}, {resource, "other\0"s}},
+            "|DosStream.AFP_Resource:$DATA=other\\0|fork"},
+        // Not of their forms: without the end, the mark, so many entries, an entry's bytes.
+        {{{resource, "begin\1"}}, "|DosStream.AFP_Resource:$DATA=begin\1|"},
+        {{{information, zeros(61)}}, "|DosStream.AFP_AfpInfo:$DATA=61 bytes|"},
+        {{{information, "AFP"}}, "|DosStream.AFP_AfpInfo:$DATA=AFP|"},
+        {{{theirs, metadata(5, 50)}}, "|org.netatalk.Metadata=82 bytes|"},
+        {{{theirs, metadata(2, 51)}}, "|org.netatalk.Metadata=82 bytes|"},
+        {{{theirs, "\5"}}, "|org.netatalk.Metadata=\5|"},
+    };
+    std::string expected;
+    for (const auto& file : files) {
+        const std::string name = "file" + std::to_string(&file - files);
+        write({name});
+        for (const auto& [attribute, value] : file.attributes)
+            setAttribute(name, "user." + attribute, value);
+        expected += "__MACOSX/item/._" + name + "|" + file.expected + "\n";
+    }
+    const RunResult result = make();
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(sideFiles(), expected);
+}
+
 TEST_F(Ditto, attributesThatCannotBeKeptAreNamed)
 {
+    // One of another size would take those with it that follow.
+    setAttribute("a", "user.com.apple.FinderInfo", "not 32 bytes");
+    const RunResult noInformation = make();
+    EXPECT_EQ(noInformation.status, tool.skipped);
+    EXPECT_TRUE(contains(noInformation.err, "item/a: ")) << noInformation.err;
+    EXPECT_TRUE(contains(noInformation.err, "no Finder information")) << noInformation.err;
+    EXPECT_EQ(sideFiles(), "");
+    ::removexattr((item / "a").c_str(), "user.com.apple.FinderInfo");
+
     const std::string longName = "user." + std::string(128, 'n');
     setAttribute("a", longName);
     setAttribute("a", "user.kept");

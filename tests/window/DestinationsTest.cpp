@@ -1,5 +1,6 @@
 #include "tests/window/Program.h"
 
+#include <QComboBox>
 #include <QMenu>
 
 class DestinationMenu : public Program
@@ -70,11 +71,13 @@ TEST_F(DestinationMenu, followsAnotherProgramOfOurs)
     start({{"Destinations", QStringList{"/1", "/2"}}});
     const auto otherStores = [&](const std::string& folders, const std::string& choice) {
         support::writeFile(folder / "settings",
-            "[General]\nDestinations=[, " + folders + ", ]\nSelectedDestination=" + choice);
+            "[General]\nArchiveType=3\nDestinations=[, " + folders
+                + ", ]\nSelectedDestination=" + choice);
     };
     otherStores("/x, /1, /2", "2");
     UserDefaults::standardUserDefaults().synchronize();
     EXPECT_TRUE(waitFor([&] { return menu().selectedTag() == 2 && indexOf("/x") >= 0; }));
+    EXPECT_EQ(find<QComboBox>("typePop")->currentData().toInt(), ArchiveTypeMacZip);
 
     // What it has done meanwhile is not lost, and does not lead to the wrong folder.
     choose("/2");

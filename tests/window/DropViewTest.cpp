@@ -20,6 +20,16 @@ TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
             endSheet("savePanel");
         EXPECT_TRUE(box().files().empty()) << "a cancelled panel clears the box";
     }
+    // Chosen, while a request of another origin began.
+    find<QAction>("chooseFiles")->trigger();
+    (void)waitForSheet("chooseFilesPanel");
+    box().setAcceptDrops(false);
+    endSheet("chooseFilesPanel", Qt::Key_Return, "/etc/hostname");
+    EXPECT_TRUE(box().files().empty());
+    box().setAcceptDrops(true);
+    Q_EMIT controller().acceptsFilesChanged();
+    endSheet("savePanel");
+
     type(Qt::CTRL | Qt::Key_Comma);
     (void)waitForSheet("Preference");
     EXPECT_FALSE(drop(uriList, "file:///tmp/a\r\n")) << "a dialog is up";

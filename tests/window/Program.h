@@ -155,7 +155,7 @@ private:
     void _end()
     {
         if (_controller)
-            _controller->terminate(nullptr); // removes what it has made
+            _controller->terminateNow(); // removes what it has made
         _interface.reset();
         _controller.reset();
     }

@@ -4,11 +4,40 @@
 #include "tests/support/ZipInspector.h"
 #include "tests/window/Program.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QMessageBox>
 #include <QProgressBar>
 
+#include <span>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
 namespace fs = std::filesystem;
+
+namespace
+{
+
+// Of this process and its children, as a disk that is full ends a file.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t size)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &_former);
+        const rlimit limit{.rlim_cur = size, .rlim_max = _former.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &_former); }
+
+private:
+    rlimit _former{};
+};
+
+} // namespace
 
 class Request : public Program
 {
@@ -23,6 +52,24 @@ protected:
     {
         EXPECT_TRUE(waitFor([&] { return find<QAction>("paste")->isEnabled() && !sheet(); }));
         EXPECT_TRUE(box().files().empty());
+    }
+    // What an archive is known by: its inode, its time and its content.
+    static auto identityOf(const Path& archive)
+    {
+        struct stat status = {};
+        EXPECT_EQ(::lstat(archive.c_str(), &status), 0);
+        return std::tuple(status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec,
+            support::readFile(archive));
+    }
+    // Confirms the save panel, also that a file be replaced.
+    void save()
+    {
+        QDialog* panel = waitForSheet("savePanel");
+        QTimer::singleShot(0, panel, [] {
+            if (auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                question->button(QMessageBox::Yes)->click();
+        });
+        QTest::keyClick(panel, Qt::Key_Return);
     }
     // Types into the sheet that asks for the name of what is mailed.
     void answerWith(const char* name)
@@ -47,6 +94,7 @@ TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
     for (const char* action : {"chooseFiles", "chooseFolder", "paste", "showPreference"})
         EXPECT_FALSE(find<QAction>(action)->isEnabled()) << action;
     (void)waitForSheet("ProgressWindow");
+    store("SelectedDestination", DestinationTagEmail); // by another program of ours, say
     EXPECT_TRUE(waitFor([&] { return textOf("statusTF") == "Completed"; }));
     EXPECT_EQ(find<QProgressBar>("progress")->text(), QStringLiteral("100%"));
     waitForTheEnd();
@@ -144,24 +192,101 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     waitForTheEnd();
     EXPECT_EQ(composer.mailed, std::vector<Path>{archive});
     EXPECT_EQ(support::inspectZip(archive).names(), Texts{"two.txt"});
+
+    const Path downloads = qEnvironmentVariable("HOME").toStdString() + "/Downloads";
+    support::writeFile(downloads / "Week 12.zip", "an older file");
+    readMessages();
+    controller().terminate(nullptr); // which asks first
+    EXPECT_FALSE(hasQuit);
+    EXPECT_TRUE(fs::exists(archive));
+    answer = Qt::Key_Return; // keep and quit
+    controller().terminate(nullptr);
+    EXPECT_TRUE(hasQuit);
+    EXPECT_EQ(support::readFile(downloads / "Week 12.zip"), "an older file");
+    EXPECT_EQ(support::inspectZip(downloads / "Week 12 2.zip").names(), Texts{"two.txt"});
 }
 
-TEST_F(Request, stopsWhenCancelledAndSaysSo)
+TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
 {
-    support::writeFile(source / "large", "");
-    fs::resize_file(source / "large", std::uintmax_t{40} << 30); // takes the tool many seconds
+    enum Fault { cancelled, sourceGone, noRoom };
+    const std::string toolFailed = "The archive could not be made. A tool failed (";
+    const std::string unreadable
+        = "The archive could not be made. '@' cannot be read (No such file or directory).";
+    // What is made, what happens, what is said of it.
+    const std::tuple<ArchiveType, Fault, Texts> cases[] = {
+        {ArchiveTypePlainZip, cancelled, {"Unable to write to '@.zip'"}}, // which is intended
+        {ArchiveTypeMacZip, cancelled, {}},
+        {ArchiveTypeTarGz, noRoom, {toolFailed + "tar ended with status 2: cannot write"}},
+        {ArchiveTypeMacZip, sourceGone, {unreadable}},
+        {ArchiveTypePlainZip, noRoom, {toolFailed + "zip ended with status 14: cannot write"}},
+        {ArchiveTypePlainZip, sourceGone, {unreadable}},
+        {ArchiveTypeMacZip, noRoom, {toolFailed + "ditto ended with status 2: cannot write"}},
+        {ArchiveTypeTarGz, cancelled, {}},
+        {ArchiveTypeTarGz, sourceGone, {unreadable}},
+    };
+    const bool takesAll = std::getenv("PARCELO_ALL_TESTS") != nullptr;
+    start({{"RevealWhenComplete", false}});
+    readMessages();
+    for (const auto& [type, fault, said] :
+        std::span(cases).first(takesAll ? std::size(cases) : 4)) {
+        SCOPED_TRACE(testing::Message() << type << " " << fault);
+        const Path item = source / "item";
+        support::writeFile(item, support::randomBytes(300'000, 1));
+        if (fault == cancelled)
+            fs::resize_file(item, std::uintmax_t{40} << 30); // takes the tool many seconds
+        const Path archive = source / (type == ArchiveTypeTarGz ? "item.tar.gz" : "item.zip");
+        support::writeFile(archive, "an older file");
+        const auto older = identityOf(archive);
+        told.clear();
+        store("ArchiveType", type);
+        drop({item});
+        (void)waitForSheet("savePanel");
+        if (fault == sourceGone)
+            fs::remove(item);
+        const FileSizeLimit limit(fault == noRoom ? 100'000 : RLIM_INFINITY);
+        save();
+        if (fault == cancelled) {
+            QDialog* progress = waitForSheet("ProgressWindow");
+            EXPECT_TRUE(waitFor([&] { // again: a tool that is about to start misses it
+                QTest::keyClick(progress, Qt::Key_Escape);
+                return textOf("statusTF") == "Cancelled";
+            }));
+            EXPECT_TRUE(progress->isVisible()) << "until the job has ended";
+        }
+        EXPECT_TRUE(waitFor([&] { return told.size() == said.size() && box().files().empty(); }));
+        waitForTheEnd();
+        ASSERT_EQ(told.size(), said.size());
+        for (std::string expected : said) {
+            if (const auto at = expected.find('@'); at != std::string::npos)
+                expected.replace(at, 1, item);
+            const std::string text = told.front().substr(told.front().find('|') + 1);
+            EXPECT_EQ(text.substr(0, expected.size()), expected);
+        }
+        EXPECT_EQ(identityOf(archive), older);
+        fs::remove(archive);
+        fs::remove(item);
+        EXPECT_EQ(support::namesIn(source), (Texts{"one.txt", "three.txt", "two.txt"}));
+    }
+}
+
+TEST_F(Request, namesWhatIsMissingFromTheArchive)
+{
+    for (int number = 10; number < 22; ++number) {
+        fs::create_directory(source / "folder");
+        support::makeFifo(source / "folder" / std::to_string(number));
+    }
     start();
-    drop({source / "large", source / "one.txt"});
+    answer = Qt::Key_Space; // on the first button, which copies
+    readMessages();
+    drop({source / "folder", source / "one.txt"});
     endSheet("savePanel", Qt::Key_Return);
-    QDialog* progress = waitForSheet("ProgressWindow");
-    EXPECT_TRUE(waitFor([&] { // again: a tool that is about to start misses it
-        QTest::keyClick(progress, Qt::Key_Escape);
-        return textOf("statusTF") == "Cancelled";
-    }));
-    EXPECT_TRUE(progress->isVisible()) << "until the job has ended";
-    waitForTheEnd();
-    EXPECT_EQ(told.size(), 1U) << "nothing could be moved to its place";
-    EXPECT_EQ(support::namesIn(source), (Texts{"large", "one.txt", "three.txt", "two.txt"}));
+    ASSERT_TRUE(waitFor([&] { return !told.empty(); }));
+    EXPECT_TRUE(told.front().starts_with("Not everything is in the archive|")) << told.front();
+    EXPECT_TRUE(told.front().ends_with("\nfolder/19: is a FIFO\n… and 2 more")) << told.front();
+    EXPECT_EQ(QApplication::clipboard()->text().count(QStringLiteral(": is a FIFO")), 12);
+    const Path archive = source / "Untitled.zip";
+    EXPECT_EQ(support::inspectZip(archive).names(), (Texts{"folder/", "one.txt"}));
+    EXPECT_EQ(workspace.revealed, std::vector<Path>{archive});
 }
 
 TEST_F(Request, tellsWhatKeepsItFromBeginning)
@@ -169,6 +294,7 @@ TEST_F(Request, tellsWhatKeepsItFromBeginning)
     const std::tuple<const char*, int, const char*> cases[] = {
         {"..", ArchiveTypeMacZip, "'..'"},
         {"Demo", ArchiveTypeDiskImage, "/usr/bin/hdiutil"},
+        {"Demo", 7, "no such type of archive"},
     };
     start({{"SelectedDestination", DestinationTagEmail}});
     readMessages();
@@ -198,8 +324,8 @@ TEST_F(Request, tellsWhatIsLeftOutAndWhatTheDesktopCouldNotDo)
     nextIs("Not everything can be archived", "sftp://host/far\nfile://other/file");
     drop({source / "one.txt"}); // nothing is told again
     endSheet("savePanel");
-    controller().couldNotOpen(std::vector<Path>(9, "/no/such"));
-    nextIs("There are no such files", "/no/such\n/no/such\n…");
+    controller().couldNotOpen(QStringList(11, "/no/such"));
+    nextIs("There are no such files", "/no/such\n… and 1 more");
 
     const Path archive = source / "one.txt";
     Q_EMIT workspace.couldNotReveal(source / "none.zip"); // of a cancelled request: no word of it

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -50,6 +51,22 @@ constexpr std::size_t smallestJudged = std::size_t{16} << 10;
 // across it is lost, only those into it.
 constexpr std::size_t smallestStored = longestDistance;
 
+// Logs: what lies in their middle tells times, one in every other line or more, and a trial at the
+// quickest level makes it 1/6 or smaller. Only such logs, and only long ones, came out larger than
+// zlib makes them, and only at these levels.
+constexpr std::size_t smallestLog = std::size_t{256} << 10;
+constexpr std::size_t timesSpotSize = std::size_t{4} << 10;
+constexpr std::size_t fewestTimes = 4; // so lines may be 1 KiB long
+constexpr std::size_t logSpotSize = std::size_t{16} << 10;
+constexpr std::size_t logRatio = 6;
+constexpr int firstLogLevel = 5;
+constexpr int lastLogLevel = 7;
+
+// One level more is enough for a log that it makes smaller by that part, as far as a match reaches
+// back. Where the longer search finds no more, the better choice of matches two levels up does.
+constexpr std::size_t levelTrialSize = longestDistance;
+constexpr std::size_t enoughGain = 50;
+
 // Small files are compressed in spite of even bytes, unless they begin as these do.
 constexpr auto compressedFormats = std::to_array<std::string_view>({
     "\x1f\x8b\x08", // gzip
@@ -62,9 +79,14 @@ constexpr auto compressedFormats = std::to_array<std::string_view>({
     "wOF2", // web fonts
 });
 
+std::string_view textOf(std::span<const std::byte> data)
+{
+    return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
 bool isOfACompressedFormat(std::span<const std::byte> data)
 {
-    const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+    const std::string_view text = textOf(data);
     return std::ranges::any_of(
         compressedFormats, [&](std::string_view magic) { return text.starts_with(magic); });
 }
@@ -188,6 +210,61 @@ void appendStoredBlocks(std::span<const std::byte> input, bool isLast, ByteBuffe
     } while (!input.empty());
 }
 
+bool isDigit(char byte)
+{
+    return byte >= '0' && byte <= '9';
+}
+
+bool startsWithTimeOfDay(std::string_view text)
+{
+    constexpr std::string_view form = "00:00:00";
+    return std::ranges::equal(text.substr(0, form.size()), form,
+        [](char byte, char wanted) { return wanted == '0' ? isDigit(byte) : byte == wanted; });
+}
+
+// Times of the day, and seconds or milliseconds since 1970.
+std::size_t countTimes(std::string_view text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const std::size_t begin = at;
+        while (at < text.size() && isDigit(text[at]))
+            ++at;
+        const std::size_t digits = at - begin;
+        const bool isLongTime = (digits == 10 || digits == 13) && text[begin] == '1';
+        if (isLongTime || (digits == 2 && startsWithTimeOfDay(text.substr(begin))))
+            ++count;
+    }
+    return count;
+}
+
+bool tellsTimes(std::string_view text)
+{
+    const std::size_t times = countTimes(text);
+    const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n'));
+    return times >= fewestTimes && 2 * times >= lines;
+}
+
+bool isLogOfLikeLines(std::span<const std::byte> data)
+{
+    if (data.size() < smallestLog)
+        return false;
+    const std::span<const std::byte> spot = data.subspan(data.size() / 2, logSpotSize);
+    if (!tellsTimes(textOf(spot.first(timesSpotSize))))
+        return false;
+    Compressor quick(1);
+    ByteBuffer scratch;
+    const std::size_t size = quick.compressSmaller(spot, scratch);
+    return size != 0 && size < spot.size() / logRatio;
+}
+
+std::size_t compress(libdeflate_compressor* compressor, std::span<const std::byte> input,
+    std::span<std::byte> output)
+{
+    return libdeflate_deflate_compress(
+        compressor, input.data(), input.size(), output.data(), output.size());
+}
+
 } // namespace
 
 bool looksIncompressible(std::span<const std::byte> data)
@@ -203,21 +280,41 @@ void Compressor::Free::operator()(libdeflate_compressor* compressor) const
 }
 
 Compressor::Compressor(int level)
-    : _compressor(libdeflate_alloc_compressor(level))
+    : _level(level)
 {
-    if (!_compressor)
-        throw std::bad_alloc();
+    _with(0);
 }
 
 Compressor::~Compressor() = default;
+
+libdeflate_compressor* Compressor::_with(int moreLevels)
+{
+    Library& library = _libraries.at(static_cast<std::size_t>(moreLevels));
+    if (!library)
+        library.reset(libdeflate_alloc_compressor(_level + moreLevels));
+    if (!library)
+        throw std::bad_alloc();
+    return library.get();
+}
+
+libdeflate_compressor* Compressor::_compressorFor(std::span<const std::byte> input)
+{
+    if (_level < firstLogLevel || _level > lastLogLevel || !isLogOfLikeLines(input))
+        return _with(0);
+    const std::span<const std::byte> spot = input.subspan(input.size() / 2, levelTrialSize);
+    ByteBuffer scratch;
+    const std::span<std::byte> room = scratch.room(spot.size());
+    const std::size_t size = compress(_with(0), spot, room);
+    const bool isEnough = compress(_with(1), spot, room) <= size - size / enoughGain;
+    return _with(isEnough ? 1 : 2);
+}
 
 std::size_t Compressor::compressSmaller(std::span<const std::byte> input, ByteBuffer& output)
 {
     if (input.empty())
         return 0;
     const std::span<std::byte> room = output.room(input.size() - 1);
-    const std::size_t size = libdeflate_deflate_compress(
-        _compressor.get(), input.data(), input.size(), room.data(), room.size());
+    const std::size_t size = compress(_compressorFor(input), input, room);
     output.keep(size);
     return size;
 }
@@ -237,11 +334,26 @@ void Compressor::compressPiece(std::span<const std::byte> input, bool isLast, By
 
 void Compressor::_compressRun(std::span<const std::byte> input, bool isLast, ByteBuffer& output)
 {
-    const std::size_t bound = libdeflate_deflate_compress_bound(_compressor.get(), input.size());
+    libdeflate_compressor* const compressor = _compressorFor(input);
+    const std::size_t bound = libdeflate_deflate_compress_bound(compressor, input.size());
     const std::span<std::byte> room = output.room(bound + continuationSize);
-    const std::size_t size = libdeflate_deflate_compress(
-        _compressor.get(), input.data(), input.size(), room.data(), bound);
+    const std::size_t size = compress(compressor, input, room.first(bound));
     output.keep(isLast ? size : makeContinuable(room, size));
+}
+
+void Compressor::restorePiece(std::span<const std::byte> piece, std::span<std::byte> data)
+{
+    ByteBuffer stream; // which has to end: with an empty block
+    stream.append(piece);
+    stream.u16(3);
+    const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
+        decompressor(libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
+    if (!decompressor)
+        throw std::bad_alloc();
+    if (libdeflate_deflate_decompress(
+            decompressor.get(), stream.begin(), stream.size(), data.data(), data.size(), nullptr)
+        != LIBDEFLATE_SUCCESS)
+        throw std::runtime_error("a piece can't be restored");
 }
 
 std::uint64_t Compressor::worstSize(std::uint64_t size)

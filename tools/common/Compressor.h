@@ -4,10 +4,15 @@
 // then left alone, which costs little more than copying. Missed are repeats of less than some 300
 // bytes that the trials do not see (4 KiB in each 64 KiB are tried): such data comes out correct,
 // only larger than it could.
+//
+// Text logs whose lines have much in common (access logs, package logs) are recognised, too: there
+// the search of the library's middle levels gives up long before zlib's does, and the result was up
+// to 1.3% larger. They get one level more, or two where a trial shows that one would not tell.
 #pragma once
 
 #include "tools/common/ByteBuffer.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -40,6 +45,9 @@ public:
     // must be followed by another. Parts that do not compress go into stored blocks.
     void compressPiece(std::span<const std::byte> input, bool isLast, ByteBuffer& output);
 
+    // Fills `data` with what a piece was made of.
+    static void restorePiece(std::span<const std::byte> piece, std::span<std::byte> data);
+
     // The most bytes that compressed pieces of together `size` bytes can take.
     static std::uint64_t worstSize(std::uint64_t size);
 
@@ -49,5 +57,10 @@ private:
     struct Free {
         void operator()(libdeflate_compressor* compressor) const;
     };
-    std::unique_ptr<libdeflate_compressor, Free> _compressor;
+    using Library = std::unique_ptr<libdeflate_compressor, Free>;
+    libdeflate_compressor* _with(int moreLevels);
+    libdeflate_compressor* _compressorFor(std::span<const std::byte> input);
+
+    const int _level;
+    std::array<Library, 3> _libraries; // with so many levels more, made when they are needed
 };

@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include <sys/prctl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -41,8 +42,12 @@ void install()
     }
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
-    if (!outlivesParent)
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (outlivesParent)
+        return;
+    const pid_t parent = ::getppid();
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (::getppid() != parent) // it has ended before its end was to be told
+        stopRequested = true;
 }
 
 bool isRequested()

@@ -1,10 +1,16 @@
 #include "tools/common/Messages.h"
 
-#include "system/FileBytes.h"
 #include "system/Utf8.h"
+#include "tools/common/Interrupt.h"
 
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <initializer_list>
 #include <mutex>
+#include <utility>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace
@@ -14,10 +20,49 @@ namespace
 // parts.
 std::mutex outputMutex;
 
-void write(int descriptor, std::string_view text)
+// Waits until the stream takes more. False when a stop is asked for first: a signal need not
+// interrupt the thread that waits here, so that is looked for now and then.
+bool takesMore(int descriptor)
+{
+    constexpr int milliseconds = 100;
+    pollfd stream{.fd = descriptor, .events = POLLOUT, .revents = 0};
+    while (true) {
+        const bool isLast = Interrupt::isRequested();
+        const int count = ::poll(&stream, 1, isLast ? 0 : milliseconds);
+        if (count > 0)
+            return true;
+        if (isLast || (count < 0 && errno != EINTR))
+            return false;
+    }
+}
+
+void writePiece(int descriptor, std::string_view piece)
+{
+    while (!piece.empty() && takesMore(descriptor)) {
+        const ssize_t count = ::write(descriptor, piece.data(), piece.size());
+        if (count > 0)
+            piece.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EINTR && errno != EAGAIN)
+            return;
+    }
+}
+
+// In pieces of which a pipe that takes any takes all. Needs no memory, as there may be none.
+void write(int descriptor, std::initializer_list<std::string_view> parts)
 {
     const std::lock_guard lock(outputMutex);
-    (void)FileBytes::writeAll(descriptor, text);
+    std::array<char, PIPE_BUF> piece{};
+    std::size_t used = 0;
+    for (std::string_view part : parts) {
+        while (!part.empty()) {
+            const std::size_t count = part.copy(piece.data() + used, piece.size() - used);
+            part.remove_prefix(count);
+            used += count;
+            if (used == piece.size())
+                writePiece(descriptor, {piece.data(), std::exchange(used, 0)});
+        }
+    }
+    writePiece(descriptor, {piece.data(), used});
 }
 
 void appendOctal(std::string& text, unsigned byte)
@@ -81,19 +126,18 @@ std::string readableName(std::string_view name)
 
 void progress(std::string_view lines)
 {
-    write(STDOUT_FILENO, lines);
+    write(STDOUT_FILENO, {lines});
 }
 
-void tell(const std::string& text)
+void tell(std::string_view about, std::string_view text, std::string_view more)
 {
-    write(STDERR_FILENO, text + '\n');
+    write(STDERR_FILENO, {about, ": ", text, more, "\n"});
 }
 
 void warn(std::string_view name, std::string_view reason)
 {
-    std::string text = "warning: " + readableName(name) + ": ";
-    text += reason;
-    tell(text);
+    const std::string readable = readableName(name);
+    write(STDERR_FILENO, {"warning: ", readable, ": ", reason, "\n"});
 }
 
 } // namespace Messages

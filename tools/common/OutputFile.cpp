@@ -6,6 +6,10 @@
 #include "tools/common/Interrupt.h"
 #include "tools/common/Messages.h"
 
+#include <chrono>
+#include <cstring>
+#include <thread>
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -33,7 +37,8 @@ constexpr mode_t newFilesMode = 0666; // less the umask
 // None if there is nothing of that name.
 FileDescriptor openInPlace(const std::string& path)
 {
-    FileDescriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+    constexpr int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK;
+    FileDescriptor file(retryOnInterrupt([&] { return ::open(path.c_str(), flags); }));
     if (!file && errno != ENOENT)
         cannotCreate(path);
     FileStatus status{};
@@ -48,13 +53,17 @@ FileDescriptor openInPlace(const std::string& path)
     return file;
 }
 
-// Waits for the lock; an interrupt ends the wait.
+// Waits for the lock; an interrupt ends the wait, also one that comes right before it: so it is
+// asked for again and again. Where nothing can be locked, it goes on without.
 void lock(int descriptor, const std::string& path)
 {
-    while (::flock(descriptor, LOCK_EX) != 0) {
-        if (errno != EINTR)
+    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS || errno == EINVAL)
+            return;
+        if (errno != EWOULDBLOCK && errno != EINTR)
             cannotCreate(path);
         Interrupt::check();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
 }
 
@@ -125,10 +134,12 @@ void OutputFile::commit(Existing existing)
 
 bool OutputFile::commitDurably(Existing existing)
 {
+    const std::string about = "warning: " + Messages::readableName(_path);
     _checkCommit(_part->commitDurably(existing));
+    // From here on the archive is there: nothing may fail any more, be it for lack of memory.
     const std::error_code failure = _part->nameFailure();
     if (failure)
-        Messages::warn(_path, "may be lost in a power cut: " + failure.message());
+        Messages::tell(about, "may be lost in a power cut: ", std::strerror(failure.value()));
     return !failure;
 }
 

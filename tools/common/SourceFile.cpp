@@ -11,29 +11,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace
-{
-
-bool isSameTime(const timespec& a, const timespec& b)
-{
-    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-// A changed inode time alone is enough, unless it comes from another name of the file made or
-// removed.
-bool hasChanged(const FileStatus& before, const FileStatus& after)
-{
-    return before.st_size != after.st_size || !isSameTime(before.st_mtim, after.st_mtim)
-        || (!isSameTime(before.st_ctim, after.st_ctim) && before.st_nlink == after.st_nlink);
-}
-
-} // namespace
-
 SourceFile::SourceFile(const TreeItem& item)
 {
-    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    _file = FileDescriptor(
-        ::openat(item.folder, item.name, item.isFollowed ? flags : flags | O_NOFOLLOW));
+    const int flags
+        = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | (item.isFollowed ? 0 : O_NOFOLLOW);
+    _file
+        = FileDescriptor(retryOnInterrupt([&] { return ::openat(item.folder, item.name, flags); }));
     if (!_file && errno == ELOOP && !item.isFollowed) {
         _isUnreadable = true;
         _problem = "was replaced by a link while its folder was read";

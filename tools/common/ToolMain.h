@@ -3,10 +3,9 @@
 
 #include "tools/common/Failure.h"
 
-#include <functional>
+#include <initializer_list>
 #include <span>
 #include <utility>
-#include <vector>
 
 using ToolArguments = std::span<const char* const>; // without the program's name
 
@@ -20,13 +19,14 @@ enum class ToolResult {
 struct ToolStatuses {
     int withWarnings;
     int failed; // in all ways but these:
-    std::vector<std::pair<FailureKind, int>> failures;
+    std::initializer_list<std::pair<FailureKind, int>> failures;
 };
 
+// Needs no memory, so that the lack of it can be told.
 struct Tool {
     const char* name;
-    ToolStatuses statuses;
-    std::function<ToolResult(ToolArguments)> job;
+    const ToolStatuses& statuses;
+    ToolResult (*job)(ToolArguments);
 
     // Runs the job, prepared for signals, and returns the exit status. A failure is told as
     // "NAME: TEXT".

@@ -63,7 +63,7 @@ using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 OpenFolder openFolder(int parent, const char* name, bool isFollowed)
 {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isFollowed ? 0 : O_NOFOLLOW);
-    FileDescriptor opened(::openat(parent, name, flags));
+    FileDescriptor opened(retryOnInterrupt([&] { return ::openat(parent, name, flags); }));
     if (!opened)
         return nullptr;
     OpenFolder folder(::fdopendir(opened.number()));
@@ -134,8 +134,28 @@ private:
         }
         if (hasMore)
             _visitor.warn(_path, "was moved while it was read");
-        _folder.reset();
+        _leave();
+    }
+
+    // Steps back to the folder above, which is cheaper than opening it from the top. There is no
+    // such way out of a folder that a link led to.
+    void _leave()
+    {
+        const bool canStepBack = _folder && !_frames.back().isFollowed && _frames.size() > 1;
         _frames.pop_back();
+        _folder
+            = canStepBack ? _open(_frames.back(), ::dirfd(_folder.get()), "..", false) : nullptr;
+    }
+
+    // Null if it is not the frame's folder, or cannot be opened.
+    static OpenFolder _open(const Frame& frame, int parent, const char* name, bool isFollowed)
+    {
+        OpenFolder folder = openFolder(parent, name, isFollowed);
+        FileStatus status{};
+        if (!folder || ::fstat(::dirfd(folder.get()), &status) != 0 || status.st_dev != frame.device
+            || status.st_ino != frame.inode)
+            return nullptr;
+        return folder;
     }
 
     // Opens the last frame's folder again, from the top.
@@ -146,14 +166,10 @@ private:
             const std::string name
                 = begin == 0 ? _name : _path.substr(begin, frame.pathSize - begin);
             begin = frame.pathSize + 1;
-            _folder = openFolder(
-                _folder ? ::dirfd(_folder.get()) : AT_FDCWD, name.c_str(), frame.isFollowed);
-            FileStatus status{};
-            if (!_folder || ::fstat(::dirfd(_folder.get()), &status) != 0
-                || status.st_dev != frame.device || status.st_ino != frame.inode) {
-                _folder.reset();
+            _folder = _open(
+                frame, _folder ? ::dirfd(_folder.get()) : AT_FDCWD, name.c_str(), frame.isFollowed);
+            if (!_folder)
                 return false;
-            }
         }
         return true;
     }
@@ -294,6 +310,8 @@ private:
             errno = 0;
             // Each folder is read by the one thread that has opened it.
             const dirent* entry = ::readdir(_folder.get()); // NOLINT(concurrency-mt-unsafe)
+            if (entry == nullptr && errno == EINTR)
+                continue;
             if (entry == nullptr) {
                 if (errno != 0)
                     _visitor.warn(_path, errorText(errno));

@@ -10,8 +10,7 @@ namespace
 {
 
 constexpr std::size_t finderOffset = 50;
-constexpr std::size_t finderSize = 32;
-constexpr std::size_t attributesOffset = finderOffset + finderSize + 2;
+constexpr std::size_t attributesOffset = finderOffset + AppleDouble::finderSize + 2;
 constexpr std::size_t longestHead = 65536;
 constexpr std::size_t longestName = 127;
 constexpr std::size_t mostBytes = pieceSize; // it goes through the pipeline in one piece
@@ -32,9 +31,11 @@ void replace(ByteBuffer& bytes, std::span<const std::byte> others)
 bool AppleDouble::add(std::string_view name, std::span<const std::byte> value)
 {
     bool isAdded = _totalSize() + value.size() <= mostBytes;
-    if (isAdded && name == "com.apple.ResourceFork")
+    if (name == finderInformationName)
+        isAdded = isAdded && value.size() == finderSize;
+    if (isAdded && name == resourceForkName)
         replace(_resourceFork, value);
-    else if (isAdded && name == "com.apple.FinderInfo" && value.size() == finderSize)
+    else if (isAdded && name == finderInformationName)
         replace(_finderInformation, value);
     else
         isAdded = isAdded && _addAttribute(name, value);
@@ -69,12 +70,13 @@ ByteBuffer AppleDouble::bytes() const
         = [&](std::size_t value) { bytes.u32(htobe32(static_cast<std::uint32_t>(value))); };
     const auto zerosTo = [&](std::size_t size) { bytes.zeros(size - bytes.size()); };
 
-    u32(0x00051607);
-    u32(0x00020000);
+    u32(magic);
+    u32(version);
     bytes.text("Mac OS X        ");
     u16(2);
-    for (const std::size_t number : {std::size_t{9}, finderOffset, valuesEnd - finderOffset, //
-             std::size_t{2}, valuesEnd, _resourceFork.size()})
+    for (const std::size_t number :
+        {std::size_t{finderKind}, finderOffset, valuesEnd - finderOffset, //
+            std::size_t{resourceForkKind}, valuesEnd, _resourceFork.size()})
         u32(number);
     bytes.append(_finderInformation);
     zerosTo(attributesOffset);

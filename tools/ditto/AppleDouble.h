@@ -16,12 +16,15 @@
 //
 // Readers want the two entries in this order, the head up to the values within 64 KiB, and names of
 // at most 127 bytes. The resource fork and the Finder information are themselves attributes, known
-// by their names.
+// by their names. One of the latter's name with another size must not be among the attributes: the
+// system refuses it, and macOS's reader (copyfile.c in its published sources) then gives up all
+// that would follow.
 #pragma once
 
 #include "tools/common/ByteBuffer.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,6 +33,15 @@
 class AppleDouble
 {
 public:
+    static constexpr std::string_view finderInformationName = "com.apple.FinderInfo";
+    static constexpr std::string_view resourceForkName = "com.apple.ResourceFork";
+    static constexpr std::size_t finderSize = 32;
+
+    static constexpr std::uint32_t magic = 0x00051607;
+    static constexpr std::uint32_t version = 0x00020000;
+    static constexpr std::uint32_t finderKind = 9;
+    static constexpr std::uint32_t resourceForkKind = 2;
+
     // False if there is no room left for it or no form in which readers would take it.
     [[nodiscard]] bool add(std::string_view name, std::span<const std::byte> value);
     [[nodiscard]] bool isEmpty() const { return !_hasAny; }

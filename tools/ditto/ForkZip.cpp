@@ -4,6 +4,7 @@
 #include "tools/common/Messages.h"
 #include "tools/ditto/AppleDouble.h"
 #include "tools/ditto/ExtendedAttributes.h"
+#include "tools/ditto/ServerForks.h"
 #include "tools/zip/StoreTree.h"
 
 #include <cerrno>
@@ -63,21 +64,44 @@ private:
     void _addAttributes(const TreeItem& item, const FileStatus& status, int descriptor)
     {
         AppleDouble side;
+        ServerForks::Attributes forks;
         ExtendedAttributes::forEach(descriptor, [&](const auto& name, auto value, int error) {
-            _addAttribute(side, item, name, value, error);
+            const bool isUsers = name.starts_with(ExtendedAttributes::userPrefix);
+            if (error != 0 && (isUsers || name.empty()))
+                warn(item.path, "extended attribute " + name + ": " + errorText(error));
+            else if (isUsers)
+                _addAttribute(
+                    side, forks, item, name.substr(ExtendedAttributes::userPrefix.size()), value);
         });
+        ServerForks::translate(forks);
+        for (const auto& [name, value] : forks)
+            _addTo(side, item, name, value);
         if (!side.isEmpty())
             _addSide(item, status, side);
     }
 
-    void _addAttribute(AppleDouble& side, const TreeItem& item, const std::string& name,
-        std::span<const std::byte> value, int error)
+    // Those of the forks are gathered: which of them counts is told by all of them.
+    void _addAttribute(AppleDouble& side, ServerForks::Attributes& forks, const TreeItem& item,
+        const std::string& name, std::span<const std::byte> value)
     {
-        const bool isUsers = name.starts_with(ExtendedAttributes::userPrefix);
-        if (error != 0 && (isUsers || name.empty()))
-            warn(item.path, "extended attribute " + name + ": " + errorText(error));
-        else if (isUsers && !side.add(name.substr(ExtendedAttributes::userPrefix.size()), value))
-            warn(item.path, "extended attribute " + name + " is too long to be stored");
+        if (name == AppleDouble::finderInformationName && value.size() != AppleDouble::finderSize)
+            warn(item.path, _named(name) + " is no Finder information, not 32 bytes; not stored");
+        else if (ServerForks::concern(name))
+            forks.try_emplace(name, value.begin(), value.end());
+        else
+            _addTo(side, item, name, value);
+    }
+
+    void _addTo(AppleDouble& side, const TreeItem& item, const std::string& name,
+        std::span<const std::byte> value)
+    {
+        if (!side.add(name, value))
+            warn(item.path, _named(name) + " is too long to be stored");
+    }
+
+    static std::string _named(const std::string& name)
+    {
+        return "extended attribute " + std::string(ExtendedAttributes::userPrefix) + name;
     }
 
     void _addSide(const TreeItem& item, const FileStatus& status, const AppleDouble& side)

@@ -4,7 +4,7 @@
 
 int main(int argumentCount, char** arguments)
 {
-    const ToolStatuses statuses{.withWarnings = 1,
+    static constexpr ToolStatuses statuses{.withWarnings = 1,
         .failed = 2,
         .failures = {{FailureKind::usage, 64}, // as sysexits.h has it
             {FailureKind::interrupted, 130}}};

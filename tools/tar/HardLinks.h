@@ -1,9 +1,11 @@
-// The entries of files that have several names, to store the other names as hard links to. Forgets
-// a file when all its names have come, and remembers no more when there are very many: other names
-// are then stored as files of their own.
+// The entries of files that may be met again: those that have several names, that links lead to, or
+// that lie in a folder which is entered again. Whatever name such a file is met by later becomes a
+// hard link to its first entry. What is remembered is bounded, so that a million linked files do
+// not take the machine's memory: beyond that, files are stored under each of their names.
 #pragma once
 
 #include "system/FileStatus.h"
+#include "tools/tar/LinkedFiles.h"
 
 #include <cstddef>
 #include <map>
@@ -13,18 +15,23 @@
 class HardLinks
 {
 public:
-    // The entry that `status` is another name of; null if it is none. Valid until the next call.
-    const std::string* find(const FileStatus& status);
+    explicit HardLinks(LinkedFiles linked)
+        : _linked(std::move(linked))
+    {
+    }
 
-    // Remembers the first name of a file, if it has more.
+    // The files that follow are in this folder.
+    void enter(const FileStatus& folder) { _isEnteredAgain = _linked.contains(folder); }
+
+    // The entry that `status` is another name of; null if it is none.
+    [[nodiscard]] const std::string* find(const FileStatus& status) const;
+
+    // Remembers the first name of a file that may be met again.
     void add(const FileStatus& status, const std::string& name);
 
 private:
-    struct First {
-        std::string name;
-        nlink_t namesToCome;
-    };
-    std::map<std::pair<dev_t, ino_t>, First> _files;
-    std::string _found;
+    const LinkedFiles _linked;
+    bool _isEnteredAgain = false; // the folder
+    std::map<std::pair<dev_t, ino_t>, std::string> _names;
     std::size_t _size = 0; // what is remembered, in bytes
 };

@@ -54,6 +54,7 @@ bool StreamReader::addFolder(const TreeItem& item, const FileStatus& status)
     TarFormat::Entry entry = makeEntry(TarFormat::Type::folder, item, status);
     entry.name += '/';
     _addBare(entry);
+    _hardLinks.enter(status);
     return true;
 }
 

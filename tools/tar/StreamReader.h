@@ -14,9 +14,11 @@
 class StreamReader : public TreeReader
 {
 public:
-    StreamReader(Pipeline<StreamBlock>::Feed& feed, const OwnFiles& ownFiles)
+    StreamReader(
+        Pipeline<StreamBlock>::Feed& feed, const OwnFiles& ownFiles, LinkedFiles linkedFiles)
         : TreeReader(ownFiles)
         , _feed(feed)
+        , _hardLinks(std::move(linkedFiles))
     {
     }
 

@@ -88,6 +88,19 @@ std::string paxRecord(std::string_view key, std::string_view value)
     return record;
 }
 
+// Seconds as a decimal fraction; before 1970 whole ones, because bsdtar reads fractions of those as
+// if they counted forward.
+std::string decimal(const timespec& time)
+{
+    std::string text = std::to_string(time.tv_sec);
+    if (time.tv_sec < 0 || time.tv_nsec == 0)
+        return text;
+    std::string fraction = std::to_string(1'000'000'000 + time.tv_nsec);
+    fraction.front() = '.';
+    fraction.erase(fraction.find_last_not_of('0') + 1);
+    return text + fraction;
+}
+
 std::string paxRecords(const Entry& entry)
 {
     std::string records;
@@ -100,7 +113,11 @@ std::string paxRecords(const Entry& entry)
     if (entry.linkTarget.size() > linkField.size)
         records += paxRecord("linkpath", entry.linkTarget);
     addNumber("size", static_cast<std::int64_t>(entry.size), sizeField);
-    addNumber("mtime", entry.status.st_mtime, timeField);
+    const timespec& time = entry.status.st_mtim;
+    // Another name of a file has that one's time.
+    if (!fits(time.tv_sec, timeField)
+        || (time.tv_nsec != 0 && entry.type != TarFormat::Type::hardLink))
+        records += paxRecord("mtime", decimal(time));
     addNumber("uid", entry.status.st_uid, ownerField);
     addNumber("gid", entry.status.st_gid, groupField);
     return records;
@@ -146,14 +163,17 @@ ByteBuffer header(const Entry& entry)
 {
     ByteBuffer bytes;
     const std::string records = paxRecords(entry);
-    // A stand-in for what does not fit, seen only by readers that do not know extended headers.
-    const SplitName shortened{"", Utf8::shortened(entry.name, nameField.size)};
     if (!records.empty()) {
-        const std::string name = "PaxHeaders/" + std::string(shortened.name);
-        appendBlock(bytes, {"", Utf8::shortened(name, nameField.size)}, paxType, records.size(),
-            Entry{.type = {}, .name = {}, .linkTarget = {}, .status = entry.status});
+        // The same for all, since most entries may have one: it takes 42 bytes compressed, with the
+        // entry's own name and status 50.
+        FileStatus plain{};
+        plain.st_mode = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+        appendBlock(bytes, {"", "PaxHeader"}, paxType, records.size(),
+            Entry{.type = {}, .name = {}, .linkTarget = {}, .status = plain});
         append(bytes, records);
     }
+    // A stand-in for what does not fit, seen only by readers that do not know extended headers.
+    const SplitName shortened{"", Utf8::shortened(entry.name, nameField.size)};
     appendBlock(bytes, split(entry.name).value_or(shortened), static_cast<char>(entry.type),
         entry.size, entry);
     return bytes;

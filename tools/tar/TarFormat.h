@@ -1,5 +1,6 @@
 // The headers of a tar archive: ustar (POSIX.1-1988) in blocks of 512 bytes, and before an entry
-// whose numbers or names do not fit there a pax extended header (POSIX.1-2001) with just those.
+// whose numbers or names do not fit there, or whose time has a fraction of a second, a pax extended
+// header (POSIX.1-2001) with just those.
 // Names are bytes as the file system has them. Owners are written as numbers only: names of one
 // machine's users mean nothing on another.
 #pragma once

@@ -62,8 +62,8 @@ private:
 Counts readTree(
     Pipeline<StreamBlock>::Feed& feed, const OwnFiles& ownFiles, const TarOptions& options)
 {
-    StreamReader reader(feed, ownFiles);
     const TreeWalkOptions walk{.followsLinks = true, .excludesDSStore = options.excludesDSStore};
+    StreamReader reader(feed, ownFiles, LinkedFiles(options.folder, walk, ownFiles));
     const std::uint64_t excluded = walkTree(options.folder, options.folder, walk, reader);
     reader.finish();
     return {reader.entryCount(), excluded, reader.warningCount()};

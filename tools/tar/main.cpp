@@ -3,7 +3,7 @@
 
 int main(int argumentCount, char** arguments)
 {
-    const ToolStatuses statuses{
+    static constexpr ToolStatuses statuses{
         .withWarnings = 1, .failed = 2, .failures = {{FailureKind::interrupted, 130}}};
     const Tool tar{
         "tar", statuses, [](ToolArguments given) { return runTar(TarOptions::parse(given)); }};

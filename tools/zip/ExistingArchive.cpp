@@ -95,7 +95,7 @@ std::optional<ZipFormat::Directory> readZip64(int descriptor, std::uint64_t endO
     record.skip(4);
     if (record.u32() != 0 || record.u32() != 0)
         throw bad("spans several files");
-    ZipFormat::Directory directory;
+    ZipFormat::Directory directory{.usesZip64 = true};
     const std::uint64_t entriesHere = record.u64();
     directory.entryCount = record.u64();
     directory.size = record.u64();
@@ -112,7 +112,7 @@ ZipFormat::Directory combine(const EndRecord& end, const std::optional<ZipFormat
     if (end.disk != 0 || end.directoryDisk != 0 || end.entries != end.entriesHere)
         throw bad("spans several files");
     if (!zip64)
-        return {end.entries, end.size, end.offset};
+        return {.entryCount = end.entries, .size = end.size, .offset = end.offset};
     const auto agrees = [](std::uint64_t value, std::uint64_t mark, std::uint64_t wide) {
         return value == mark || value == wide;
     };
@@ -142,6 +142,7 @@ struct Record {
     std::string_view name;
     std::uint64_t offset = 0;
     std::size_t size = 0;
+    bool usesZip64 = false;
 };
 
 // The record that `bytes` begin with; none if they end within it.
@@ -172,6 +173,7 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes)
     Record record;
     record.name = {reinterpret_cast<const char*>(name.data()), name.size()};
     record.offset = offset;
+    record.usesZip64 = size == mark32 || compressedSize == mark32 || offset == mark32;
     if (offset == mark32)
         record.offset = wideOffset(
             extra, static_cast<std::size_t>(size == mark32) + (compressedSize == mark32 ? 1 : 0));
@@ -230,6 +232,7 @@ void ExistingArchive::_readRecords(int descriptor, SpillBuffer& records)
             if (record->offset >= directory.offset)
                 throw bad("has a member outside of it");
             _addName(record->name);
+            directory.usesZip64 = directory.usesZip64 || record->usesZip64;
             rest = rest.subspan(record->size);
             ++count;
         }

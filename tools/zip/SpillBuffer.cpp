@@ -5,7 +5,7 @@
 #include "tools/common/Failure.h"
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,7 +16,8 @@ namespace
 // Room for the directory records of about 80,000 entries.
 constexpr std::size_t memoryLimit = std::size_t{8} << 20;
 constexpr std::size_t roomBehind = std::size_t{64} << 10;
-constexpr std::size_t readSize = std::size_t{256} << 10;
+// So much that it can lie on the stack: an archive has to be put back without memory, too.
+constexpr std::size_t readSize = std::size_t{16} << 10;
 
 Failure cannotSpill()
 {
@@ -61,7 +62,7 @@ void SpillBuffer::_spill()
 void SpillBuffer::read(
     std::uint64_t size, const std::function<void(std::span<const std::byte>)>& take) const
 {
-    std::vector<std::byte> buffer(std::min<std::uint64_t>(readSize, std::min(size, _spilled)));
+    std::array<std::byte, readSize> buffer{};
     std::uint64_t done = 0;
     while (done < std::min(size, _spilled)) {
         const auto count = std::min<std::uint64_t>(buffer.size(), std::min(size, _spilled) - done);

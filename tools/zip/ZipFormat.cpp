@@ -3,6 +3,7 @@
 #include "system/Utf8.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace
 {
@@ -60,25 +61,38 @@ std::uint32_t dosTimeOf(std::time_t time)
         | bits(local.tm_hour, 11) | bits(local.tm_min, 5) | bits(std::min(local.tm_sec, 59) / 2, 0);
 }
 
-void appendTimeExtra(ByteBuffer& extra, std::time_t modified)
+// As NTFS counts it, in 100 ns since 1601, which some readers take for a signed number. None for a
+// time that this can't tell.
+std::optional<std::uint64_t> ntfsTime(const timespec& time)
 {
-    if (modified >= 0 && modified <= INT32_MAX) {
+    constexpr std::int64_t secondsFrom1601 = 11'644'473'600;
+    constexpr std::int64_t ticksPerSecond = 10'000'000;
+    constexpr std::int64_t end = INT64_MAX / ticksPerSecond - secondsFrom1601;
+    if (time.tv_sec < -secondsFrom1601 || time.tv_sec >= end)
+        return std::nullopt;
+    const std::int64_t seconds = time.tv_sec + secondsFrom1601;
+    return static_cast<std::uint64_t>(seconds * ticksPerSecond + time.tv_nsec / 100);
+}
+
+void appendTimeExtra(ByteBuffer& extra, const timespec& modified)
+{
+    if (modified.tv_sec >= 0 && modified.tv_sec <= INT32_MAX) {
         extra.u16(timestampExtraId);
         extra.u16(5);
         extra.u8(1); // only the modification time
-        extra.u32(static_cast<std::uint64_t>(modified));
+        extra.u32(static_cast<std::uint64_t>(modified.tv_sec));
         return;
     }
-    constexpr std::int64_t secondsFrom1601 = 11'644'473'600;
-    constexpr std::int64_t ticksPerSecond = 10'000'000;
-    const auto ticks = static_cast<std::uint64_t>((modified + secondsFrom1601) * ticksPerSecond);
+    const std::optional<std::uint64_t> ticks = ntfsTime(modified);
+    if (!ticks)
+        return;
     extra.u16(ntfsExtraId);
     extra.u16(32);
     extra.u32(0);
     extra.u16(1); // the times
     extra.u16(24);
     for (int kind = 0; kind < 3; ++kind) // modified, accessed, created: only the first is known
-        extra.u64(ticks);
+        extra.u64(*ticks);
 }
 
 void appendOwnerExtra(ByteBuffer& extra, const Entry& entry)
@@ -145,7 +159,7 @@ Entry makeEntry(std::string name, const FileStatus& status)
     Entry entry;
     entry.name = std::move(name);
     entry.mode = status.st_mode;
-    entry.modified = status.st_mtime;
+    entry.modified = status.st_mtim;
     entry.dosTime = dosTimeOf(status.st_mtime);
     entry.owner = status.st_uid;
     entry.group = status.st_gid;
@@ -172,9 +186,8 @@ void appendLocalHeader(ByteBuffer& bytes, const Entry& entry)
 
 void appendCentralRecord(ByteBuffer& bytes, const Entry& entry)
 {
-    const bool usesZip64 = entry.needsZip64Sizes() || entry.offset >= mark32;
     const ByteBuffer extra = centralExtra(entry);
-    const unsigned version = versionNeeded(entry, usesZip64);
+    const unsigned version = versionNeeded(entry, entry.needsZip64());
     bytes.u32(centralSignature);
     bytes.u16((hostUnix << 8) | std::max(version, 30U));
     bytes.u16(version);
@@ -197,8 +210,8 @@ void appendCentralRecord(ByteBuffer& bytes, const Entry& entry)
 
 void appendEnd(ByteBuffer& bytes, const Directory& directory, std::span<const std::byte> comment)
 {
-    const bool usesZip64
-        = directory.entryCount >= mark16 || directory.size >= mark32 || directory.offset >= mark32;
+    const bool usesZip64 = directory.usesZip64 || directory.entryCount >= mark16
+        || directory.size >= mark32 || directory.offset >= mark32;
     if (usesZip64) {
         bytes.u32(zip64EndSignature);
         bytes.u64(zip64EndSize - 12); // what follows this field

@@ -2,15 +2,18 @@
 //
 //   local header, name, extra fields, data       for each entry, one after the other
 //   central directory record, name, extra fields for each entry again
-//   zip64 end of central directory and locator   only when a number below does not fit
+//   zip64 end of central directory and locator   only when a number in any record does
+//                                                not fit
 //   end of central directory, comment
 //
 // What we write: sizes and checksum always in the local header, so no data descriptors. Names are
 // bytes as the file system has them, with the UTF-8 flag exactly when they are UTF-8 and not plain
-// ASCII. Unix modes in the external attributes. Times to the second and in UTC in an extended
-// timestamp (0x5455) where its signed 32 bits hold them, else in an NTFS field (0x000a); owner and
-// group in 0x7875. A number of 0xFFFFFFFF (0xFFFF for a count) is the mark that the zip64 field
-// holds it, so that very value takes zip64 too.
+// ASCII. Unix modes in the external attributes. Times in UTC: to the second in an extended
+// timestamp (0x5455) where its signed 32 bits hold them, else to 100 ns in an NTFS field (0x000a);
+// those before 1601 or after 30828 only as the nearest that the old fields hold. Owner and group in
+// 0x7875. A number of 0xFFFFFFFF (0xFFFF for a count) is the mark that the zip64 field holds it, so
+// that very value takes zip64 too. Some readers believe the zip64 fields of a record only where the
+// archive has a zip64 end, so it has one for these, too.
 #pragma once
 
 #include "system/FileStatus.h"
@@ -50,7 +53,7 @@ struct Entry {
     std::uint64_t compressedSize = 0;
     std::uint64_t offset = 0; // of the local header
     mode_t mode = 0;
-    std::time_t modified = 0;
+    timespec modified{};
     std::uint32_t dosTime = 0; // date in the high half; local time, even seconds
     uid_t owner = 0;
     gid_t group = 0;
@@ -62,6 +65,7 @@ struct Entry {
     {
         return size >= mark32 || compressedSize >= mark32;
     }
+    [[nodiscard]] bool needsZip64() const { return needsZip64Sizes() || offset >= mark32; }
 };
 
 // An entry for something of that name and status, sizes and checksum still to come.
@@ -76,6 +80,7 @@ struct Directory {
     std::uint64_t entryCount = 0;
     std::uint64_t size = 0; // of the central directory, in bytes
     std::uint64_t offset = 0;
+    bool usesZip64 = false; // a record does, or the end has done so before
 };
 
 // Appends what follows the central directory: the end record, and the zip64 ones when needed.

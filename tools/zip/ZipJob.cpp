@@ -23,8 +23,8 @@ std::string storedName(const ZipOptions& options, const ExistingArchive& existin
     const auto taken = existing.setOfTopNames();
     const auto isTaken = [&](const std::string& name) { return taken.contains(name); };
     std::string name = FileName::nextFree(options.item, isFolder, isTaken);
-    Messages::tell(Messages::readableName(options.item)
-        + ": the archive has this name already; stored as " + Messages::readableName(name));
+    Messages::tell(Messages::readableName(options.item),
+        "the archive has this name already; stored as " + Messages::readableName(name));
     return name;
 }
 

@@ -1,9 +1,14 @@
 #include "tools/zip/ZipWriter.h"
 
+#include "system/FileBytes.h"
 #include "system/PathString.h"
+#include "tools/common/Compressor.h"
 #include "tools/common/Crc32.h"
 #include "tools/common/Failure.h"
+#include "tools/common/Interrupt.h"
 #include "tools/common/Messages.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -28,6 +33,7 @@ ZipWriter::ZipWriter(const std::string& path, Existing existing, ProgressLine pr
     const auto size = static_cast<std::uint64_t>(_file.status().st_size);
     if (_isInPlace && size > 0)
         _existing = ExistingArchive::read(_file.descriptor(), size, _records);
+    _usesZip64 = _existing.directory.usesZip64;
     _file.setPosition(_existing.directory.offset);
 }
 
@@ -38,7 +44,7 @@ ZipWriter::~ZipWriter()
     try {
         _restore();
     } catch (const std::exception& error) {
-        Messages::tell(std::string("the archive could not be put back as it was: ") + error.what());
+        Messages::tell("the archive could not be put back as it was", error.what());
     }
 }
 
@@ -65,6 +71,7 @@ void ZipWriter::_addPiece(const Block& block, const Member& piece)
     if (piece.isFirst) {
         ++_entryCount;
         _open = piece.entry;
+        _pieces.clear();
         _open.offset = _file.position();
         ByteBuffer header;
         ZipFormat::appendLocalHeader(header, _open);
@@ -76,16 +83,50 @@ void ZipWriter::_addPiece(const Block& block, const Member& piece)
     _open.crc = Crc32::combine(_open.crc, piece.crc, input.size());
     _open.size += input.size();
     _open.compressedSize += data.size();
-    if (!piece.isLast)
-        return;
-    if (piece.isAbandoned) {
+    _pieces.push_back({input.size(), data.size()});
+    if (piece.isAbandoned)
         _file.setPosition(_open.offset);
-        return;
-    }
+    else if (piece.isLast)
+        _finishOpen();
+}
+
+void ZipWriter::_finishOpen()
+{
+    if (_open.method == ZipFormat::Method::deflated && _open.compressedSize >= _open.size)
+        _storeOpen();
     ByteBuffer header;
     ZipFormat::appendLocalHeader(header, _open);
     _file.writeAt(_open.offset, header);
     _addRecord(_open);
+}
+
+// What did not get smaller is stored after all. Its pieces are read back from the archive, because
+// the file may be another by now. As far as they were smaller at first, what has to be written
+// would overwrite pieces still to be read: that much, and no more than the others grew, is held
+// back.
+void ZipWriter::_storeOpen()
+{
+    std::uint64_t readAt = _file.position() - _open.compressedSize;
+    std::uint64_t writeAt = readAt;
+    std::vector<std::byte> compressed;
+    std::vector<std::byte> data;
+    for (const Piece& piece : _pieces) {
+        Interrupt::check();
+        compressed.resize(piece.compressedSize);
+        if (FileBytes::readFullyAt(_file.descriptor(), readAt, compressed)
+            != std::ssize(compressed))
+            throw systemFailure(FailureKind::write, "cannot read the archive back");
+        readAt += compressed.size();
+        data.resize(data.size() + piece.size);
+        Compressor::restorePiece(compressed, std::span(data).last(piece.size));
+        const std::size_t ready = std::min<std::uint64_t>(data.size(), readAt - writeAt);
+        _file.writeAt(writeAt, std::span(data).first(ready));
+        writeAt += ready;
+        data.erase(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(ready));
+    }
+    _file.setPosition(writeAt);
+    _open.method = ZipFormat::Method::stored;
+    _open.compressedSize = _open.size;
 }
 
 void ZipWriter::_addRecord(const ZipFormat::Entry& entry)
@@ -93,6 +134,7 @@ void ZipWriter::_addRecord(const ZipFormat::Entry& entry)
     ByteBuffer record;
     ZipFormat::appendCentralRecord(record, entry);
     _records.append(record);
+    _usesZip64 = _usesZip64 || entry.needsZip64();
     ++_newRecords;
     _progress += _progressLine(entry);
 }
@@ -101,8 +143,8 @@ bool ZipWriter::finish()
 {
     if (_newRecords == 0)
         throw Failure(FailureKind::nothingToDo, "nothing to do: no input is left to be stored");
-    const ZipFormat::Directory directory{
-        _existing.directory.entryCount + _newRecords, _records.size(), _file.position()};
+    const ZipFormat::Directory directory{_existing.directory.entryCount + _newRecords,
+        _records.size(), _file.position(), _usesZip64};
     _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
     ByteBuffer end;
     ZipFormat::appendEnd(end, directory, _existing.comment);

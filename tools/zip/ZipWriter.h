@@ -17,6 +17,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 class ZipWriter
 {
@@ -48,7 +49,14 @@ public:
     [[nodiscard]] std::uint64_t entryCount() const { return _entryCount; }
 
 private:
+    struct Piece {
+        std::size_t size = 0;
+        std::size_t compressedSize = 0;
+    };
+
     void _addPiece(const Block& block, const Member& piece);
+    void _finishOpen();
+    void _storeOpen();
     void _addRecord(const ZipFormat::Entry& entry);
     void _restore();
 
@@ -59,8 +67,10 @@ private:
     SpillBuffer _records; // the central directory, old records first
     ExistingArchive _existing; // empty for a new archive
     ZipFormat::Entry _open; // of the pieces that come one after the other
+    std::vector<Piece> _pieces; // of the open entry so far
     std::string _progress;
     std::uint64_t _entryCount = 0;
     std::uint64_t _newRecords = 0;
+    bool _usesZip64 = false; // a record, old or new, or the end that was there
     bool _isFinished = false;
 };

@@ -193,10 +193,6 @@ Vielen Dank!</translation>
         <translation>Fehler</translation>
     </message>
     <message>
-        <source>The archive could not be made: %1.</source>
-        <translation>Das Archiv konnte nicht erstellt werden: %1.</translation>
-    </message>
-    <message>
         <source>The message could not be made</source>
         <translation>Die Nachricht konnte nicht erstellt werden</translation>
     </message>
@@ -227,10 +223,6 @@ Vielen Dank!</translation>
 %1</translation>
     </message>
     <message>
-        <source>there is no working folder at %1</source>
-        <translation>es gibt keinen Arbeitsordner unter %1</translation>
-    </message>
-    <message>
         <source>There are no such files</source>
         <translation>Diese Dateien gibt es nicht</translation>
     </message>
@@ -249,6 +241,265 @@ Vielen Dank!</translation>
 %1</source>
         <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
 %1</translation>
+    </message>
+    <message>
+        <source>The message may not have been sent yet</source>
+        <translation>Die Nachricht ist vielleicht noch nicht gesendet</translation>
+    </message>
+    <message>
+        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+%1</source>
+        <translation>Ihr Archiv geht beim Beenden verloren. Um es zu behalten, lassen Sie es in diesen Ordner bewegen; von dort können Sie es erneut anhängen:
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Keep and Quit</source>
+        <translation>Be&amp;halten und beenden</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit Anyway</source>
+        <translation>&amp;Trotzdem beenden</translation>
+    </message>
+    <message>
+        <source>%1. %2.</source>
+        <translation>%1. %2.</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>… and %1 more</source>
+        <translation>… und %1 weitere</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Nicht alles ist im Archiv</translation>
+    </message>
+    <message>
+        <source>It is made, but these items are missing or not as they were:
+%1</source>
+        <translation>Es ist erstellt, aber diese Objekte fehlen darin oder sind nicht, wie sie waren:
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Copy List</source>
+        <translation>&amp;Liste kopieren</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>Das Archiv konnte nicht erstellt werden</translation>
+    </message>
+</context>
+<context>
+    <name>ArchiveProblem</name>
+    <message>
+        <source>there is no such type of archive</source>
+        <translation>diese Art von Archiv gibt es nicht</translation>
+    </message>
+    <message>
+        <source>this system has no tool for that type (%1)</source>
+        <translation>diesem System fehlt das Werkzeug für diese Art (%1)</translation>
+    </message>
+    <message>
+        <source>a tool could not be started (%2)</source>
+        <translation>ein Werkzeug konnte nicht gestartet werden (%2)</translation>
+    </message>
+    <message>
+        <source>there is nothing to archive</source>
+        <translation>es gibt nichts zu archivieren</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has no name to be archived under</source>
+        <translation>„%1“ hat keinen Namen, unter dem es ins Archiv könnte</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read (%2)</source>
+        <translation>„%1“ kann nicht gelesen werden (%2)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; leads to no file or folder</source>
+        <translation>„%1“ führt zu keiner Datei und keinem Ordner</translation>
+    </message>
+    <message>
+        <source>a folder has that name</source>
+        <translation>ein Ordner hat diesen Namen</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is read-only</source>
+        <translation>das Laufwerk dieses Ordners ist schreibgeschützt</translation>
+    </message>
+    <message>
+        <source>you may not write in that folder</source>
+        <translation>Sie dürfen in diesem Ordner nicht schreiben</translation>
+    </message>
+    <message>
+        <source>that folder cannot be used (%2)</source>
+        <translation>dieser Ordner ist nicht zu verwenden (%2)</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is full</source>
+        <translation>das Laufwerk dieses Ordners ist voll</translation>
+    </message>
+    <message>
+        <source>the system says: %2</source>
+        <translation>das System sagt: %2</translation>
+    </message>
+    <message>
+        <source>the disk for temporary files is full (%1)</source>
+        <translation>das Laufwerk für vorläufige Dateien ist voll (%1)</translation>
+    </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>es gibt keinen Arbeitsordner unter %1</translation>
+    </message>
+    <message>
+        <source>a tool failed (%2)</source>
+        <translation>ein Werkzeug ist gescheitert (%2)</translation>
+    </message>
+    <message>
+        <source>the tool has made nothing</source>
+        <translation>das Werkzeug hat nichts erstellt</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>Keine Berechtigung</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Datei oder Ordner nicht gefunden</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>Nicht erlaubt</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>Nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Ein-/Ausgabefehler</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>Kein Platz mehr auf dem Laufwerk</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>Speicherkontingent überschritten</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>Schreibgeschütztes Dateisystem</translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation>Datei zu groß</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>Dateiname zu lang</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>Kein Ordner</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>Ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>Datei ist schon da</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>Zu viele symbolische Links</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>Zu viele offene Dateien</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>Datei auf dem Server nicht mehr da</translation>
+    </message>
+    <message>
+        <source>is a FIFO</source>
+        <translation>ist eine Pipe</translation>
+    </message>
+    <message>
+        <source>is a socket</source>
+        <translation>ist ein Socket</translation>
+    </message>
+    <message>
+        <source>is a device</source>
+        <translation>ist ein Gerät</translation>
+    </message>
+    <message>
+        <source>changed while it was read</source>
+        <translation>wurde beim Lesen verändert</translation>
+    </message>
+    <message>
+        <source>shrank while it was read</source>
+        <translation>wurde beim Lesen kürzer</translation>
+    </message>
+    <message>
+        <source>grew while it was read; stored up to its earlier size</source>
+        <translation>wurde beim Lesen länger; bis zur früheren Größe gesichert</translation>
+    </message>
+    <message>
+        <source>was moved while it was read</source>
+        <translation>wurde beim Lesen bewegt</translation>
+    </message>
+    <message>
+        <source>was replaced while its folder was read</source>
+        <translation>wurde ersetzt, während sein Ordner gelesen wurde</translation>
+    </message>
+    <message>
+        <source>was replaced by a link while its folder was read</source>
+        <translation>wurde durch einen Link ersetzt, während sein Ordner gelesen wurde</translation>
+    </message>
+    <message>
+        <source>is a folder it lies in</source>
+        <translation>ist ein Ordner, in dem er selbst liegt</translation>
+    </message>
+    <message>
+        <source>links to nothing; stored as a link</source>
+        <translation>Link ins Leere; als Link gesichert</translation>
+    </message>
+    <message>
+        <source>links in a circle; stored as a link</source>
+        <translation>Link im Kreis; als Link gesichert</translation>
+    </message>
+    <message>
+        <source>links to a folder it lies in; stored as a link</source>
+        <translation>Link auf einen Ordner, in dem er liegt; als Link gesichert</translation>
+    </message>
+    <message>
+        <source>does not tell its size; stored empty</source>
+        <translation>nennt seine Größe nicht; leer gesichert</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>Die vorhandene Datei „%1“ konnte nicht ersetzt werden</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>„%1“ konnte nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no name for an archive</source>
+        <translation>„%1“ ist kein Name für ein Archiv</translation>
+    </message>
+    <message>
+        <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
+        <translation>das Archiv würde „%1“ ersetzen, das selbst hineinsoll</translation>
     </message>
 </context>
 <context>

@@ -193,10 +193,6 @@ Thank you!</source>
         <translation>Error</translation>
     </message>
     <message>
-        <source>The archive could not be made: %1.</source>
-        <translation>No se pudo crear el archivo comprimido: %1.</translation>
-    </message>
-    <message>
         <source>The message could not be made</source>
         <translation>No se pudo crear el mensaje</translation>
     </message>
@@ -227,10 +223,6 @@ Thank you!</source>
 %1</translation>
     </message>
     <message>
-        <source>there is no working folder at %1</source>
-        <translation>no hay carpeta de trabajo en %1</translation>
-    </message>
-    <message>
         <source>There are no such files</source>
         <translation>No existen esos archivos</translation>
     </message>
@@ -249,6 +241,265 @@ Thank you!</source>
 %1</source>
         <translation>Estos elementos no son archivos de este equipo y se omitirán:
 %1</translation>
+    </message>
+    <message>
+        <source>The message may not have been sent yet</source>
+        <translation>Es posible que el mensaje aún no se haya enviado</translation>
+    </message>
+    <message>
+        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+%1</source>
+        <translation>Su archivo comprimido desaparece al salir. Para conservarlo, haga que se mueva a esta carpeta, desde donde podrá adjuntarlo de nuevo:
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Keep and Quit</source>
+        <translation>&amp;Conservar y salir</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>&amp;Quit Anyway</source>
+        <translation>&amp;Salir de todos modos</translation>
+    </message>
+    <message>
+        <source>%1. %2.</source>
+        <translation>%1. %2.</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>… and %1 more</source>
+        <translation>… y %1 más</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>No todo está en el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>It is made, but these items are missing or not as they were:
+%1</source>
+        <translation>Se ha creado, pero estos elementos faltan o no están como estaban:
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Copy List</source>
+        <translation>&amp;Copiar la lista</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>No se ha podido crear el archivo comprimido</translation>
+    </message>
+</context>
+<context>
+    <name>ArchiveProblem</name>
+    <message>
+        <source>there is no such type of archive</source>
+        <translation>ese tipo de archivo comprimido no existe</translation>
+    </message>
+    <message>
+        <source>this system has no tool for that type (%1)</source>
+        <translation>este sistema no tiene herramienta para ese tipo (%1)</translation>
+    </message>
+    <message>
+        <source>a tool could not be started (%2)</source>
+        <translation>no se ha podido iniciar una herramienta (%2)</translation>
+    </message>
+    <message>
+        <source>there is nothing to archive</source>
+        <translation>no hay nada que archivar</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has no name to be archived under</source>
+        <translation>«%1» no tiene nombre con el que archivarlo</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read (%2)</source>
+        <translation>«%1» no se puede leer (%2)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; leads to no file or folder</source>
+        <translation>«%1» no lleva a ningún archivo ni carpeta</translation>
+    </message>
+    <message>
+        <source>a folder has that name</source>
+        <translation>hay una carpeta con ese nombre</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is read-only</source>
+        <translation>el disco de esa carpeta es de solo lectura</translation>
+    </message>
+    <message>
+        <source>you may not write in that folder</source>
+        <translation>no tiene permiso para escribir en esa carpeta</translation>
+    </message>
+    <message>
+        <source>that folder cannot be used (%2)</source>
+        <translation>esa carpeta no se puede usar (%2)</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is full</source>
+        <translation>el disco de esa carpeta está lleno</translation>
+    </message>
+    <message>
+        <source>the system says: %2</source>
+        <translation>el sistema dice: %2</translation>
+    </message>
+    <message>
+        <source>the disk for temporary files is full (%1)</source>
+        <translation>el disco de los archivos temporales está lleno (%1)</translation>
+    </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>no hay carpeta de trabajo en %1</translation>
+    </message>
+    <message>
+        <source>a tool failed (%2)</source>
+        <translation>una herramienta ha fallado (%2)</translation>
+    </message>
+    <message>
+        <source>the tool has made nothing</source>
+        <translation>la herramienta no ha creado nada</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>Permiso denegado</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>No existe el archivo o la carpeta</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>Operación no permitida</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>Operación no admitida</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Error de entrada/salida</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>No queda espacio en el disco</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>Cuota de disco superada</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>Sistema de archivos de solo lectura</translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation>Archivo demasiado grande</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>Nombre de archivo demasiado largo</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>No es una carpeta</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>Es una carpeta</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>El archivo ya existe</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>Demasiados enlaces simbólicos</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>Demasiados archivos abiertos</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>El archivo ya no está en el servidor</translation>
+    </message>
+    <message>
+        <source>is a FIFO</source>
+        <translation>es una tubería</translation>
+    </message>
+    <message>
+        <source>is a socket</source>
+        <translation>es un socket</translation>
+    </message>
+    <message>
+        <source>is a device</source>
+        <translation>es un dispositivo</translation>
+    </message>
+    <message>
+        <source>changed while it was read</source>
+        <translation>cambió mientras se leía</translation>
+    </message>
+    <message>
+        <source>shrank while it was read</source>
+        <translation>se redujo mientras se leía</translation>
+    </message>
+    <message>
+        <source>grew while it was read; stored up to its earlier size</source>
+        <translation>creció mientras se leía; guardado hasta su tamaño anterior</translation>
+    </message>
+    <message>
+        <source>was moved while it was read</source>
+        <translation>se movió mientras se leía</translation>
+    </message>
+    <message>
+        <source>was replaced while its folder was read</source>
+        <translation>se sustituyó mientras se leía su carpeta</translation>
+    </message>
+    <message>
+        <source>was replaced by a link while its folder was read</source>
+        <translation>se sustituyó por un enlace mientras se leía su carpeta</translation>
+    </message>
+    <message>
+        <source>is a folder it lies in</source>
+        <translation>es una carpeta que lo contiene</translation>
+    </message>
+    <message>
+        <source>links to nothing; stored as a link</source>
+        <translation>enlace a la nada; guardado como enlace</translation>
+    </message>
+    <message>
+        <source>links in a circle; stored as a link</source>
+        <translation>enlace en círculo; guardado como enlace</translation>
+    </message>
+    <message>
+        <source>links to a folder it lies in; stored as a link</source>
+        <translation>enlace a una carpeta que lo contiene; guardado como enlace</translation>
+    </message>
+    <message>
+        <source>does not tell its size; stored empty</source>
+        <translation>no indica su tamaño; guardado vacío</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>No se puede sustituir el archivo existente «%1»</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>No se puede escribir en «%1»</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no name for an archive</source>
+        <translation>«%1» no es un nombre posible</translation>
+    </message>
+    <message>
+        <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
+        <translation>el archivo comprimido sustituiría a «%1», que debe ir en él</translation>
     </message>
 </context>
 <context>

@@ -193,10 +193,6 @@ Merci !</translation>
         <translation>Erreur</translation>
     </message>
     <message>
-        <source>The archive could not be made: %1.</source>
-        <translation>L’archive n’a pas pu être créée : %1.</translation>
-    </message>
-    <message>
         <source>The message could not be made</source>
         <translation>Le message n’a pas pu être créé</translation>
     </message>
@@ -227,10 +223,6 @@ Merci !</translation>
 %1</translation>
     </message>
     <message>
-        <source>there is no working folder at %1</source>
-        <translation>il n’y a pas de dossier de travail à l’emplacement %1</translation>
-    </message>
-    <message>
         <source>There are no such files</source>
         <translation>Fichiers introuvables</translation>
     </message>
@@ -249,6 +241,265 @@ Merci !</translation>
 %1</source>
         <translation>Ces éléments ne sont pas des fichiers de cet ordinateur et seront laissés de côté :
 %1</translation>
+    </message>
+    <message>
+        <source>The message may not have been sent yet</source>
+        <translation>Le message n’est peut-être pas encore envoyé</translation>
+    </message>
+    <message>
+        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+%1</source>
+        <translation>Son archive disparaît quand vous quittez. Pour la garder, faites-la déplacer dans ce dossier, d’où vous pourrez la joindre de nouveau :
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Keep and Quit</source>
+        <translation>&amp;Garder et quitter</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>&amp;Quit Anyway</source>
+        <translation>&amp;Quitter quand même</translation>
+    </message>
+    <message>
+        <source>%1. %2.</source>
+        <translation>%1. %2.</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1 : %2</translation>
+    </message>
+    <message>
+        <source>… and %1 more</source>
+        <translation>… et %1 autres</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Tout n’est pas dans l’archive</translation>
+    </message>
+    <message>
+        <source>It is made, but these items are missing or not as they were:
+%1</source>
+        <translation>Elle est créée, mais ces éléments y manquent ou n’y sont pas tels quels :
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Copy List</source>
+        <translation>&amp;Copier la liste</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>L’archive n’a pas pu être créée</translation>
+    </message>
+</context>
+<context>
+    <name>ArchiveProblem</name>
+    <message>
+        <source>there is no such type of archive</source>
+        <translation>ce type d’archive n’existe pas</translation>
+    </message>
+    <message>
+        <source>this system has no tool for that type (%1)</source>
+        <translation>ce système n’a pas d’outil pour ce type (%1)</translation>
+    </message>
+    <message>
+        <source>a tool could not be started (%2)</source>
+        <translation>un outil n’a pas pu être lancé (%2)</translation>
+    </message>
+    <message>
+        <source>there is nothing to archive</source>
+        <translation>il n’y a rien à archiver</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has no name to be archived under</source>
+        <translation>« %1 » n’a pas de nom sous lequel l’archiver</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read (%2)</source>
+        <translation>« %1 » ne peut pas être lu (%2)</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; leads to no file or folder</source>
+        <translation>« %1 » ne mène à aucun fichier ni dossier</translation>
+    </message>
+    <message>
+        <source>a folder has that name</source>
+        <translation>un dossier porte ce nom</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is read-only</source>
+        <translation>le disque de ce dossier est en lecture seule</translation>
+    </message>
+    <message>
+        <source>you may not write in that folder</source>
+        <translation>vous n’avez pas le droit d’écrire dans ce dossier</translation>
+    </message>
+    <message>
+        <source>that folder cannot be used (%2)</source>
+        <translation>ce dossier est inutilisable (%2)</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is full</source>
+        <translation>le disque de ce dossier est plein</translation>
+    </message>
+    <message>
+        <source>the system says: %2</source>
+        <translation>le système dit : %2</translation>
+    </message>
+    <message>
+        <source>the disk for temporary files is full (%1)</source>
+        <translation>le disque des fichiers temporaires est plein (%1)</translation>
+    </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>il n’y a pas de dossier de travail à l’emplacement %1</translation>
+    </message>
+    <message>
+        <source>a tool failed (%2)</source>
+        <translation>un outil a échoué (%2)</translation>
+    </message>
+    <message>
+        <source>the tool has made nothing</source>
+        <translation>l’outil n’a rien créé</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>Permission refusée</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Fichier ou dossier introuvable</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>Opération non permise</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>Opération non prise en charge</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Erreur d’entrée/sortie</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>Plus de place sur le disque</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>Quota de disque dépassé</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>Système de fichiers en lecture seule</translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation>Fichier trop grand</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>Nom de fichier trop long</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>Ce n’est pas un dossier</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>C’est un dossier</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>Le fichier existe déjà</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>Trop de liens symboliques</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>Trop de fichiers ouverts</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>Fichier disparu du serveur</translation>
+    </message>
+    <message>
+        <source>is a FIFO</source>
+        <translation>est un tube</translation>
+    </message>
+    <message>
+        <source>is a socket</source>
+        <translation>est un socket</translation>
+    </message>
+    <message>
+        <source>is a device</source>
+        <translation>est un périphérique</translation>
+    </message>
+    <message>
+        <source>changed while it was read</source>
+        <translation>a changé pendant la lecture</translation>
+    </message>
+    <message>
+        <source>shrank while it was read</source>
+        <translation>a raccourci pendant la lecture</translation>
+    </message>
+    <message>
+        <source>grew while it was read; stored up to its earlier size</source>
+        <translation>a grandi pendant la lecture ; archivé jusqu’à sa taille d’avant</translation>
+    </message>
+    <message>
+        <source>was moved while it was read</source>
+        <translation>a été déplacé pendant la lecture</translation>
+    </message>
+    <message>
+        <source>was replaced while its folder was read</source>
+        <translation>a été remplacé pendant la lecture de son dossier</translation>
+    </message>
+    <message>
+        <source>was replaced by a link while its folder was read</source>
+        <translation>a été remplacé par un lien pendant la lecture de son dossier</translation>
+    </message>
+    <message>
+        <source>is a folder it lies in</source>
+        <translation>est un dossier qui le contient</translation>
+    </message>
+    <message>
+        <source>links to nothing; stored as a link</source>
+        <translation>lien vers rien ; archivé comme lien</translation>
+    </message>
+    <message>
+        <source>links in a circle; stored as a link</source>
+        <translation>lien en boucle ; archivé comme lien</translation>
+    </message>
+    <message>
+        <source>links to a folder it lies in; stored as a link</source>
+        <translation>lien vers un dossier qui le contient ; archivé comme lien</translation>
+    </message>
+    <message>
+        <source>does not tell its size; stored empty</source>
+        <translation>n’indique pas sa taille ; archivé vide</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>Impossible de remplacer le fichier existant « %1 »</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>Impossible d’écrire « %1 »</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no name for an archive</source>
+        <translation>« %1 » n’est pas un nom possible</translation>
+    </message>
+    <message>
+        <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
+        <translation>l’archive remplacerait « %1 », qui doit en faire partie</translation>
     </message>
 </context>
 <context>

@@ -193,10 +193,6 @@ Thank you!</source>
         <translation>エラー</translation>
     </message>
     <message>
-        <source>The archive could not be made: %1.</source>
-        <translation>アーカイブを作成できませんでした：%1。</translation>
-    </message>
-    <message>
         <source>The message could not be made</source>
         <translation>メッセージを作成できませんでした</translation>
     </message>
@@ -227,10 +223,6 @@ Thank you!</source>
 %1</translation>
     </message>
     <message>
-        <source>there is no working folder at %1</source>
-        <translation>作業フォルダ%1がありません</translation>
-    </message>
-    <message>
         <source>There are no such files</source>
         <translation>ファイルが見つかりません</translation>
     </message>
@@ -249,6 +241,265 @@ Thank you!</source>
 %1</source>
         <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
 %1</translation>
+    </message>
+    <message>
+        <source>The message may not have been sent yet</source>
+        <translation>メッセージはまだ送信されていない可能性があります</translation>
+    </message>
+    <message>
+        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+%1</source>
+        <translation>終了するとアーカイブは失われます。残すには次のフォルダへ移動してください。そこから改めて添付できます：
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Keep and Quit</source>
+        <translation>残して終了(&amp;K)</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>&amp;Quit Anyway</source>
+        <translation>そのまま終了(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>%1. %2.</source>
+        <translation>%1。%2。</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1：%2</translation>
+    </message>
+    <message>
+        <source>… and %1 more</source>
+        <translation>…ほか %1 件</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>アーカイブに入らなかったものがあります</translation>
+    </message>
+    <message>
+        <source>It is made, but these items are missing or not as they were:
+%1</source>
+        <translation>アーカイブは作成されましたが、次の項目は入っていないか、元のままではありません：
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Copy List</source>
+        <translation>リストをコピー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>アーカイブを作成できませんでした</translation>
+    </message>
+</context>
+<context>
+    <name>ArchiveProblem</name>
+    <message>
+        <source>there is no such type of archive</source>
+        <translation>その種類のアーカイブはありません</translation>
+    </message>
+    <message>
+        <source>this system has no tool for that type (%1)</source>
+        <translation>このシステムにはその種類のためのツールがありません（%1）</translation>
+    </message>
+    <message>
+        <source>a tool could not be started (%2)</source>
+        <translation>ツールを起動できませんでした（%2）</translation>
+    </message>
+    <message>
+        <source>there is nothing to archive</source>
+        <translation>アーカイブするものがありません</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; has no name to be archived under</source>
+        <translation>「%1」にはアーカイブに使える名前がありません</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be read (%2)</source>
+        <translation>「%1」を読み取れません（%2）</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; leads to no file or folder</source>
+        <translation>「%1」の先にファイルもフォルダもありません</translation>
+    </message>
+    <message>
+        <source>a folder has that name</source>
+        <translation>その名前のフォルダがあります</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is read-only</source>
+        <translation>そのフォルダのディスクは読み取り専用です</translation>
+    </message>
+    <message>
+        <source>you may not write in that folder</source>
+        <translation>そのフォルダに書き込む権限がありません</translation>
+    </message>
+    <message>
+        <source>that folder cannot be used (%2)</source>
+        <translation>そのフォルダは使えません（%2）</translation>
+    </message>
+    <message>
+        <source>the disk of that folder is full</source>
+        <translation>そのフォルダのディスクがいっぱいです</translation>
+    </message>
+    <message>
+        <source>the system says: %2</source>
+        <translation>システムからの通知：%2</translation>
+    </message>
+    <message>
+        <source>the disk for temporary files is full (%1)</source>
+        <translation>一時ファイル用のディスクがいっぱいです（%1）</translation>
+    </message>
+    <message>
+        <source>there is no working folder at %1</source>
+        <translation>作業フォルダ%1がありません</translation>
+    </message>
+    <message>
+        <source>a tool failed (%2)</source>
+        <translation>ツールが失敗しました（%2）</translation>
+    </message>
+    <message>
+        <source>the tool has made nothing</source>
+        <translation>ツールは何も作成しませんでした</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>許可がありません</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>ファイルまたはフォルダがありません</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>許可されていない操作です</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>サポートされていない操作です</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>入出力エラー</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>ディスクに空きがありません</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>ディスクの割り当てを超えました</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>読み取り専用のファイルシステムです</translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation>ファイルが大きすぎます</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>ファイル名が長すぎます</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>フォルダではありません</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>フォルダです</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>ファイルがすでにあります</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>シンボリックリンクの階層が多すぎます</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>開いているファイルが多すぎます</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>サーバー上のファイルがなくなりました</translation>
+    </message>
+    <message>
+        <source>is a FIFO</source>
+        <translation>パイプです</translation>
+    </message>
+    <message>
+        <source>is a socket</source>
+        <translation>ソケットです</translation>
+    </message>
+    <message>
+        <source>is a device</source>
+        <translation>デバイスです</translation>
+    </message>
+    <message>
+        <source>changed while it was read</source>
+        <translation>読み取り中に変更されました</translation>
+    </message>
+    <message>
+        <source>shrank while it was read</source>
+        <translation>読み取り中に短くなりました</translation>
+    </message>
+    <message>
+        <source>grew while it was read; stored up to its earlier size</source>
+        <translation>読み取り中に長くなりました。元のサイズまで保存されています</translation>
+    </message>
+    <message>
+        <source>was moved while it was read</source>
+        <translation>読み取り中に移動されました</translation>
+    </message>
+    <message>
+        <source>was replaced while its folder was read</source>
+        <translation>フォルダの読み取り中に置き換えられました</translation>
+    </message>
+    <message>
+        <source>was replaced by a link while its folder was read</source>
+        <translation>フォルダの読み取り中にリンクに置き換えられました</translation>
+    </message>
+    <message>
+        <source>is a folder it lies in</source>
+        <translation>それ自身を含むフォルダです</translation>
+    </message>
+    <message>
+        <source>links to nothing; stored as a link</source>
+        <translation>リンク先がありません。リンクとして保存されています</translation>
+    </message>
+    <message>
+        <source>links in a circle; stored as a link</source>
+        <translation>リンクが循環しています。リンクとして保存されています</translation>
+    </message>
+    <message>
+        <source>links to a folder it lies in; stored as a link</source>
+        <translation>それ自身を含むフォルダへのリンクです。リンクとして保存されています</translation>
+    </message>
+    <message>
+        <source>does not tell its size; stored empty</source>
+        <translation>サイズが分かりません。空のまま保存されています</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>既存のファイル「%1」を置き換えられません</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>「%1」に書き込めません</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no name for an archive</source>
+        <translation>「%1」という名前は付けられません</translation>
+    </message>
+    <message>
+        <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
+        <translation>アーカイブする項目「%1」自体を置き換えてしまいます</translation>
     </message>
 </context>
 <context>

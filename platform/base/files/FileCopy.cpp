@@ -1,5 +1,6 @@
 #include "platform/base/files/FileCopy.h"
 
+#include "platform/base/files/FileAttributes.h"
 #include "platform/base/files/TreeWalk.h"
 #include "system/FileBytes.h"
 #include "system/FileDescriptor.h"
@@ -16,7 +17,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/xattr.h>
 
 namespace fs = std::filesystem;
 
@@ -29,23 +29,15 @@ using TreeWalk::Names;
 constexpr std::size_t bufferSize = 262144; // large enough that the calls cost nothing
 constexpr std::size_t kernelCopySize = 16777216; // small enough to stop soon on a slow disk
 
-// Attributes that the other side does not take are left out: what matters are the contents.
-void copyExtendedAttributes(int from, int to)
+class ChangeCategory : public std::error_category
 {
-    const ssize_t needed = ::flistxattr(from, nullptr, 0);
-    if (needed <= 0)
-        return;
-    std::string names(static_cast<std::size_t>(needed), '\0');
-    std::string value(65536, '\0'); // as long as the kernel lets one be
-    const ssize_t size = ::flistxattr(from, names.data(), names.size());
-    for (ssize_t offset = 0; offset < size;) {
-        const std::string name = names.c_str() + offset;
-        const ssize_t length = ::fgetxattr(from, name.c_str(), value.data(), value.size());
-        if (length >= 0)
-            ::fsetxattr(to, name.c_str(), value.data(), static_cast<std::size_t>(length), 0);
-        offset += static_cast<ssize_t>(name.size()) + 1;
+public:
+    [[nodiscard]] const char* name() const noexcept override { return "copy"; }
+    [[nodiscard]] std::string message(int /*value*/) const override
+    {
+        return "changed while it was read";
     }
-}
+};
 
 // A name and the open folder that it is in, as the ...at calls take them.
 struct Place {
@@ -53,19 +45,30 @@ struct Place {
     const std::string& name;
 };
 
+// No part of a file may be taken for the whole; one that changed is kept as it was read.
 std::error_code copyFile(const Place& from, const Place& to, const std::stop_token& stop)
 {
-    const FileDescriptor source(
-        ::openat(from.folder, from.name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!source)
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const FileDescriptor source(::openat(from.folder, from.name.c_str(), flags));
+    FileStatus before{};
+    if (!source || ::fstat(source.number(), &before) != 0)
         return lastError();
+    if (!S_ISREG(before.st_mode)) // any more
+        return std::make_error_code(std::errc::operation_not_supported);
     const FileDescriptor target(::openat(
         to.folder, to.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!target)
         return lastError();
-    if (const auto failure = FileCopy::copyContents(source.number(), target.number(), stop))
+    auto failure = FileCopy::copyContents(source.number(), target.number(), stop);
+    FileStatus after{};
+    if (!failure && (!FileBytes::flush(target.number()) || ::fstat(source.number(), &after) != 0))
+        failure = lastError();
+    if (failure) {
+        ::unlinkat(to.folder, to.name.c_str(), 0);
         return failure;
-    return FileCopy::copyAttributes(source.number(), target.number());
+    }
+    failure = FileAttributes::copy(source.number(), target.number());
+    return !failure && hasChanged(before, after) ? FileCopy::changedWhileRead() : failure;
 }
 
 std::error_code copyLink(const Place& from, const Place& to)
@@ -81,13 +84,17 @@ std::error_code copyLink(const Place& from, const Place& to)
     return {};
 }
 
-// A folder is made without its contents or attributes: those come when it is filled.
+// A folder is made without its contents or attributes: those come when it is filled. What cannot be
+// linked is copied, whatever the reason.
 std::error_code copyOne(
-    const Place& from, const Place& to, unsigned char kind, const std::stop_token& stop)
+    const Place& from, const Place& to, unsigned char kind, const FileCopy::Options& options)
 {
+    const bool canBeLinked = options.linking && (kind == DT_REG || kind == DT_LNK);
+    if (canBeLinked && ::linkat(from.folder, from.name.c_str(), to.folder, to.name.c_str(), 0) == 0)
+        return {};
     switch (kind) {
     case DT_REG:
-        return copyFile(from, to, stop);
+        return copyFile(from, to, options.stop);
     case DT_LNK:
         return copyLink(from, to);
     case DT_DIR:
@@ -144,7 +151,7 @@ std::error_code ItemCopy::run()
     FileStatus status{};
     const auto missing = errorOf(::lstat(_from.c_str(), &status));
     const unsigned char kind = IFTODT(status.st_mode);
-    _note(_from, missing ? missing : copyOne(from, to, kind, _options.stop));
+    _note(_from, missing ? missing : copyOne(from, to, kind, _options));
     if (kind == DT_DIR && !_failure)
         _copyFolder();
     return _failure;
@@ -193,7 +200,7 @@ bool ItemCopy::_copyEntry(const Cursor& from, const std::string& name, unsigned 
             || ScratchName::isInUse(source.folder, source.name));
     if (isLeftOut || _options.stop.stop_requested())
         return false;
-    const auto failure = copyOne(source, {_target.folder(), name}, kind, _options.stop);
+    const auto failure = copyOne(source, {_target.folder(), name}, kind, _options);
     if (failure)
         _note(from.path() / name, failure);
     return !failure;
@@ -204,7 +211,7 @@ void ItemCopy::_leave(const Cursor& from)
 {
     if (_target.depth() != from.depth())
         return;
-    if (const auto failure = FileCopy::copyAttributes(from.folder(), _target.folder()))
+    if (const auto failure = FileAttributes::copy(from.folder(), _target.folder()))
         _note(from.path(), failure);
     if (const auto failure = _target.leave())
         _note(from.path(), failure);
@@ -239,16 +246,10 @@ std::error_code FileCopy::copyContents(int from, int to, const std::stop_token& 
     return std::make_error_code(std::errc::operation_canceled);
 }
 
-std::error_code FileCopy::copyAttributes(int from, int to)
+std::error_code FileCopy::changedWhileRead()
 {
-    FileStatus status{};
-    if (::fstat(from, &status) != 0)
-        return lastError();
-    copyExtendedAttributes(from, to);
-    const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
-    if (::fchmod(to, status.st_mode & 07777) != 0 || ::futimens(to, times.data()) != 0)
-        return lastError();
-    return {};
+    static const ChangeCategory category;
+    return {1, category};
 }
 
 std::error_code FileCopy::copyItem(const fs::path& from, const fs::path& to, const Options& options)

@@ -12,14 +12,17 @@ namespace FileCopy
 // From the one descriptor's position to its end. ECANCELED when it was asked to stop before that.
 [[nodiscard]] std::error_code copyContents(int from, int to, const std::stop_token& stop = {});
 
-// Extended attributes where both sides have them, permissions and times of an open file or folder.
-[[nodiscard]] std::error_code copyAttributes(int from, int to);
+// The reason given for a file that was written to meanwhile; its copy is what was read.
+[[nodiscard]] std::error_code changedWhileRead();
 
 struct Options {
     // A folder that is not copied if it lies in what is copied; nor are the copy itself and the
     // scratch folders of jobs that are under way.
     std::filesystem::path leavingOut = {};
-    // What could not be copied. A folder may have been copied in part.
+    // Files and links become hard links of what is copied wherever that can be.
+    bool linking = false;
+    // What could not be copied, or not with all its attributes. A folder may have been copied in
+    // part, a file not.
     std::function<void(const std::filesystem::path& item, std::error_code reason)> onFailure = {};
     // Ends the copying where it is, with ECANCELED.
     std::stop_token stop = {};

@@ -1,5 +1,6 @@
 #include "platform/base/files/FileMove.h"
 
+#include "platform/base/files/FileAttributes.h"
 #include "platform/base/files/FileCopy.h"
 #include "system/FileDescriptor.h"
 #include "system/FileName.h"
@@ -46,8 +47,8 @@ std::error_code moveAcrossFileSystems(
         return part.failure();
     if (const auto failure = FileCopy::copyContents(source.number(), part.descriptor(), stop))
         return failure;
-    if (const auto failure = FileCopy::copyAttributes(source.number(), part.descriptor()))
-        return failure;
+    // Without them the file is still whole, and its old path soon gone.
+    (void)FileAttributes::copy(source.number(), part.descriptor());
     if (const auto failure = part.commitDurably(Existing::keep))
         return failure;
     ::unlink(from.c_str()); // should the source stay, the move was still made

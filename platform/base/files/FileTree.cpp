@@ -43,9 +43,10 @@ std::error_code FileTree::remove(const std::filesystem::path& top, Permissions p
             note(errorOf(::unlinkat(at.folder(), name.c_str(), 0)));
         return folders;
     };
-    // One that could not be entered may still be empty.
-    const auto done = [&](const Cursor& above, const std::string& name, std::error_code) {
-        note(errorOf(::unlinkat(above.folder(), name.c_str(), AT_REMOVEDIR)));
+    // One that could not be entered may still be empty; where it is not, that was the reason.
+    const auto done = [&](const Cursor& above, const std::string& name, std::error_code reason) {
+        if (const auto left = errorOf(::unlinkat(above.folder(), name.c_str(), AT_REMOVEDIR)))
+            note(reason ? reason : left);
     };
     const auto removed = errorOf(::unlinkat(AT_FDCWD, top.c_str(), 0));
     if (removed != std::errc::is_a_directory)

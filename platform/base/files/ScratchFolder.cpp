@@ -3,11 +3,11 @@
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/SearchPaths.h"
 #include "system/FileStatus.h"
+#include "system/LastError.h"
 #include "system/ScratchName.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -18,9 +18,6 @@ namespace fs = std::filesystem;
 
 namespace
 {
-
-const std::string prefix = std::string(ScratchName::prefix) + "-";
-const std::string hiddenPrefix = "." + prefix;
 
 constexpr std::string_view randomLetters = "XXXXXX";
 
@@ -40,21 +37,23 @@ bool isOurs(const FileDescriptor& folder)
     return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid();
 }
 
-// As we make them, and as hardly anybody makes a folder of the same name.
+// As we make them, and as hardly anybody makes a folder of the same name. The set-group-ID bit
+// comes from the folder that it is in.
 bool isPrivate(const FileDescriptor& folder)
 {
     FileStatus status{};
     return ::fstat(folder.number(), &status) == 0 && status.st_uid == ::geteuid()
-        && (status.st_mode & 07777) == S_IRWXU;
+        && (status.st_mode & 07777 & ~S_ISGID) == S_IRWXU;
 }
 
-// Whether the locked folder is still there under its path.
-bool isAt(const fs::path& path, const FileDescriptor& locked)
+// Whether another folder, or none, is under the path of the locked one.
+bool isGone(const fs::path& path, const FileDescriptor& locked)
 {
     FileStatus there{};
     FileStatus ours{};
-    return ::lstat(path.c_str(), &there) == 0 && ::fstat(locked.number(), &ours) == 0
-        && isSameFile(there, ours);
+    if (::lstat(path.c_str(), &there) != 0)
+        return errno == ENOENT;
+    return ::fstat(locked.number(), &ours) == 0 && !isSameFile(there, ours);
 }
 
 // Those that are called like ours and that nobody holds.
@@ -77,12 +76,12 @@ void removeStale(const fs::path& parent, bool (*isOne)(std::string_view name))
 
 ScratchFolder::ScratchFolder()
 {
-    _make(SearchPaths::temporaryDirectory(), prefix, ScratchName::isTemporary);
+    _make(SearchPaths::temporaryDirectory(), "", ScratchName::isTemporary);
 }
 
 ScratchFolder::ScratchFolder(const fs::path& inFolder)
 {
-    _make(inFolder, hiddenPrefix, ScratchName::isPrivate);
+    _make(inFolder, ".", ScratchName::isPrivate);
 }
 
 void ScratchFolder::_make(
@@ -93,15 +92,21 @@ void ScratchFolder::_make(
     // Between the making and the locking another process may take the folder for a stale one and
     // remove it: then a new one is made. Where nothing can be locked, nothing is removed either.
     do {
-        std::string name = parent / (beginning + std::to_string(::getpid()) + "-");
+        std::string name = parent / beginning;
+        name += ScratchName::prefix;
+        name += "-" + std::to_string(::getpid()) + "-";
         name += randomLetters;
         const bool made = ::mkdtemp(name.data()) != nullptr;
         _lock = made ? openFolder(name) : FileDescriptor();
+        if (const int reason = errno; made && !_lock) {
+            ::rmdir(name.c_str());
+            errno = reason;
+        }
         if (!_lock && (!made || errno != ENOENT))
             throw ScratchFolderFailure(
-                "cannot make a working folder in " + parent.native() + ": " + std::strerror(errno));
+                lastError(), "cannot make a working folder in " + parent.native());
         _path = name;
-    } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || !isAt(_path, _lock));
+    } while (!_lock || (!lock(_lock) && errno == EWOULDBLOCK) || isGone(_path, _lock));
 }
 
 void ScratchFolder::removeStaleFolders(const fs::path& parent)
@@ -112,9 +117,20 @@ void ScratchFolder::removeStaleFolders(const fs::path& parent)
 FileDescriptor ScratchFolder::hold(const fs::path& folder)
 {
     FileDescriptor held = openFolder(folder);
-    if (held && (!isOurs(held) || !lock(held)))
+    if (held && (!isOurs(held) || !lock(held) || isGone(folder, held)))
         held = FileDescriptor();
     return held;
+}
+
+void ScratchFolder::empty(const fs::path& folder)
+{
+    std::error_code unreadable; // then its next user meets that, too
+    fs::directory_iterator entry(folder, unreadable);
+    while (!unreadable && entry != fs::directory_iterator()) {
+        const fs::path path = entry->path();
+        entry.increment(unreadable);
+        (void)FileTree::remove(path, FileTree::Permissions::overridden);
+    }
 }
 
 ScratchFolder::~ScratchFolder()

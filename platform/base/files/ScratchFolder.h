@@ -6,15 +6,15 @@
 #include "system/FileDescriptor.h"
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 // "cannot make a working folder in X: reason".
-class ScratchFolderFailure : public std::runtime_error
+class ScratchFolderFailure : public std::system_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    using std::system_error::system_error;
 };
 
 class ScratchFolder
@@ -32,6 +32,10 @@ public:
     // Locks another private folder in the same way, as long as the descriptor is open. None when
     // the folder is not there, is not this user's, or another process holds it.
     [[nodiscard]] static FileDescriptor hold(const std::filesystem::path& folder);
+
+    // Removes what a process that was killed has left in a folder that this one holds now. What
+    // cannot be removed stays.
+    static void empty(const std::filesystem::path& folder);
 
     // Removes the folders of ours in there, a temporary directory, that nobody holds.
     static void removeStaleFolders(const std::filesystem::path& parent);

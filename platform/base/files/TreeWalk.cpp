@@ -4,7 +4,6 @@
 #include "system/LastError.h"
 
 #include <array>
-#include <utility>
 
 #include <dirent.h>
 
@@ -44,6 +43,11 @@ std::error_code Cursor::enter(const std::string& name)
     FileStatus status{};
     if (!entered || ::fstat(entered.number(), &status) != 0)
         return lastError();
+    if (_levels.empty()) {
+        _top = FileDescriptor(::fcntl(entered.number(), F_DUPFD_CLOEXEC, 0));
+        if (!_top)
+            return lastError();
+    }
     _folder = std::move(entered);
     _levels.push_back({.name = name, .device = status.st_dev, .inode = status.st_ino});
     return {};
@@ -55,23 +59,33 @@ std::error_code Cursor::leave()
     if (_levels.empty())
         return {};
     FileDescriptor above(::openat(_folder.number(), "..", folderFlags));
-    if (_isLast(above.number())) {
+    if (_isAt(above.number(), _levels.back())) {
         _folder = std::move(above);
         return {};
     }
-    for (const Level& level : std::exchange(_levels, {}))
-        if (const auto failure = enter(level.name)) {
-            _levels.clear();
-            return failure;
-        }
-    return {};
+    const auto failure = _comeDownAgain();
+    if (failure)
+        _levels.clear();
+    return failure;
 }
 
-bool Cursor::_isLast(int descriptor) const
+std::error_code Cursor::_comeDownAgain()
+{
+    _folder = FileDescriptor(::fcntl(_top.number(), F_DUPFD_CLOEXEC, 0));
+    for (std::size_t index = 1; _folder && index < _levels.size(); ++index) {
+        const Level& level = _levels[index];
+        _folder = FileDescriptor(::openat(_folder.number(), level.name.c_str(), folderFlags));
+        if (_folder && !_isAt(_folder.number(), level))
+            return std::make_error_code(std::errc::no_such_file_or_directory); // any more
+    }
+    return _folder ? std::error_code() : lastError();
+}
+
+bool Cursor::_isAt(int descriptor, const Level& level)
 {
     FileStatus status{};
-    return descriptor >= 0 && ::fstat(descriptor, &status) == 0
-        && status.st_dev == _levels.back().device && status.st_ino == _levels.back().inode;
+    return descriptor >= 0 && ::fstat(descriptor, &status) == 0 && status.st_dev == level.device
+        && status.st_ino == level.inode;
 }
 
 // chmod follows links, except by way of a descriptor.

@@ -23,9 +23,10 @@ enum class Permissions {
     overridden, // folders that deny their owner something are opened up first
 };
 
-// A place in a tree: one open folder, whatever the depth, and the names that lead to it. It goes
-// down by name and back up by "..", and makes sure that this is the folder it came from; where it
-// is not (the folder was moved, or may not be searched) it comes down again from the top.
+// A place in a tree: that folder and the top open, whatever the depth, and the names between. It
+// goes down by name and back up by "..", and makes sure that this is the folder it came from; where
+// it is not (the folder was moved, or may not be searched) it comes down again from the top,
+// through the same folders.
 class Cursor
 {
 public:
@@ -53,10 +54,12 @@ private:
         ino_t inode;
     };
 
-    [[nodiscard]] bool _isLast(int descriptor) const;
+    [[nodiscard]] std::error_code _comeDownAgain();
+    [[nodiscard]] static bool _isAt(int descriptor, const Level& level);
     void _openUp(const std::string& name) const;
 
     Permissions _permissions;
+    FileDescriptor _top;
     FileDescriptor _folder;
     std::vector<Level> _levels;
 };

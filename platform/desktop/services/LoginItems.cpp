@@ -67,7 +67,8 @@ bool writeEntry(const std::string& fileName, const DesktopEntry& entry)
     };
     // A link stays one, unless what it leads to is not ours to change.
     const fs::path target = fs::canonical(folder / fileName, failure);
-    return (!failure && write(target)) || write(folder / fileName);
+    const bool leadsToFile = !failure && fs::is_regular_file(target, failure);
+    return (leadsToFile && write(target)) || write(folder / fileName);
 }
 
 bool isProgram(const fs::path& path)

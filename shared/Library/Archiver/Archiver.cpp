@@ -6,6 +6,7 @@
 #include "platform/base/process/Task.h"
 #include "platform/base/seams/AssertionHandler.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
+#include "system/LastError.h"
 #include "system/PathString.h"
 #include "system/ScopeExit.h"
 
@@ -13,6 +14,22 @@
 #include <unistd.h>
 
 namespace convenience = FileManagerArchiverConvenience;
+
+namespace
+{
+
+// What an earlier job has left there must not get into another one's archive.
+std::error_code makeFreshFolder(const std::filesystem::path& path)
+{
+    const auto make = [&] { return errorOf(::mkdir(path.c_str(), 0777)); };
+    const auto failure = make();
+    if (failure != std::errc::file_exists)
+        return failure;
+    (void)FileTree::remove(path, FileTree::Permissions::overridden);
+    return make();
+}
+
+} // namespace
 
 Archiver::Archiver(Path workingDirectory)
     : _workingDirectory(std::move(workingDirectory))
@@ -58,8 +75,9 @@ std::optional<Archiver::Path> Archiver::archiveFiles(const ArchiveFiles& job)
         status = createPlainZipAtPath(*result, job.files, job.excludeDSStore, job.compressionLevel);
     } else {
         const Path staged = makeTmpFolderForArchive(*job.name, job.type, job.files);
-        // The links go, never what they lead to.
-        const ScopeExit removal([&] { (void)FileTree::remove(staged); });
+        // The links go, never what they lead to; and what is opened up are folders of the copy.
+        const ScopeExit removal(
+            [&] { (void)FileTree::remove(staged, FileTree::Permissions::overridden); });
         if (!_abandoning.stop_requested())
             result = archiveFile({.file = staged,
                 .type = job.type,
@@ -97,15 +115,16 @@ Archiver::Path Archiver::makeTmpFolderForArchive(
     const std::string& name, int type, const std::vector<Path>& dstPaths)
 {
     Path staged = _workingDirectory.native() + "/" + name;
-    ::mkdir(staged.c_str(), 0777); // may be there already
+    if (const auto failure = makeFreshFolder(staged))
+        _tellNotStaged(staged, failure);
     for (const Path& item : dstPaths) {
         if (_abandoning.stop_requested())
             break;
         const Path entry = staged.native() + "/" + PathString::lastPathComponent(item.native());
         if (type == ArchiveTypeMacZip)
             _stageCopy(item, entry);
-        else
-            ::symlink(item.c_str(), entry.c_str()); // of two items of one name the first stays
+        else if (::symlink(item.c_str(), entry.c_str()) != 0) // of two of one name the first stays
+            _tellNotStaged(item, lastError());
     }
     if (_delegate)
         _delegate->setNumberOfFiles(
@@ -113,17 +132,26 @@ Archiver::Path Archiver::makeTmpFolderForArchive(
     return staged;
 }
 
-// A hard link, or a copy of what cannot be linked: a folder, or an item on another file system. Of
-// two items of one name the second stays. An item may contain the working folder: that is left out.
+// A hard link, or a copy of what cannot be linked: a folder, whose files can, or an item on another
+// file system. Of two items of one name the second stays. An item may contain the working folder:
+// that is left out.
 void Archiver::_stageCopy(const Path& item, const Path& entry) const
 {
     if (::link(item.c_str(), entry.c_str()) == 0)
         return;
-    (void)FileTree::remove(entry);
-    FileCopy::Options options{.leavingOut = _workingDirectory, .stop = _abandoning.get_token()};
-    if (_delegate)
-        options.onFailure = _delegate->notStaged;
-    (void)FileCopy::copyItem(item, entry, options);
+    (void)FileTree::remove(entry, FileTree::Permissions::overridden);
+    (void)FileCopy::copyItem(item, entry,
+        {.leavingOut = _workingDirectory,
+            .linking = true,
+            .onFailure
+            = [this](const Path& part, std::error_code reason) { _tellNotStaged(part, reason); },
+            .stop = _abandoning.get_token()});
+}
+
+void Archiver::_tellNotStaged(const Path& item, std::error_code reason) const
+{
+    if (_delegate && _delegate->notStaged)
+        _delegate->notStaged(item, reason);
 }
 
 void Archiver::removeTmpFolder(const Path& path)
@@ -151,7 +179,7 @@ void Archiver::abandon()
     _abandoning.request_stop();
     _cancelFlag = true;
     const std::lock_guard lock(_taskMutex);
-    if (_task)
+    if (_task && std::chrono::steady_clock::now() >= _sparedUntil)
         _task->terminate();
 }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -44,6 +45,9 @@ struct ArchiverDelegate {
     std::function<void(std::string_view bytes)> toolOutput = {};
     // Something, or part of it, will be missing from the archive, since it could not be staged.
     std::function<void(const std::filesystem::path& item, std::error_code reason)> notStaged = {};
+    // A plain zip could not be moved to its place, or what stands there not be removed. Whoever
+    // gives true tells the user; otherwise an alert does.
+    std::function<bool(std::error_code reason)> notMoved = {};
 };
 
 class Archiver
@@ -111,7 +115,7 @@ public:
     // For a program that ends. As cancel(), but for good: what the job has made goes, and nothing
     // is delivered. An older archive stays, except for types that remove it before their tool runs.
     // To be called again until the job has ended: a tool that does not heed the first call is
-    // killed by one that comes a while later.
+    // killed by one that comes a while later. A volume is still unmounted, within some seconds.
     void abandon();
 
     // Where the tools are. zipPath() is decided once per process. tarPath() is nothing when the
@@ -159,13 +163,17 @@ private:
     static void _reportFailure(
         const std::string& inMethod, const Archiver* object, int lineNumber, const char* text);
     void _stageCopy(const Path& item, const Path& entry) const;
+    void _tellNotStaged(const Path& item, std::error_code reason) const;
+    void _setSparedFor(std::chrono::seconds time);
     static std::optional<std::string> _filenameFromData(std::string_view data);
     void _replaceArchive(const Path& archive, const Path& byArchive) const;
+    void _tellNotMoved(const std::string& message, std::error_code reason) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);
 
-    std::mutex _taskMutex; // protects _task, which the job's thread replaces while others cancel
+    std::mutex _taskMutex; // protects these two, which the job's thread sets while others cancel
     std::unique_ptr<Task> _task; // set while a tool runs, and after one that could not be started
+    std::chrono::steady_clock::time_point _sparedUntil; // what is abandoned goes on until then
     std::optional<ArchiverDelegate> _delegate;
     Path _workingDirectory;
     std::optional<Path> _archiveInAlerts;

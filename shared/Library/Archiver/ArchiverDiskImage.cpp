@@ -34,6 +34,9 @@ constexpr const char* du = "/usr/bin/du";
 
 constexpr std::int64_t fewestSectors = 10240; // of 512 bytes
 
+// How long an unmounting may take that nobody waits for any more: it writes what the volume holds.
+constexpr std::chrono::seconds unmountTime{20};
+
 // In 32 bits, as the tool counts them: a size beyond a third of that wraps around.
 std::int32_t sectorsFor(std::int32_t size)
 {
@@ -96,10 +99,12 @@ std::optional<Archiver::Path> Archiver::createDMG(
     if (!_abandoning.stop_requested()) {
         const std::optional<std::string> device = mountSparseImage(name, toFolder);
         dittoContentsAtPath(staged, volume);
+        _setSparedFor(unmountTime);
         if (device)
             runHdiutil({"detach", *device});
         else
             runHdiutil({"unmount", volume});
+        _setSparedFor({});
     }
 
     if (!_abandoning.stop_requested()) {
@@ -114,6 +119,12 @@ std::optional<Archiver::Path> Archiver::createDMG(
     convenience::removeItemAtPath(growing);
     convenience::removeItemAtPath(toFolder.native() + "/mount.plist");
     return image;
+}
+
+void Archiver::_setSparedFor(std::chrono::seconds time)
+{
+    const std::lock_guard lock(_taskMutex);
+    _sparedUntil = std::chrono::steady_clock::now() + time;
 }
 
 int Archiver::duSizeForPath(const Path& path)

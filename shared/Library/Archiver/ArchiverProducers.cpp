@@ -125,18 +125,27 @@ void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
     const std::string named = _archiveInAlerts.value_or(archive).native();
     std::error_code missing;
     const bool isThere = std::filesystem::exists(archive, missing);
-    if (isThere && FileTree::remove(archive)) {
-        showAlertLater("Unable to replace existing file at '" + named + "'");
-        return;
+    if (isThere) {
+        if (const auto failure = FileTree::remove(archive)) {
+            _tellNotMoved("Unable to replace existing file at '" + named + "'", failure);
+            return;
+        }
     }
     // Once the older one is gone only the new one can make up for it.
     const std::stop_token stop = isThere ? std::stop_token() : _abandoning.get_token();
-    if (!FileMove::moveItem(byArchive, archive, stop))
+    const auto failure = FileMove::moveItem(byArchive, archive, stop);
+    if (!failure)
         return;
     if (stop.stop_requested())
         convenience::removeItemAtPath(byArchive);
     else
-        showAlertLater("Unable to write to '" + named + "'");
+        _tellNotMoved("Unable to write to '" + named + "'", failure);
+}
+
+void Archiver::_tellNotMoved(const std::string& message, std::error_code reason) const
+{
+    if (!_delegate || !_delegate->notMoved || !_delegate->notMoved(reason))
+        showAlertLater(message);
 }
 
 std::optional<Archiver::Path> Archiver::createForkZip(const Path& staged, const Path& toFolder)
