@@ -77,8 +77,7 @@ TEST_F(UserDefaultsTest, aFileOfAnyKindDoesNoHarm)
     writeFile(folder / "random", randomBytes(100000, 1));
     writeFile(folder / "wrong", "[[\n=%%\nkey\n\\x\n@Variant(\\0\\0");
     writeFile(folder / "other", "[General]\nkey=@Variant(\\x7f)");
-    std::filesystem::create_symlink("target", folder / "link");
-    for (const char* name : {"folder", "random", "random/in a file", "wrong", "other", "link"}) {
+    for (const char* name : {"folder", "random", "random/in a file", "wrong", "other"}) {
         UserDefaults broken(folder / name);
         broken.registerDefaults({{"key", 5}});
         EXPECT_EQ(broken.integerForKey("key"), 5) << name;
@@ -86,8 +85,6 @@ TEST_F(UserDefaultsTest, aFileOfAnyKindDoesNoHarm)
         broken.synchronize();
         EXPECT_EQ(broken.integerForKey("key"), 6) << name;
     }
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
-    EXPECT_EQ(readFile(folder / "target"), "[General]\nkey=6\n");
 }
 
 // What the program's own preferences cannot show: settings that change while they are edited.
