@@ -6,10 +6,6 @@
 
 #include <QPoint>
 
-#include <csignal>
-#include <cstring>
-#include <stdexcept>
-
 #include <endian.h>
 
 class DesktopSession

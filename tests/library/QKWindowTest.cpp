@@ -22,22 +22,6 @@ struct QKWindowTest : testing::Test {
     QKWindow window;
 };
 
-TEST_F(QKWindowTest, aPromptReturnsWhatWasPressed)
-{
-    const std::pair<Qt::Key, int> keys[] = {{Qt::Key_Space, PromptResultOther},
-        {Qt::Key_Return, PromptResultDefault}, {Qt::Key_Escape, PromptResultAlternate}};
-    for (const auto& [key, result] : keys) {
-        whenAsked([key = key](QDialog* panel) {
-            const auto buttons = panel->findChildren<QPushButton*>();
-            auto* never = *std::ranges::find(buttons, u"Never"_qs, &QPushButton::text);
-            never->setFocus();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(panel));
-            QTest::keyClick(never, key);
-        });
-        EXPECT_EQ(ask(), result);
-    }
-}
-
 TEST_F(QKWindowTest, whatIsAskedWhileAPanelIsUpIsRefused)
 {
     const QString message = u"30%% of <b>100%</b> %@ %1"_qs;

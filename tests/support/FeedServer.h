@@ -2,8 +2,6 @@
 // Qt.
 #pragma once
 
-#include <QByteArray>
-#include <QList>
 #include <QTcpServer>
 #include <QTcpSocket>
 

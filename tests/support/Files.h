@@ -2,9 +2,7 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <filesystem>
-#include <string>
 #include <string_view>
 #include <thread>
 #include <vector>

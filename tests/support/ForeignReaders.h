@@ -3,10 +3,6 @@
 
 #include "tests/support/TreeSnapshot.h"
 
-#include <filesystem>
-#include <string>
-#include <vector>
-
 namespace support
 {
 

@@ -5,11 +5,6 @@
 #include "platform/desktop/services/MailComposer.h"
 #include "platform/desktop/services/Workspace.h"
 
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <vector>
-
 namespace support
 {
 

@@ -5,9 +5,6 @@
 #include "tests/support/Run.h"
 #include "tests/support/TestFolder.h"
 
-#include <stdexcept>
-#include <string>
-
 namespace support
 {
 

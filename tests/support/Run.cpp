@@ -1,7 +1,5 @@
 #include "tests/support/Run.h"
 
-#include <csignal>
-
 #include <poll.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -18,11 +16,6 @@ namespace
 FileDescriptor memoryFile()
 {
     return FileDescriptor(checked(::memfd_create("stream", MFD_CLOEXEC), "memfd_create"));
-}
-
-std::string pathOf(const FileDescriptor& file)
-{
-    return "/proc/self/fd/" + std::to_string(file.number());
 }
 
 std::vector<char*> pointersTo(const std::vector<std::string>& strings)
@@ -42,7 +35,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOpt
     , _out(memoryFile())
     , _err(memoryFile())
 {
-    writeFile(pathOf(_in), _options.input);
+    writeFile(_pathOf(_in), _options.input);
     // Everything is allocated here: after fork() only plain system calls are safe.
     const std::vector<char*> argv = pointersTo(arguments);
     const std::vector<char*> given
@@ -67,21 +60,6 @@ RunningProgram::~RunningProgram()
         return;
     ::kill(-_pid, SIGKILL);
     ::waitpid(_pid, nullptr, 0);
-}
-
-void RunningProgram::signal(int number) const
-{
-    ::kill(_pid, number);
-}
-
-std::string RunningProgram::out() const
-{
-    return readFile(pathOf(_out));
-}
-
-std::string RunningProgram::err() const
-{
-    return readFile(pathOf(_err));
 }
 
 RunResult RunningProgram::wait()

@@ -4,13 +4,8 @@
 #include "system/FileDescriptor.h"
 #include "tests/support/Files.h"
 
-#include <chrono>
-#include <filesystem>
+#include <csignal>
 #include <optional>
-#include <string>
-#include <vector>
-
-#include <sys/types.h>
 
 namespace support
 {
@@ -38,18 +33,21 @@ public:
     explicit RunningProgram(const std::vector<std::string>& arguments, RunOptions options = {});
     // Kills what still runs.
     ~RunningProgram();
-    RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
 
     pid_t pid() const { return _pid; }
     // To the program alone, as a user's `kill` would.
-    void signal(int number) const;
-    std::string out() const;
-    std::string err() const;
+    void signal(int number) const { ::kill(_pid, number); }
+    std::string out() const { return readFile(_pathOf(_out)); }
+    std::string err() const { return readFile(_pathOf(_err)); }
     // Waits for the end; after the timeout the whole group is killed.
     RunResult wait();
 
 private:
+    static std::string _pathOf(const FileDescriptor& file)
+    {
+        return "/proc/self/fd/" + std::to_string(file.number());
+    }
+
     const RunOptions _options;
     const FileDescriptor _in, _out, _err;
     pid_t _pid = -1;

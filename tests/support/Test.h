@@ -1,5 +1,5 @@
 // What nearly every test takes: GoogleTest, files, folders, programs and the environment of its
-// own, and what they are looked at with. Precompiled.
+// own, and what they are looked at with.
 #pragma once
 
 #include "tests/support/EnvironmentVariable.h"

@@ -37,20 +37,17 @@ void addTo(TreeSnapshot& tree, const FileDescriptor& folder, const std::string& 
     for (const std::string& name : namesIn(place)) {
         struct stat status = {};
         ::lstat((place / name).c_str(), &status);
-        TreeEntry entry = {.mode = status.st_mode & 07777, .time = status.st_mtim.tv_sec};
-        if (S_ISREG(status.st_mode)) {
-            entry.kind = 'f';
+        TreeEntry entry = {.kind = "?p??d???f?l?????"[status.st_mode >> 12 & 15],
+            .mode = status.st_mode & 07777,
+            .time = status.st_mtim.tv_sec};
+        if (entry.kind == 'f') {
             entry.content = std::to_string(status.st_size) + " bytes " + hashOfFile(place / name);
-        } else if (S_ISLNK(status.st_mode)) {
-            entry.kind = 'l';
+        } else if (entry.kind == 'l') {
             entry.content = std::filesystem::read_symlink(place / name);
-        } else if (S_ISDIR(status.st_mode)) {
-            entry.kind = 'd';
+        } else if (entry.kind == 'd') {
             constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
             const FileDescriptor inside(::openat(folder.number(), name.c_str(), flags));
             addTo(tree, inside, pathOfFolder + name + "/");
-        } else if (S_ISFIFO(status.st_mode)) {
-            entry.kind = 'p';
         }
         tree[pathOfFolder + name] = std::move(entry);
     }

@@ -1,13 +1,9 @@
 // A tree of files as it is at one moment, to be compared with what an archive brings back.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <map>
-#include <string>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace support
 {
