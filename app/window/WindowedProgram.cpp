@@ -146,7 +146,10 @@ void Requests::_comeToFront(const QByteArray& activationToken)
     _window.setWindowState(_window.windowState() & ~Qt::WindowMinimized);
     _window.show();
     _window.raise();
-    _window.activateWindow();
+    // Behind a sheet the window takes no keys; activated again and again, Qt 6.4 on X11 at times
+    // gives none to the sheet either.
+    QWidget* sheet = QApplication::activeModalWidget();
+    (sheet != nullptr ? sheet : &_window)->activateWindow();
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
