@@ -26,8 +26,9 @@ def identity(path):
 
 def meddle():
     for count in itertools.takewhile(lambda _: time.monotonic() < end, itertools.count()):
-        names = [file.name for file in place.destination.glob("Demo*")] or ["Demo.zip"]
-        target = place.destination / chance.choice(["Demo.zip", "Demo.tar.gz", chance.choice(names)])
+        there = list(place.destination.glob("Demo*")) or [place.archive("zip")]
+        target = chance.choice(
+            [place.archive("zip"), place.archive("tar.gz"), chance.choice(there)])
         what = chance.choice(("put", "put", "take", "note"))
         if what == "put":  # a file of its own, in place of what is there if anything is
             file = aside / str(count)
