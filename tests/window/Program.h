@@ -30,11 +30,7 @@ protected:
             return int{AlertPanel::answerDefault};
         });
     }
-    ~Program() override
-    {
-        _end();
-        AlertPanel::setPresenter({});
-    }
+    ~Program() override { _end(); }
 
     // Starts the program anew, with these settings too, and files opened with its icon.
     void start(const std::vector<std::pair<const char*, QVariant>>& settings = {},
@@ -81,7 +77,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
         QTest::keyClick(&window(), keys.key(), keys.keyboardModifiers());
     }
-    bool drop(const char* format, const QByteArray& bytes)
+    bool drop(const QByteArray& bytes, const char* format = "text/uri-list")
     {
         QMimeData data;
         data.setData(QLatin1String(format), bytes);
@@ -96,7 +92,7 @@ protected:
         QByteArray list;
         for (const Path& file : files)
             list += QByteArray::fromStdString(UriList::fileUri(file) + "\r\n");
-        EXPECT_TRUE(drop("text/uri-list", list));
+        EXPECT_TRUE(drop(list));
     }
     // Serves events until the condition holds; false when it never does.
     static bool waitFor(const std::function<bool()>& condition)
