@@ -30,7 +30,11 @@ protected:
             return int{AlertPanel::answerDefault};
         });
     }
-    ~Program() override { _end(); }
+    ~Program() override
+    {
+        _end();
+        AlertPanel::setPresenter({});
+    }
 
     // Starts the program anew, with these settings too, and files opened with its icon.
     void start(const std::vector<std::pair<const char*, QVariant>>& settings = {},

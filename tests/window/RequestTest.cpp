@@ -197,6 +197,8 @@ TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
             fs::resize_file(item, std::uintmax_t{40} << 30); // takes the tool many seconds
         const Path archive = source / (type == ArchiveTypeTarGz ? "item.tar.gz" : "item.zip");
         support::writeFile(archive, "an older file");
+        const Path older = folder / "older";
+        fs::create_hard_link(archive, older);
         told.clear();
         store("ArchiveType", type);
         drop({item});
@@ -220,7 +222,9 @@ TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
         ASSERT_EQ(told.empty(), said.empty());
         EXPECT_TRUE(said.empty() || told.front().find(said) != told.front().npos) << told.front();
         EXPECT_EQ(support::readFile(archive), "an older file");
+        EXPECT_TRUE(fs::equivalent(archive, older));
         fs::remove(archive);
+        fs::remove(older);
         fs::remove(item);
         EXPECT_EQ(support::namesIn(source), (Texts{"one.txt", "three.txt", "two.txt"}));
     }
