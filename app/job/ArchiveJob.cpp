@@ -89,6 +89,8 @@ ArchiveJob::Result ArchiveJob::run()
     _result.problem = _obstacle();
     if (!_result.problem)
         _make();
+    if (_stop == Stop::asked)
+        _result.problem.reset();
     _result.messages = _messages.lines();
     _result.isWhole = _result.isMade && _result.leftOut.count() == 0;
     if (_engineStatus && _events.completedWithStatus)

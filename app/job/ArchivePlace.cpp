@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -61,10 +62,20 @@ bool ArchivePlace::_isFormer(const Path& path) const
         && isSameFile(former, now);
 }
 
+// An archive that only some may read is not opened to all by being made anew. Where the permissions
+// cannot be set, those that the tool gave have to do.
+void ArchivePlace::_keepPermissions(const Path& made) const
+{
+    FileStatus former{};
+    if (_former && ::fstat(_former.number(), &former) == 0 && S_ISREG(former.st_mode))
+        ::chmod(made.c_str(), former.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO));
+}
+
 std::error_code ArchivePlace::put(const Path& made)
 {
     if (const auto failure = flushContents(made))
         return failure;
+    _keepPermissions(made);
     std::error_code failure = _former ? _exchange(made) : _takeFreeName(made, _path);
     if (!failure)
         flushFolder(_path.parent_path());

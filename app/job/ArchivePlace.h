@@ -27,14 +27,15 @@ public:
     [[nodiscard]] bool isTakenByFolder() const;
 
     // Moves a complete file of the same file system there in one rename, flushed to the disk
-    // before it gets the name. What it replaces is left at the path that it had, or gone. After a
-    // failure all stands as it stood.
+    // before it gets the name, with the permissions of what it replaces; that is left at the path
+    // that it had, or gone. After a failure all stands as it stood.
     [[nodiscard]] std::error_code put(const Path& made);
 
     // Where a file of somebody else's is now that could not be put back to its name.
     [[nodiscard]] const std::optional<Path>& movedAside() const { return _movedAside; }
 
 private:
+    void _keepPermissions(const Path& made) const;
     [[nodiscard]] std::error_code _exchange(const Path& made);
     [[nodiscard]] std::error_code _keepBoth(const Path& other);
     [[nodiscard]] std::error_code _takeFreeName(const Path& file, Path& path);

@@ -215,9 +215,11 @@ TEST_F(Program, tellsWhatHappensAndReplacesAnOlderArchiveByAWholeOneOnly)
             const std::string tool = type == "zip" ? "zip" : type == "tar.gz" ? "tar" : "ditto";
             const fs::path archive = folder / (tool == "tar" ? "out/Demo.tar.gz" : "out/Demo.zip");
             writeFile(archive, "older");
+            chmod(archive.c_str(), S_IRUSR | S_IWUSR);
             const auto identity = [&] {
                 struct stat status = {};
                 EXPECT_EQ(stat(archive.c_str(), &status), 0);
+                EXPECT_EQ(status.st_mode, S_IFREG | S_IRUSR | S_IWUSR);
                 return std::tuple(status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec,
                     readFile(archive));
             };
