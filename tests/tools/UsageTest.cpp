@@ -59,7 +59,7 @@ TEST_P(Usage, aMissingItemOrPlaceIsToldAndNothingIsMade)
     EXPECT_EQ(namesIn(folder.path()), Names{"in"});
 
     fs::permissions(folder / "in", fs::perms(0555));
-    const RunResult refused = runAsOrdinaryUser(callOf(tool, folder / "in/x", item), folder.path());
+    const RunResult refused = run(tool, folder / "in/x", item, {.prefix = asOwner});
     EXPECT_EQ(refused.status, tool.cannotCreate);
     EXPECT_TRUE(contains(refused.err, "Permission denied")) << refused.err;
     EXPECT_EQ(namesIn(folder / "in"), (Names{"item", "pipe"}));
