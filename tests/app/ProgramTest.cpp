@@ -3,15 +3,6 @@
 #include "tests/support/Test.h"
 #include "tests/support/Tools.h"
 
-#include <csignal>
-#include <regex>
-
-#include <sys/xattr.h>
-
-using namespace support;
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
-
 namespace
 {
 

@@ -3,21 +3,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <regex>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
 namespace support
 {
-
-Names linesOf(const std::string& text)
-{
-    Names lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
 
 const Tool& toolNamed(const std::string& name)
 {

@@ -7,14 +7,6 @@
 namespace support
 {
 
-using Names = std::vector<std::string>;
-inline const Names nothing = {};
-inline bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
-Names linesOf(const std::string& text);
-
 // What the runs of a tool end with, and who reads its archives.
 struct Tool {
     std::string name; // zip, tar, ditto

@@ -3,6 +3,7 @@
 #include "system/FileDescriptor.h"
 #include "tests/support/Files.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -72,7 +73,7 @@ std::vector<std::string> differences(
             lines.push_back(path + " is missing");
             continue;
         }
-        if (tolerance.anyTime)
+        if (std::abs(found.mapped().time - entry.time) <= tolerance.seconds)
             found.mapped().time = entry.time;
         const std::string is = textOf(found.mapped(), tolerance.modeMask);
         const std::string shouldBe = textOf(entry, tolerance.modeMask);

@@ -22,7 +22,7 @@ TreeSnapshot snapshot(const std::filesystem::path& folder);
 // What a program is known not to bring back.
 struct Tolerance {
     mode_t modeMask = 07777;
-    bool anyTime = false;
+    std::int64_t seconds = 0; // by how much times may differ
 };
 
 // One readable line per difference; none when the trees are equal.

@@ -2,10 +2,6 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <csignal>
-#include <fstream>
-#include <functional>
-
 namespace
 {
 

@@ -2,10 +2,6 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <functional>
-
-#include <sys/stat.h>
-
 namespace
 {
 

@@ -2,11 +2,6 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <sys/stat.h>
-#include <sys/xattr.h>
-
-using namespace std::string_literals;
-
 namespace
 {
 

@@ -3,13 +3,8 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <csignal>
-#include <map>
-
 #include <fcntl.h>
 #include <sys/file.h>
-
-using namespace std::chrono_literals;
 
 namespace
 {
@@ -235,7 +230,7 @@ TEST_P(TracedFaults, aParentThatEndsBeforeItsEndIsToBeToldEndsTheRun)
 {
     fs::resize_file(item / "b", std::uintmax_t{200} << 30);
     Names prefix = strace("inject=prctl:delay_enter=600000");
-    prefix.insert(prefix.end(), {"sh", "-c", R"("$0" "$@" & sleep 0.2; kill -KILL $$)"});
+    prefix.insert(prefix.end(), {"/bin/sh", "-c", R"("$0" "$@" & sleep 0.2; kill -KILL $$)"});
     const ToolOptions options{.prefix = prefix, .timeout = 5s};
     EXPECT_EQ(run(tool, freshPlace(), item, options).status, 128 + SIGKILL);
     EXPECT_TRUE(content() == old);

@@ -1,14 +1,6 @@
 // Links, hard links, unreadable things, times: what is not simply a file with content.
 
-#include "tests/support/EnvironmentVariable.h"
 #include "tests/tools/ToolTest.h"
-
-#include <map>
-#include <tuple>
-
-#include <sys/stat.h>
-
-using namespace std::string_literals;
 
 namespace
 {

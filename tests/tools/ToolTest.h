@@ -1,18 +1,9 @@
 // What the tests of the tools begin with: a tool, an item and the place of its archive.
 #pragma once
 
-#include "tests/support/TestFolder.h"
+#include "tests/support/Test.h"
 #include "tests/support/Tools.h"
 #include "tests/support/ZipInspector.h"
-
-#include <algorithm>
-#include <regex>
-#include <set>
-
-#include <gtest/gtest.h>
-
-using namespace support;
-namespace fs = std::filesystem;
 
 class ToolTest : public testing::Test
 {

@@ -2,8 +2,6 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <map>
-
 namespace
 {
 

@@ -2,9 +2,6 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <fstream>
-#include <thread>
-
 namespace
 {
 
