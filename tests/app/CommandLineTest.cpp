@@ -2,11 +2,9 @@
 
 #include "app/job/ProposedName.h"
 #include "app/job/ToolMessages.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 using Request = CommandLine::Request;
-using Lines = std::vector<std::string>;
 
 TEST(CommandLine, tellsRequestsFromWrongUsage)
 {

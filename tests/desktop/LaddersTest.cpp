@@ -4,7 +4,6 @@
 #include "platform/desktop/services/Workspace.h"
 #include "tests/desktop/StandIns.h"
 
-namespace fs = std::filesystem;
 using standins::Programs;
 using enum standins::Answer;
 
@@ -54,11 +53,11 @@ std::unique_ptr<QObject> reveal(const fs::path& file, std::string& told)
 void expect(const Case& each, Ask ask, const std::string& type)
 {
     SCOPED_TRACE(each.defaultId + ": " + each.calls);
-    const support::TestFolder folder;
+    const TestFolder folder;
     // Quotes, separators and escapes of every form, and a byte that is no UTF-8.
     const fs::path file = folder / "it's, 50%&#=\"\\ \xe9.zip";
     if (each.isThere)
-        support::writeFile(file, "");
+        writeFile(file, "");
     const Programs programs;
     for (const char* name : {"nautilus", "dolphin", "thunar", "xdg-open", "thunderbird",
              "evolution", "kmail", "claws-mail", "balsa", "xdg-email"})

@@ -10,7 +10,6 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
 
-namespace fs = std::filesystem;
 using standins::Answer;
 
 namespace
@@ -20,7 +19,7 @@ class BusForAllTests : public ::testing::Environment
 {
     void SetUp() override
     {
-        static const support::PrivateBus bus; // to the end of the process
+        static const PrivateBus bus; // to the end of the process
         ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
     }
 };

@@ -17,7 +17,7 @@ inline bool waitForEndOf(const QObject& asked)
 class Programs
 {
 public:
-    Programs() { support::writeFile(_folder / "calls", ""); }
+    Programs() { writeFile(_folder / "calls", ""); }
     // Adds a program that notes its call, with what LC_ALL says behind that C, and ends with the
     // status.
     void add(const std::string& name, int status = 0) const
@@ -28,20 +28,20 @@ public:
     }
     void addScript(const std::string& name, const std::string& script) const
     {
-        support::writeFile(_folder / name, "#!/bin/sh\n" + script + "\n");
-        std::filesystem::permissions(_folder / name, std::filesystem::perms::owner_all);
+        writeFile(_folder / name, "#!/bin/sh\n" + script + "\n");
+        fs::permissions(_folder / name, fs::perms::owner_all);
     }
     void note(const std::string& call) const
     {
         std::ofstream(_folder / "calls", std::ios::app) << call << '\n';
     }
     // What was called, a line each: the name and every argument in angle brackets.
-    std::string calls() const { return support::readFile(_folder / "calls"); }
+    std::string calls() const { return readFile(_folder / "calls"); }
 
 private:
-    support::TestFolder _folder;
-    support::EnvironmentVariable _path{"PATH", _folder.path()};
-    support::EnvironmentVariable _locale{"LC_ALL", "C"};
+    TestFolder _folder;
+    EnvironmentVariable _path{"PATH", _folder.path()};
+    EnvironmentVariable _locale{"LC_ALL", "C"};
 };
 
 // What a service says when it is called. A portal says yes and tells later what the user did; these

@@ -2,14 +2,13 @@
 
 #include "tests/support/qt/QtTest.h"
 
-using namespace std::string_literals;
 using enum UriList::Refusal;
 
 TEST(UriList, findsEveryPathAndSaysWhatItRefuses)
 {
     struct Case {
         std::string list;
-        std::vector<std::filesystem::path> paths;
+        std::vector<fs::path> paths;
         std::vector<UriList::Refusal> refused = {};
     };
     const Case lists[] = {

@@ -7,8 +7,6 @@
 
 #include <QSlider>
 
-using namespace support;
-
 namespace
 {
 
@@ -17,12 +15,12 @@ struct UserDefaultsTest : testing::Test {
     std::unique_ptr<UserDefaults> readAgain()
     {
         const auto copy = folder / std::to_string(++copies);
-        std::filesystem::copy_file(file, copy);
+        fs::copy_file(file, copy);
         return std::make_unique<UserDefaults>(copy);
     }
 
     const TestFolder folder;
-    const std::filesystem::path file = folder / "new/parcelo/parcelo.conf";
+    const fs::path file = folder / "new/parcelo/parcelo.conf";
     UserDefaults defaults{file};
     int copies = 0;
 };
@@ -73,7 +71,7 @@ TEST_F(UserDefaultsTest, tellsOfEachChangeOnceAndWritesNoFallbacks)
 
 TEST_F(UserDefaultsTest, aFileOfAnyKindDoesNoHarm)
 {
-    std::filesystem::create_directories(folder / "folder");
+    fs::create_directories(folder / "folder");
     writeFile(folder / "random", randomBytes(100000, 1));
     writeFile(folder / "wrong", "[[\n=%%\nkey\n\\x\n@Variant(\\0\\0");
     writeFile(folder / "other", "[General]\nkey=@Variant(\\x7f)");
@@ -137,5 +135,5 @@ TEST_F(UserDefaultsTest, processesDoNotLoseEachOthersKeys)
     for (const QString key : {"a", "b", "c"})
         for (int round = 0; round < 40; ++round)
             EXPECT_EQ(readAgain()->integerForKey(key + QString::number(round)), round);
-    EXPECT_EQ(namesIn(file.parent_path()), std::vector<std::string>{"parcelo.conf"});
+    EXPECT_EQ(namesIn(file.parent_path()), Names{"parcelo.conf"});
 }

@@ -9,11 +9,6 @@
 #include "tests/support/Test.h"
 #include "tests/support/Tools.h"
 
-using namespace support;
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
-
 class EngineTest : public testing::Test
 {
 protected:

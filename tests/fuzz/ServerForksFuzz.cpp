@@ -32,9 +32,9 @@ ServerForks::Attributes attributesOf(std::span<const std::byte> bytes)
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void Fuzzing::test(std::string_view input)
 {
-    const auto before = attributesOf(std::as_bytes(std::span(data, size)));
+    const auto before = attributesOf(std::as_bytes(std::span(input)));
     auto after = before;
     ServerForks::translate(after);
     for (const auto& [name, value] : before) {
@@ -51,5 +51,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     for (const auto& [name, value] : after)
         (void)file.add(name, value);
     (void)file.bytes();
-    return 0;
 }

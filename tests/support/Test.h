@@ -10,7 +10,14 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <regex>
 #include <set>
 #include <sstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+using namespace support;
+using namespace std::literals;
+namespace fs = std::filesystem;

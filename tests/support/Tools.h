@@ -4,18 +4,8 @@
 #include "tests/support/ForeignReaders.h"
 #include "tests/support/Run.h"
 
-#include <set>
-
 namespace support
 {
-
-using Names = std::vector<std::string>;
-inline const Names nothing = {};
-inline bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
-Names linesOf(const std::string& text);
 
 // What the runs of a tool end with, and who reads its archives.
 struct Tool {
@@ -40,30 +30,24 @@ struct ToolOptions {
     Names environment = {}; // all that the tool gets
     std::string toolsFolder = PARCELO_TOOLS_DIR;
     std::chrono::seconds timeout{60};
+    std::string itemFolder = "./"; // how the item's name begins
 };
 
-// A run of a tool on one item, from the item's folder.
-struct ToolCall {
-    Names arguments;
-    RunOptions options;
-};
-ToolCall callOf(const Tool& tool, const std::filesystem::path& archive,
+// A run of a tool on one item, from the item's folder: beside the test, or to its end.
+RunningProgram start(const Tool& tool, const std::filesystem::path& archive,
     const std::filesystem::path& item, const ToolOptions& options = {});
-RunResult run(const Tool& tool, const std::filesystem::path& archive,
-    const std::filesystem::path& item, const ToolOptions& options = {});
+inline RunResult run(const Tool& tool, const std::filesystem::path& archive,
+    const std::filesystem::path& item, const ToolOptions& options = {})
+{
+    return start(tool, archive, item, options).wait();
+}
 
 // The names in `warning: NAME: reason` lines, sorted; any other line as it stands.
 Names warnedNames(const RunResult& result);
 
-// Everything that is not as it should be about a run that made an archive of `expected`: an entry
-// without its one line of progress, a fault in the structure of a zip, a reader that does not bring
-// the tree back. Readers in `except` are not asked.
-Names faultsOf(const Tool& tool, const RunResult& result, const std::filesystem::path& archive,
-    const TreeSnapshot& expected, const std::set<std::string>& except = {});
-
-// Runs with the rights of an ordinary user. That user cannot reach every place: the tool is copied
-// to `folder`, which is opened to all.
-RunResult runAsOrdinaryUser(ToolCall call, const std::filesystem::path& folder);
+// How a command begins that has no more rights than a file's owner.
+inline const Names asOwner = {"sh", "-c", R"sh([ "$(id -u)" != 0 ] || exec setpriv \
+    --bounding-set=-dac_override,-dac_read_search "$0" "$@"; exec "$0" "$@")sh"};
 
 // Everything is to be tried, however long it takes, and not a sample of it: PARCELO_ALL_TESTS is 1.
 bool isFullSweep();

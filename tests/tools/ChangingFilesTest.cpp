@@ -2,10 +2,6 @@
 
 #include "tests/tools/ToolTest.h"
 
-#include <csignal>
-#include <fstream>
-#include <functional>
-
 namespace
 {
 
@@ -68,8 +64,7 @@ TEST_P(ChangingFiles, areStoredAsReadAndNamed)
         setTime(item / "m-large", 1'000'000'000);
 
         // With strong compression by one thread, for which reading has to wait.
-        const ToolCall call = callOf(tool, archive, item, {.level = "-7", .threads = 1});
-        RunningProgram program(call.arguments, call.options);
+        RunningProgram program = start(tool, archive, item, {.level = "-7", .threads = 1});
         ASSERT_TRUE(comesToTheMiddle(program));
         program.signal(SIGSTOP);
         change.make(item / "m-large", item / "z-next");
