@@ -6,6 +6,7 @@
 #include <cstring>
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 using Request = Desktop;
 
@@ -37,7 +38,7 @@ TEST_F(Request, laterStartsHandOverTheirFilesAndEachBecomesARequest)
 {
     support::writeFile(source / "caf\xe9.txt", "e");
     Program& parcelo = startParcelo({}, "RevealWhenComplete=false\n");
-    for (const char* file : {"one.txt", "caf\xe9.txt"}) {
+    for (const std::string& file : {"file://" + source.native() + "/o%6Ee.txt", "caf\xe9.txt"s}) {
         EXPECT_EQ(
             support::run({PARCELO_PROGRAM, file}, {.folder = source, .environment = environment()})
                 .status,
@@ -46,6 +47,8 @@ TEST_F(Request, laterStartsHandOverTheirFilesAndEachBecomesARequest)
     }
     saveAndWait(parcelo);
     saveAndWait(parcelo);
+    (void)support::run({PARCELO_PROGRAM, "trash:///x"}, {.environment = environment()});
+    press(parcelo, "There are no such files", {"Return"});
     EXPECT_EQ(support::inspectZip(source / "one.zip").names(), Strings{"one.txt"});
     EXPECT_EQ(support::inspectZip(source / "caf\xef\xbf\xbd.zip").names(), Strings{"caf\xe9.txt"});
     quit(parcelo);
