@@ -176,7 +176,7 @@ std::string CommandLine::usage()
   parcelo --to FOLDER [OPTION...] [--] FILE...
 
 The first opens the window, and proposes an archive of the files: for a new message with --email;
-the second shows its preferences. The third makes one archive of the files and folders and prints
+a FILE may be a file:// address. The second shows its preferences. The third makes one archive of the files and folders and prints
 its path. An archive of the same name in FOLDER is replaced.
 
   --to FOLDER       where to put the archive

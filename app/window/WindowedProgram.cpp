@@ -66,6 +66,14 @@ QByteArray takeActivationToken()
     return token;
 }
 
+// Some file managers name files so. A file may be named like an address, too.
+bool isAddress(const fs::path& file)
+{
+    std::error_code missing;
+    return file.native().find(":/") != std::string::npos
+        && !fs::exists(fs::symlink_status(file, missing));
+}
+
 ApplicationService::Request requestOf(const WindowedProgram::Start& start)
 {
     ApplicationService::Request request{.activationToken = takeActivationToken()};
@@ -75,6 +83,10 @@ ApplicationService::Request requestOf(const WindowedProgram::Start& start)
         request.action = preferencesAction;
     for (const fs::path& file : start.files) {
         std::error_code missing;
+        if (isAddress(file)) {
+            request.addAddress(QString::fromStdString(file.native()));
+            continue;
+        }
         const fs::path document = documentPath(file, missing);
         request.files.push_back(missing ? fs::absolute(file, missing) : document);
     }

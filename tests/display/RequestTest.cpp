@@ -5,6 +5,7 @@
 #include <cstring>
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 using Request = Desktop;
 
@@ -38,12 +39,14 @@ TEST_F(Request, laterStartsHandOverTheirFilesAndEachBecomesARequest)
 {
     support::writeFile(source / "caf\xe9.txt", "e");
     Program& parcelo = startParcelo({}, "RevealWhenComplete=false\n");
-    for (const char* file : {"one.txt", "caf\xe9.txt"}) {
+    for (const std::string& file : {"file://" + source.native() + "/o%6Ee.txt", "caf\xe9.txt"s}) {
         EXPECT_EQ(support::run({PARCELO_PROGRAM, file}, options()).status, 0);
         waitForWindow(parcelo, "Save Archive");
     }
     saveAndWait(parcelo);
     saveAndWait(parcelo);
+    (void)support::run({PARCELO_PROGRAM, "trash:///x"}, {.environment = environment()});
+    press(parcelo, "There are no such files", {"Return"});
     EXPECT_EQ(support::inspectZip(source / "one.zip").names(), Strings{"one.txt"});
     EXPECT_EQ(support::inspectZip(source / "caf\xef\xbf\xbd.zip").names(), Strings{"caf\xe9.txt"});
     quit(parcelo);
