@@ -1,7 +1,9 @@
 #include "platform/desktop/updates/SUUpdater.h"
 
+#include "platform/base/bundle/Bundle.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "tests/support/FeedServer.h"
+#include "tests/support/Files.h"
 #include "tests/support/NotingDesktop.h"
 #include "tests/support/qt/QtTest.h"
 
@@ -161,4 +163,17 @@ TEST_F(SUUpdaterTest, speaksUnaskedOnlyOfNewerVersionsAndOnceADay)
         EXPECT_NE(waitForSheet(), nullptr);
         dismissed();
     }
+}
+
+TEST_F(SUUpdaterTest, looksForNothingWhereAPackageInstalledIt)
+{
+    const support::TestFolder folder;
+    support::writeFile(folder / "Contents/Resources/packaged", "");
+    const Bundle former = Bundle::main();
+    Bundle::setMain(Bundle(folder.path()));
+    serve({Feed::answerWith(newer)});
+    updater.checkForUpdatesInBackground();
+    EXPECT_TRUE(answers("Updates come with your system's software."));
+    EXPECT_TRUE(server->requests.isEmpty());
+    Bundle::setMain(former);
 }

@@ -776,6 +776,14 @@ Vielen Dank!</translation>
 <context>
     <name>SUUpdater</name>
     <message>
+        <source>Updates come with your system&apos;s software.</source>
+        <translation>Updates kommen mit der Software Ihres Systems.</translation>
+    </message>
+    <message>
+        <source>You have version %1.</source>
+        <translation>Sie haben Version %1.</translation>
+    </message>
+    <message>
         <source>No address to look for new versions at is set.</source>
         <translation>Es ist keine Adresse eingestellt, unter der nach neuen Versionen gesucht wird.</translation>
     </message>

@@ -776,6 +776,14 @@ Thank you!</source>
 <context>
     <name>SUUpdater</name>
     <message>
+        <source>Updates come with your system&apos;s software.</source>
+        <translation>Las actualizaciones llegan con el software de su sistema.</translation>
+    </message>
+    <message>
+        <source>You have version %1.</source>
+        <translation>Tiene la versión %1.</translation>
+    </message>
+    <message>
         <source>No address to look for new versions at is set.</source>
         <translation>No hay ninguna dirección configurada para buscar versiones nuevas.</translation>
     </message>

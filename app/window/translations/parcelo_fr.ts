@@ -776,6 +776,14 @@ Merci !</translation>
 <context>
     <name>SUUpdater</name>
     <message>
+        <source>Updates come with your system&apos;s software.</source>
+        <translation>Les mises à jour arrivent avec les logiciels de votre système.</translation>
+    </message>
+    <message>
+        <source>You have version %1.</source>
+        <translation>Vous avez la version %1.</translation>
+    </message>
+    <message>
         <source>No address to look for new versions at is set.</source>
         <translation>Aucune adresse n’est définie pour rechercher de nouvelles versions.</translation>
     </message>

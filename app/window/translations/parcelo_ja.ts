@@ -776,6 +776,14 @@ Thank you!</source>
 <context>
     <name>SUUpdater</name>
     <message>
+        <source>Updates come with your system&apos;s software.</source>
+        <translation>アップデートはシステムのソフトウェアと一緒に提供されます。</translation>
+    </message>
+    <message>
+        <source>You have version %1.</source>
+        <translation>お使いのバージョンは%1です。</translation>
+    </message>
+    <message>
         <source>No address to look for new versions at is set.</source>
         <translation>新しいバージョンを確認するアドレスが設定されていません。</translation>
     </message>

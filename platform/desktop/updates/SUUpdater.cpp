@@ -40,6 +40,12 @@ QString hostVersion()
     return QCoreApplication::applicationVersion();
 }
 
+// By the system's package, whose file this is; then the system brings what is newer, too.
+bool isPackaged()
+{
+    return Bundle::main().pathForResource("packaged").has_value();
+}
+
 UpdateSheet::Offer offerFor(const AppcastReader::Item& item)
 {
     const QUrl page = webAddress(item.link);
@@ -69,6 +75,11 @@ void SUUpdater::checkForUpdates(QObject* /*sender*/)
         _sheet->activateWindow();
         return;
     }
+    if (isPackaged()) {
+        _show(UpdateSheet::message(tr("Updates come with your system's software."),
+            tr("You have version %1.").arg(hostVersion()), _parentWindow));
+        return;
+    }
     _isAsked = true; // a check in the background that is under way answers now
     if (!_download.isRunning())
         _start();
@@ -76,7 +87,7 @@ void SUUpdater::checkForUpdates(QObject* /*sender*/)
 
 void SUUpdater::checkForUpdatesInBackground()
 {
-    if (_sheet || _download.isRunning() || _retry.isActive() || !_isDue())
+    if (isPackaged() || _sheet || _download.isRunning() || _retry.isActive() || !_isDue())
         return;
     _isAsked = false;
     _start();

@@ -1,6 +1,6 @@
 // Looks into the update feed, compares versions, tells and opens the page to download from. It
-// never downloads or replaces the program. Main thread. One check at a time; while its sheet is up
-// there is no other.
+// never downloads or replaces the program, and looks for nothing where the system's package has
+// installed it. Main thread. One check at a time; while its sheet is up there is no other.
 #pragma once
 
 #include "platform/desktop/updates/AppcastReader.h"

@@ -1,0 +1,12 @@
+# Completes parcelo's arguments in fish.
+complete -c parcelo -l to -x -a '(__fish_complete_directories)' -d 'Make the archive in this folder'
+complete -c parcelo -l name -x -d 'The name of the archive, without extension'
+complete -c parcelo -l type -x -a 'zip mac-zip tar.gz dmg' -d 'The type of the archive'
+complete -c parcelo -l level -x -a '0 1 2 3 4 5 6 7 8 9' -d 'How hard to compress a zip'
+complete -c parcelo -l keep-ds-store -d 'Do not leave .DS_Store files out'
+complete -c parcelo -l password-stdin -d 'Encrypt a dmg with the first line of standard input'
+complete -c parcelo -l quiet -d 'Show no progress'
+complete -c parcelo -l email -d 'Propose an archive for a new message'
+complete -c parcelo -l preferences -d 'Show the preferences'
+complete -c parcelo -l help -d 'Print how to use it'
+complete -c parcelo -l version -d 'Print the version'
