@@ -80,7 +80,7 @@ ArchiveJob::ArchiveJob(Archiver& engine, Request request, Events events)
     , _request(std::move(request))
     , _events(std::move(events))
     , _messages(toolOf(_request.type))
-    , _place(_request.archive, extensionOf(_request.type))
+    , _place(_request.archive, extensionOf(_request.type), _request.mayReplace)
 {
 }
 
@@ -147,7 +147,7 @@ std::optional<ArchiveProblem> ArchiveJob::_obstacleOf(const Path& item) const
         return _problem(nameless, item);
     if (::lstat(item.c_str(), &status) != 0)
         return _problem(unreadable, item, lastError().message());
-    if (areSame(item, _request.archive))
+    if (_request.mayReplace && areSame(item, _request.archive))
         return _problem(replacesItem, item);
     const bool isLinkToKeep = _request.type == ArchiveTypeMacZip && S_ISLNK(status.st_mode);
     if (_request.type == ArchiveTypePlainZip || isLinkToKeep)
@@ -253,7 +253,7 @@ void ArchiveJob::_deliver(const Path& made)
         _messages.add("'" + _request.archive.native()
             + "' was put there by somebody else meanwhile, and is '" + _place.movedAside()->native()
             + "' now");
-    else if (_place.path() != _request.archive)
+    else if (_place.path() != _request.archive && _request.mayReplace)
         _messages.add("'" + _request.archive.native()
             + "' was put there by somebody else meanwhile and stays; this archive is '"
             + _place.path().native() + "'");

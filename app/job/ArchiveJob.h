@@ -35,6 +35,7 @@ public:
         int compressionLevel = 6;
         bool excludeDSStore = true;
         std::optional<std::string> password = std::nullopt;
+        bool mayReplace = true; // what stands there; else the archive gets the next free name
     };
 
     // On the thread that runs the job; an empty one is not called.

@@ -41,10 +41,10 @@ std::error_code swap(const std::filesystem::path& one, const std::filesystem::pa
 
 } // namespace
 
-ArchivePlace::ArchivePlace(Path path, std::string_view extension)
+ArchivePlace::ArchivePlace(Path path, std::string_view extension, bool mayReplace)
     : _path(std::move(path))
     , _extension(extension)
-    , _former(::open(_path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC))
+    , _former(mayReplace ? ::open(_path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC) : -1)
 {
 }
 

@@ -16,8 +16,9 @@ class ArchivePlace
 public:
     using Path = std::filesystem::path;
 
-    // The extension of the type: numbers that a free name takes stand before it.
-    ArchivePlace(Path path, std::string_view extension);
+    // The extension of the type: numbers that a free name takes stand before it. When it may not
+    // replace anything, what stands there counts as somebody else's.
+    ArchivePlace(Path path, std::string_view extension, bool mayReplace);
 
     // Where the archive stands, once it does: the path given, or one beside it.
     [[nodiscard]] const Path& path() const { return _path; }

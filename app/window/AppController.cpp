@@ -5,6 +5,7 @@
 #include "app/window/AboutController.h"
 #include "app/window/AdvertTextView.h"
 #include "app/window/DropView.h"
+#include "app/window/JobAttention.h"
 #include "app/window/PreferenceController.h"
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/files/FileTree.h"
@@ -101,6 +102,9 @@ AppController::~AppController()
 void AppController::awakeFromNib(const Interface& interface)
 {
     _interface = interface;
+    _attention = std::make_unique<JobAttention>(
+        *_interface.mainWindow, *_interface.progress, JobAttention::Thresholds{});
+    connect(_attention.get(), &JobAttention::windowWanted, this, &AppController::windowWanted);
     _interface.destinationPop->setAutoenablesItems(true);
     _followSettings();
     setupDestinations();
@@ -145,7 +149,7 @@ bool AppController::windowShouldClose(QObject* sender)
 
 void AppController::terminate(QObject* /*sender*/)
 {
-    if (_mayLeaveMessages())
+    if (_mayForgetWaiting() && _mayLeaveMessages())
         terminateNow();
 }
 
@@ -156,6 +160,7 @@ void AppController::terminateNow()
     if (std::exchange(_isTerminating, true))
         return;
     Q_EMIT terminating();
+    _forgetWaiting();
     if (_job) {
         // Windows that no longer answer would look like a hang.
         _interface.progressWindow->hide();

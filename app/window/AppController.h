@@ -24,6 +24,7 @@
 class AboutController;
 class AdvertTextView;
 class DropView;
+class JobAttention;
 class PreferenceController;
 class QDialog;
 class QKWindow;
@@ -151,6 +152,7 @@ public:
 
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
+    void chooseFilesForEmail(); // whatever the destination menu says
     void chooseFolder(QObject* sender);
     void paste(QObject* sender);
 
@@ -220,6 +222,7 @@ public:
 Q_SIGNALS:
     void terminating(); // nothing more is begun
     void terminated(); // the program may end now
+    void windowWanted(const QByteArray& activationToken); // by a click on a notification
     void filenameChanged();
     void previewTextChanged();
     void selectedDestinationChanged();
@@ -243,6 +246,8 @@ private:
     void _afterDelay(double seconds, std::function<void()> runBlock);
 
     void _terminateWhenIdle();
+    bool _mayForgetWaiting();
+    void _forgetWaiting();
     bool _mayLeaveMessages();
     bool _keepMailedArchives(const Path& inFolder);
     void _followSettings();
@@ -250,6 +255,7 @@ private:
     void _endRequest();
     void _tellWhatIsLeftOut();
     void _setAcceptsFiles(bool flag);
+    void _attend(const ArchiveJob::Result& result);
     ArchiveJob::Events _events();
     void _work();
     void _performOnMainThread(std::function<void()> block);
@@ -286,6 +292,7 @@ private:
     std::unique_ptr<Archiver> _archiver;
     std::unique_ptr<SUUpdater> _updater;
     std::unique_ptr<AboutController> _aboutController;
+    std::unique_ptr<JobAttention> _attention; // from the waking up on
     SavePanel* _savePanel = nullptr; // the main window's child
     std::int32_t _runCount = -1; // not read yet
 

@@ -1,6 +1,8 @@
 // What becomes of an archive: shown in the file manager or mailed; and what there is to say of it.
 
 #include "app/window/AppController.h"
+#include "app/window/JobAttention.h"
+#include "app/window/ResultText.h"
 #include "platform/base/files/FileMove.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/AppleScript.h"
@@ -43,21 +45,6 @@ std::string mailScript(const std::string& path)
           "end tell\n"
           "activate\n"
           "end tell\n";
-}
-
-// Reasons come in the words of the system and of our tools.
-std::string translated(const char* text)
-{
-    return QCoreApplication::translate("ArchiveProblem", text).toStdString();
-}
-
-// Without its middle, when it could make a sheet wider than the screen.
-QString shortened(const QString& line)
-{
-    constexpr qsizetype longest = 120;
-    if (line.size() <= longest)
-        return line;
-    return line.left(longest / 2) + QStringLiteral("…") + line.right(longest / 2);
 }
 
 // The user's downloads, where there is such a folder.
@@ -148,26 +135,14 @@ bool AppController::_keepMailedArchives(const Path& inFolder)
 void AppController::_fail(const ArchiveProblem& problem)
 {
     _interface.progressWindow->hide();
-    QString consequence = QString::fromStdString(problem.consequence(translated));
-    if (consequence.isEmpty())
-        consequence = tr("The archive could not be made");
-    QString cause = QString::fromStdString(problem.cause(translated));
-    cause.replace(0, 1, cause.left(1).toUpper());
-    _afterDelay(nextSheetDelay, [this, text = tr("%1. %2.").arg(consequence, cause)] {
-        _tell({.title = tr("Error"), .text = text});
-    });
+    const QString text = ResultText::sentencesOf(problem, tr("The archive could not be made"));
+    _afterDelay(nextSheetDelay, [this, text] { _tell({.title = tr("Error"), .text = text}); });
 }
 
 // Of an archive that is made all the same.
 void AppController::_tellWhatIsMissing(const LeftOut& leftOut)
 {
-    QStringList lines;
-    for (const LeftOut::Item& item : leftOut.items) {
-        const QString name = QString::fromStdString(item.name);
-        lines.append(item.reason.empty()
-                ? name
-                : tr("%1: %2").arg(name, QString::fromStdString(translated(item.reason.c_str()))));
-    }
+    const QStringList lines = ResultText::linesOf(leftOut);
     const QString more = leftOut.more == 0 ? QString() : tr("… and %1 more").arg(leftOut.more);
     _afterDelay(nextSheetDelay, [this, lines, more, count = leftOut.count()] {
         _tell({.title = tr("Not everything is in the archive"),
@@ -181,13 +156,14 @@ void AppController::_tellWhatIsMissing(const LeftOut& leftOut)
 QString AppController::_listed(const QStringList& lines, std::size_t count)
 {
     constexpr qsizetype most = 10;
-    QStringList shown;
-    for (const QString& line : lines.mid(0, most))
-        shown.append(shortened(line));
-    count = std::max(count, static_cast<std::size_t>(lines.size()));
-    if (count > most)
-        shown.append(tr("… and %1 more").arg(count - most));
-    return shown.join(QLatin1Char('\n'));
+    return ResultText::listed(lines, most, count);
+}
+
+// Whoever uses another program is told by the desktop. What is mailed shows itself.
+void AppController::_attend(const ArchiveJob::Result& result)
+{
+    const bool stays = !_shouldAutoQuit;
+    _attention->end(result, {.toWindow = stays, .toArchive = stays && !_mailsArchive});
 }
 
 void AppController::_tell(const Message& message)

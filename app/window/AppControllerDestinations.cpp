@@ -4,12 +4,12 @@
 #include "app/window/AppController.h"
 #include "app/window/Destinations.h"
 #include "app/window/DropView.h"
+#include "app/window/RequestSettings.h"
 #include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/services/PathText.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/PopUpButtonExtras.h"
 #include "shared/Library/Extras/QKWindow.h"
-#include "system/PathString.h"
 
 #include <QDir>
 
@@ -98,13 +98,9 @@ void AppController::_followSettings()
         });
 }
 
-// A tag left by a longer list falls back to the source's folder; a negative one stays as it is.
 int AppController::selectedDestination() const
 {
-    const auto tag = static_cast<std::int32_t>(
-        UserDefaults::standardUserDefaults().integerForKey(selectedDestinationKey));
-    const auto count = static_cast<int>(storedDestinations().size());
-    return tag < count + DestinationTagFirstFolder ? tag : int{DestinationTagSameAsSource};
+    return RequestSettings::selectedDestination();
 }
 
 void AppController::setSelectedDestination(int tag)
@@ -114,21 +110,14 @@ void AppController::setSelectedDestination(int tag)
 
 std::optional<AppController::Path> AppController::destinationDirectory()
 {
-    std::optional<Path> folder;
-    switch (const int tag = selectedDestination()) {
+    switch (selectedDestination()) {
     case DestinationTagEmail:
-        folder = tmpFolder();
-        break;
+        return tmpFolder();
     case DestinationTagSameAsSource:
-        folder = _interface.saveDropView->folder();
-        break;
+        return _interface.saveDropView->folder();
     default:
-        if (tag >= DestinationTagFirstFolder)
-            folder = PathText::pathOf(storedDestinations().value(tag - DestinationTagFirstFolder));
+        return RequestSettings::rememberedFolder();
     }
-    if (folder)
-        folder = PathString::stringByExpandingTildeInPath(folder->native());
-    return folder;
 }
 
 QString AppController::_destinationDirectoryText()

@@ -2,13 +2,18 @@
 
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
+#include "platform/base/seams/AlertPanel.h"
 #include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/services/PathText.h"
 #include "shared/Library/Extras/QKWindow.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QMimeData>
+
+#include <iostream>
+#include <utility>
 
 namespace
 {
@@ -56,6 +61,34 @@ void AppController::_endRequest()
         _afterDelay(windowDelay, [this] { _openNext(); });
 }
 
+// Above the sheet of the request that they wait for.
+bool AppController::_mayForgetWaiting()
+{
+    QStringList names;
+    for (const Documents& documents : _waiting)
+        for (const Path& file : documents.files)
+            names.append(PathText::textOf(file.filename()));
+    if (names.isEmpty())
+        return true;
+    const int answer = AlertPanel::runAlertPanel(
+        {.title = tr("Files still waiting: %1").arg(names.size()).toStdString(),
+            .message = tr("They came while another archive was being made, and get none if you "
+                          "quit:\n%1")
+                           .arg(_listed(names))
+                           .toStdString(),
+            .defaultButton = tr("Cancel").toStdString(),
+            .otherButton = tr("&Quit Anyway").toStdString()});
+    return answer == AlertPanel::answerOther;
+}
+
+// Nobody is asked any more.
+void AppController::_forgetWaiting()
+{
+    for (const Documents& documents : std::exchange(_waiting, {}))
+        for (const Path& file : documents.files)
+            std::cerr << "parcelo: '" << file.native() << "' was still waiting: no archive of it\n";
+}
+
 bool AppController::applicationOpenFile(const Path& path)
 {
     if (_interface.saveDropView->files().empty())
@@ -87,6 +120,19 @@ void AppController::chooseFiles(QObject* /*sender*/)
     if (acceptsFiles())
         OpenPanel::beginForFiles(
             _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
+}
+
+void AppController::chooseFilesForEmail()
+{
+    if (!acceptsFiles())
+        return;
+    OpenPanel::beginForFiles(_interface.mainWindow, [this](const auto& paths) {
+        if (paths.empty())
+            return;
+        if (!_isUnderWay)
+            _interface.saveDropView->clearFiles(); // of a request that was given up
+        openDocuments({.files = paths, .forEmail = true});
+    });
 }
 
 void AppController::chooseFolder(QObject* /*sender*/)

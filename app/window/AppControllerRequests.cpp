@@ -1,10 +1,10 @@
 // A request: proposed name, panel or name sheet, worker thread, progress sheet.
 
-#include "app/job/ArchiveKind.h"
-#include "app/job/ProposedName.h"
 #include "app/window/AdvertTextView.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
+#include "app/window/JobAttention.h"
+#include "app/window/RequestSettings.h"
 #include "platform/base/files/FileTree.h"
 #include "platform/base/seams/MainQueue.h"
 #include "platform/desktop/panels/SavePanel.h"
@@ -12,7 +12,6 @@
 #include "platform/desktop/panels/Tag.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
-#include "system/PathString.h"
 
 #include <QCoreApplication>
 #include <QLabel>
@@ -43,10 +42,8 @@ void AppController::startProcessing(QObject* /*sender*/)
         return;
     _isUnderWay = true;
     _tellWhatIsLeftOut();
-    const bool keepsExtension = UserDefaults::standardUserDefaults().boolForKey(
-        QStringLiteral("KeepExtensionForDefaultName"));
-    const QString name = QString::fromStdString(
-        proposedName(_interface.saveDropView->files(), keepsExtension, ".zip"));
+    const QString name
+        = QString::fromStdString(RequestSettings::nameFor(_interface.saveDropView->files()));
     if (selectedDestination() != DestinationTagEmail && !_opensForEmail) {
         runSavePanelSheet(name);
         return;
@@ -110,21 +107,12 @@ void AppController::dismissSheet(QObject* sender)
 // drop.
 void AppController::archiveToPath(const Path& path)
 {
-    const auto& defaults = UserDefaults::standardUserDefaults();
-    const auto type = static_cast<int>(defaults.integerForKey(archiveTypeKey));
-    const ArchiveKind* kind = ArchiveKind::ofType(type);
-    std::string name = PathString::stringByDeletingPathExtension(path.filename().native());
-    if (kind != nullptr)
-        name += kind->extension;
-    ArchiveJob::Request request{.items = _interface.saveDropView->files(),
-        .archive = path.parent_path() / name,
-        .type = type,
-        .compressionLevel
-        = static_cast<int>(defaults.integerForKey(QStringLiteral("CompressionLevel")))};
+    auto request = RequestSettings::request(_interface.saveDropView->files(), path);
     try {
         _job = std::make_shared<ArchiveJob>(archiver(), std::move(request), _events());
         _worker = std::async(std::launch::async, [this] { _work(); });
         _setAcceptsFiles(false);
+        _attention->begin();
     } catch (const std::exception&) {
         _job.reset();
         _fail({.kind = ArchiveProblem::Kind::noWorkingFolder, .path = tmpdirString()});
@@ -160,6 +148,7 @@ void AppController::_work()
             _fail(*result.problem);
         else if (result.isMade && !result.isWhole)
             _tellWhatIsMissing(result.leftOut);
+        _attend(result);
         _interface.saveDropView->clearFiles();
         incrementUsageCount();
         _job.reset();

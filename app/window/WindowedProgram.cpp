@@ -126,9 +126,10 @@ void Requests::take(const ApplicationService::Request& request)
         return; // one question at a time
     if (request.action == preferencesAction)
         _controller.showPreference(nullptr);
-    else if (request.action == chooseAction
-        || (request.action == emailAction && request.files.empty()))
+    else if (request.action == chooseAction)
         _controller.chooseFiles(nullptr);
+    else if (request.action == emailAction && request.files.empty())
+        _controller.chooseFilesForEmail();
 }
 
 void Requests::_open(const ApplicationService::Request& request)
@@ -201,6 +202,8 @@ int WindowedProgram::run(char* programName, const Start& start)
             controller.terminateNow();
     });
     requests = std::make_unique<Requests>(controller, interface.window());
+    QObject::connect(&controller, &AppController::windowWanted, &application,
+        [&](const QByteArray& token) { requests->take({.activationToken = token}); });
     if (start.option != serviceOption)
         requests->take(asked);
     else

@@ -24,6 +24,10 @@ public:
     {
         revealed.push_back(path);
     }
+    void openFile(const std::filesystem::path& path) override
+    {
+        opened.push_back(path.native());
+    }
 
     std::vector<std::string> opened;
     std::vector<std::filesystem::path> revealed;

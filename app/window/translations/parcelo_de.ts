@@ -294,6 +294,20 @@ Vielen Dank!</translation>
         <source>The archive could not be made</source>
         <translation>Das Archiv konnte nicht erstellt werden</translation>
     </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>Noch wartende Dateien: %1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>Sie kamen, während ein anderes Archiv erstellt wurde. Wenn Sie beenden, wird aus ihnen keines:
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
+    </message>
 </context>
 <context>
     <name>ArchiveProblem</name>
@@ -504,6 +518,10 @@ Vielen Dank!</translation>
     <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>das Archiv würde „%1“ ersetzen, das selbst hineinsoll</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>keine Datei dieses Computers</translation>
     </message>
 </context>
 <context>
@@ -862,6 +880,49 @@ Möchten Sie es ersetzen?</translation>
     <message>
         <source>&amp;What Is New</source>
         <translation>&amp;Was ist neu</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Ein Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>Das Archiv konnte nicht erstellt werden</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>Das Archiv ist fertig</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Nicht alles ist im Archiv</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Parcelo öffnen</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Anzeigen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
     </message>
 </context>
 </TS>

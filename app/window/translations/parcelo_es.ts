@@ -294,6 +294,20 @@ Thank you!</source>
         <source>The archive could not be made</source>
         <translation>No se ha podido crear el archivo comprimido</translation>
     </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>Archivos aún en espera: %1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>Llegaron mientras se creaba otro archivo comprimido. Si sale, no se comprimirán:
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
+    </message>
 </context>
 <context>
     <name>ArchiveProblem</name>
@@ -504,6 +518,10 @@ Thank you!</source>
     <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>el archivo comprimido sustituiría a «%1», que debe ir en él</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>no es un archivo de este equipo</translation>
     </message>
 </context>
 <context>
@@ -862,6 +880,49 @@ Do you want to replace it?</source>
     <message>
         <source>&amp;What Is New</source>
         <translation>&amp;Novedades</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Se está creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>No se ha podido crear el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>El archivo está listo</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>No todo está en el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Abrir Parcelo</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Mostrar</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Abrir</translation>
     </message>
 </context>
 </TS>

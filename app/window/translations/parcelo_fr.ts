@@ -294,6 +294,20 @@ Merci !</translation>
         <source>The archive could not be made</source>
         <translation>L’archive n’a pas pu être créée</translation>
     </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>Fichiers encore en attente : %1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>Ils sont arrivés pendant la création d’une autre archive. Si vous quittez, ils ne seront pas archivés :
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
+    </message>
 </context>
 <context>
     <name>ArchiveProblem</name>
@@ -504,6 +518,10 @@ Merci !</translation>
     <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>l’archive remplacerait « %1 », qui doit en faire partie</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>aucun fichier de cet ordinateur</translation>
     </message>
 </context>
 <context>
@@ -862,6 +880,49 @@ Voulez-vous le remplacer ?</translation>
     <message>
         <source>&amp;What Is New</source>
         <translation>&amp;Nouveautés</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Création d’une archive en cours</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Création d’une archive</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1 : %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>L’archive n’a pas pu être créée</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>L’archive est prête</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Tout n’est pas dans l’archive</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Ouvrir Parcelo</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Afficher</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
     </message>
 </context>
 </TS>

@@ -294,6 +294,20 @@ Thank you!</source>
         <source>The archive could not be made</source>
         <translation>アーカイブを作成できませんでした</translation>
     </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>待機中のファイル：%1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>別のアーカイブの作成中に届いたファイルです。終了するとアーカイブされません：
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1。</translation>
+    </message>
 </context>
 <context>
     <name>ArchiveProblem</name>
@@ -504,6 +518,10 @@ Thank you!</source>
     <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>アーカイブする項目「%1」自体を置き換えてしまいます</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>このコンピューターのファイルではありません</translation>
     </message>
 </context>
 <context>
@@ -862,6 +880,49 @@ Do you want to replace it?</source>
     <message>
         <source>&amp;What Is New</source>
         <translation>新機能(&amp;W)</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>アーカイブを作成しています</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>アーカイブを作成中</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1：%2%</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>アーカイブを作成できませんでした</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>アーカイブを作成しました</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>アーカイブに入らなかったものがあります</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Parceloを開く</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>表示</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
     </message>
 </context>
 </TS>

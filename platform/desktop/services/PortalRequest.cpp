@@ -26,7 +26,7 @@ PortalRequest::PortalRequest(QObject* parent, Then then)
 {
 }
 
-void PortalRequest::call(const QString& interface, const QString& method,
+PortalRequest* PortalRequest::call(const QString& interface, const QString& method,
     const QVariantList& arguments, const QVariantMap& options, QObject* parent, Then then)
 {
     static unsigned count = 0;
@@ -48,6 +48,7 @@ void PortalRequest::call(const QString& interface, const QString& method,
     message.setArguments(arguments + QVariantList{withToken});
     BusCall::send(message, replyTimeout, request,
         [request](const QDBusPendingCall& reply) { request->_takeReply(reply); });
+    return request;
 }
 
 void PortalRequest::_listenAt(const QString& path)
@@ -56,9 +57,10 @@ void PortalRequest::_listenAt(const QString& path)
     const QString interface = QStringLiteral("org.freedesktop.portal.Request");
     const QString signal = QStringLiteral("Response");
     const char* slot = SLOT(_takeResponse(uint, QVariantMap));
+    // From whomever: to find out who owns the service, Qt would wait for the bus.
     if (!_path.isEmpty())
-        bus.disconnect(service, _path, interface, signal, this, slot);
-    bus.connect(service, path, interface, signal, this, slot);
+        bus.disconnect(QString(), _path, interface, signal, this, slot);
+    bus.connect(QString(), path, interface, signal, this, slot);
     _path = path;
 }
 

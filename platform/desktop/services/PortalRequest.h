@@ -25,8 +25,11 @@ public:
 
     // `interface` is the last part of its name, "Email". `arguments` come before the options, to
     // which the request adds its token. Calls `then` later and once.
-    static void call(const QString& interface, const QString& method, const QVariantList& arguments,
-        const QVariantMap& options, QObject* parent, Then then);
+    static PortalRequest* call(const QString& interface, const QString& method,
+        const QVariantList& arguments, const QVariantMap& options, QObject* parent, Then then);
+
+    // Of the request object: what the portal grants for a time ends when that is closed.
+    [[nodiscard]] const QString& path() const { return _path; }
 
 private:
     Q_SLOT void _takeResponse(uint response, const QVariantMap& results);
@@ -37,5 +40,5 @@ private:
     void _finish(Outcome outcome);
 
     Then _then;
-    QString _path; // of the request object
+    QString _path;
 };

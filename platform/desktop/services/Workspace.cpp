@@ -163,3 +163,13 @@ void Workspace::selectFile(
     const fs::path file = path.empty() ? path : fs::absolute(path, missing);
     QMetaObject::invokeMethod(this, [this, file] { (new RevealRequest(file, this))->start(); });
 }
+
+// As it is: an address made by Qt cannot hold a name that is not UTF-8.
+void Workspace::openFile(const fs::path& path)
+{
+    ProgramLauncher::launch(
+        {.program = "xdg-open", .arguments = {path.native()}}, this, [this, path](bool works) {
+            if (!works)
+                selectFile(path);
+        });
+}

@@ -30,7 +30,10 @@ public:
     virtual void selectFile(const std::filesystem::path& path,
         const std::optional<std::filesystem::path>& inFileViewerRootedAtPath = std::nullopt);
 
-    // While it is not known yet whether a file could be shown. Main thread.
+    // Opens the file with its own program; where there is none, selects it. Main thread.
+    virtual void openFile(const std::filesystem::path& path);
+
+    // While it is not known yet whether a file could be shown or opened. Main thread.
     [[nodiscard]] bool isRevealing() const { return !children().isEmpty(); }
 
 Q_SIGNALS:

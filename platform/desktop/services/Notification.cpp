@@ -1,0 +1,170 @@
+#include "platform/desktop/services/Notification.h"
+
+#include "platform/base/bundle/Bundle.h"
+#include "platform/desktop/services/BusCall.h"
+#include "platform/desktop/services/UriList.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <QVariantMap>
+
+#include <array>
+#include <chrono>
+#include <utility>
+
+namespace
+{
+
+const QString service = QStringLiteral("org.freedesktop.Notifications");
+const QString objectPath = QStringLiteral("/org/freedesktop/Notifications");
+
+constexpr std::chrono::seconds replyTimeout{5}; // it may have to start first
+
+struct Manner {
+    const char* category;
+    uchar urgency; // 0 low, 1 normal
+    int expiry; // in milliseconds; -1: as the desktop has it, 0: never
+    bool isTransient; // nothing to be kept in a list
+};
+
+const Manner& mannerOf(Notification::Kind kind)
+{
+    static const std::array<Manner, 3> manners{Manner{"transfer", 0, 0, true},
+        Manner{"transfer.complete", 1, -1, false}, Manner{"transfer.error", 1, -1, false}};
+    return manners.at(static_cast<std::size_t>(kind));
+}
+
+// The program's own picture, which needs no icon theme.
+QString icon()
+{
+    const auto file = Bundle::main().pathForResource(Bundle::bundleIdentifier, "png");
+    return file ? QString::fromStdString(UriList::fileUri(*file))
+                : QString::fromLatin1(Bundle::bundleIdentifier);
+}
+
+QDBusMessage callOf(const QString& method)
+{
+    return QDBusMessage::createMethodCall(service, objectPath, service, method);
+}
+
+} // namespace
+
+void Notification::show(const Content& content)
+{
+    _next = content;
+    _sendNext();
+}
+
+// Of what the service has not taken yet, only the answer will tell what is to be closed.
+void Notification::close()
+{
+    _next.reset();
+    _isToClose = _isAsking;
+    if (_isAsking || _shownId == 0)
+        return;
+    _isAsking = true;
+    BusCall::send(callOf(QStringLiteral("CloseNotification")) << std::exchange(_shownId, 0U),
+        replyTimeout, this, [this](const QDBusPendingCall& /*answer*/) { _takeAnswer(); });
+}
+
+// One call at a time: only its answer tells what is to be replaced by the next.
+void Notification::_sendNext()
+{
+    if (_isAsking || !_next)
+        return;
+    _isAsking = true;
+    _isToClose = false;
+    if (!_capabilities) {
+        BusCall::send(callOf(QStringLiteral("GetCapabilities")), replyTimeout, this,
+            [this](const QDBusPendingCall& answer) { _takeCapabilities(answer); });
+        return;
+    }
+    const Content content = *std::exchange(_next, std::nullopt);
+    BusCall::send(_notify(content), replyTimeout, this,
+        [this](const QDBusPendingCall& answer) { _takeId(answer); });
+}
+
+void Notification::_takeCapabilities(const QDBusPendingCall& answer)
+{
+    const QDBusPendingReply<QStringList> reply = answer;
+    if (reply.isError()) {
+        _next.reset();
+    } else {
+        _capabilities = reply.value();
+        _listen();
+    }
+    _takeAnswer();
+}
+
+void Notification::_takeId(const QDBusPendingCall& answer)
+{
+    const QDBusPendingReply<uint> reply = answer;
+    _shownId = reply.isError() ? 0 : reply.value();
+    _takeAnswer();
+}
+
+void Notification::_takeAnswer()
+{
+    _isAsking = false;
+    if (_next)
+        _sendNext();
+    else if (_isToClose)
+        close();
+    if (!isShown())
+        Q_EMIT gone();
+}
+
+// From whomever: to find out who owns the service, Qt would wait for the bus.
+void Notification::_listen()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    const std::array<std::pair<QString, const char*>, 3> slotsOfSignals{
+        std::pair{QStringLiteral("ActionInvoked"), SLOT(_takeAction(uint, QString))},
+        std::pair{QStringLiteral("ActivationToken"), SLOT(_takeToken(uint, QString))},
+        std::pair{QStringLiteral("NotificationClosed"), SLOT(_takeClosed(uint, uint))}};
+    for (const auto& [signal, slot] : slotsOfSignals)
+        bus.connect(QString(), objectPath, service, signal, this, slot);
+}
+
+QDBusMessage Notification::_notify(const Content& content) const
+{
+    const Manner& manner = mannerOf(content.kind);
+    QVariantMap hints{
+        {QStringLiteral("desktop-entry"), QString::fromLatin1(Bundle::bundleIdentifier)},
+        {QStringLiteral("category"), QString::fromLatin1(manner.category)},
+        {QStringLiteral("urgency"), QVariant::fromValue(manner.urgency)},
+        {QStringLiteral("transient"), manner.isTransient}};
+    if (content.percent)
+        hints.insert(QStringLiteral("value"), *content.percent);
+    QStringList actions;
+    if (_capabilities->contains(QLatin1String("actions")))
+        for (const auto& [name, title] : content.actions)
+            actions << name << title;
+    const bool hasMarkup = _capabilities->contains(QLatin1String("body-markup"));
+    return callOf(QStringLiteral("Notify"))
+        << QString::fromLatin1(Bundle::name) << _shownId << icon() << content.title
+        << (hasMarkup ? content.text.toHtmlEscaped() : content.text) << actions << hints
+        << manner.expiry;
+}
+
+void Notification::_takeAction(uint id, const QString& action)
+{
+    if (id == _shownId && _shownId != 0)
+        Q_EMIT invoked(action, std::exchange(_token, {}));
+}
+
+void Notification::_takeToken(uint id, const QString& token)
+{
+    if (id == _shownId)
+        _token = token.toUtf8();
+}
+
+void Notification::_takeClosed(uint id, uint /*reason*/)
+{
+    if (id != _shownId || _shownId == 0)
+        return;
+    _shownId = 0;
+    if (!isShown())
+        Q_EMIT gone();
+}
