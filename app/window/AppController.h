@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/job/ArchiveJob.h"
+#include "platform/desktop/panels/FolderMenu.h"
 #include "platform/desktop/panels/PopUpButton.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "system/FileDescriptor.h"
@@ -127,6 +128,9 @@ public:
 
     // The folder that a request begins with, expanded.
     std::optional<Path> destinationDirectory();
+
+    // What the save panel offers: the source's and the remembered ones.
+    std::vector<FolderMenu::Folder> foldersToSaveIn();
 
     Q_INVOKABLE void addDestination(QObject* sender);
     void addDestinationPath(const QString& path);

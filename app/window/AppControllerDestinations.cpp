@@ -70,7 +70,7 @@ void AppController::setupDestinations()
     addItemWithTitle(menu, QString(), this, "dummy");
     int tag = DestinationTagFirstFolder;
     for (const QString& folder : folders)
-        addItemWithTitle(menu, Destinations::abbreviatedWithTilde(folder), tag++);
+        addItemWithTitle(menu, PathText::abbreviatedWithTilde(folder), tag++);
     if (!folders.isEmpty())
         addItemWithTitle(menu, QString(), this, "dummy"); // takes the place of the first blank
     addItemWithTitle(menu, tr("Remove Selected Entry"), this, "removeDestination");
@@ -120,6 +120,18 @@ std::optional<AppController::Path> AppController::destinationDirectory()
     }
 }
 
+std::vector<FolderMenu::Folder> AppController::foldersToSaveIn()
+{
+    std::vector<FolderMenu::Folder> folders;
+    if (const auto source = _interface.saveDropView->folder())
+        folders.push_back({tr("Same as source: %1")
+                               .arg(PathText::abbreviatedWithTilde(PathText::textOf(*source))),
+            *source});
+    for (const QString& folder : storedDestinations())
+        folders.push_back({folder, PathString::stringByExpandingTildeInPath(folder.toStdString())});
+    return folders;
+}
+
 QString AppController::_destinationDirectoryText()
 {
     return PathText::textOf(destinationDirectory().value_or(Path()));
@@ -144,7 +156,7 @@ void AppController::addDestinationPath(const QString& path)
 {
     UserDefaults::standardUserDefaults().synchronize(); // another program may have added one
     QStringList folders = storedDestinations();
-    folders.prepend(Destinations::abbreviatedWithTilde(path));
+    folders.prepend(PathText::abbreviatedWithTilde(path));
     storeDestinations(folders);
     setSelectedDestination(DestinationTagFirstFolder);
 }

@@ -63,6 +63,7 @@ void AppController::runSavePanelSheet(const std::optional<QString>& proposedName
     setFilename(proposedName.value_or(QString()));
     SavePanel& panel = savePanel();
     panel.setNameFieldStringValue(_filename);
+    panel.setFolders(foldersToSaveIn());
     if (const auto folder = destinationDirectory())
         panel.setDirectoryURL(*folder);
     panel.beginSheetModalForWindow(_interface.mainWindow, [this](int answer, const Path& path) {
@@ -84,6 +85,13 @@ SavePanel& AppController::savePanel()
         _savePanel->setAccessoryView(_interface.accessoryView);
         _savePanel->setPrompt(tr("OK"));
         _savePanel->setAllowedFileType(QStringLiteral("zip"));
+        const auto showExtension = [this] {
+            const auto type = UserDefaults::standardUserDefaults().integerForKey(archiveTypeKey);
+            if (const auto* kind = ArchiveKind::ofType(static_cast<int>(type)))
+                _savePanel->setFinalExtension(QString::fromStdString(std::string(kind->extension)));
+        };
+        connect(this, &AppController::archiveTypeChanged, _savePanel, showExtension);
+        showExtension();
     }
     return *_savePanel;
 }

@@ -6,7 +6,6 @@
 
 #include <QClipboard>
 #include <QComboBox>
-#include <QMessageBox>
 #include <QProgressBar>
 
 #include <sys/resource.h>
@@ -27,18 +26,6 @@ protected:
         EXPECT_TRUE(waitFor([&] { return find<QAction>("paste")->isEnabled() && !sheet(); }));
         EXPECT_TRUE(box().files().empty());
     }
-    // Confirms the save panel, also that a file be replaced; noted when that is asked.
-    void save()
-    {
-        QDialog* panel = waitForSheet("savePanel");
-        hasAsked = false;
-        QTimer::singleShot(0, panel, [this] {
-            auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if ((hasAsked = question != nullptr))
-                question->button(QMessageBox::Yes)->click();
-        });
-        QTest::keyClick(panel, Qt::Key_Return);
-    }
     // Types into the sheet that asks for the name of what is mailed.
     void answerWith(const char* name)
     {
@@ -49,7 +36,6 @@ protected:
     }
 
     const Path source = folder / "source";
-    bool hasAsked = false;
 };
 
 TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
@@ -76,38 +62,66 @@ TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
     EXPECT_FALSE(hasQuit) << "no documents were opened with its icon";
 }
 
-TEST_F(Request, takesANameAsItStandsAndAsksBeforeItReplaces)
+TEST_F(Request, takesANameAsItStandsAndTellsAtOnceWhatComesOfIt)
 {
+    const Path odd = source / "caf\xe9"; // no UTF-8
     fs::create_directory(source / "folder");
-    for (const char* older : {"a \"b\" c.zip", "Report.zip"})
-        support::writeFile(source / older, "an older file");
+    for (const Path& older : {source / "a \"b\" c.zip", odd / "Report.zip", odd / "a.tar.gz"})
+        support::writeFile(older, "an older file");
+    const std::string replaced = " exists and will be replaced (13 bytes, ";
     // Dropped, whether its extension is kept, the proposal; typed instead, its file (none: the
-    // panel stays), whether it asks.
+    // panel stays), how what is told begins.
     using Text = const char*;
-    const std::tuple<Text, bool, Text, Text, Text, bool> cases[] = {
-        {"one.txt", false, "one", "a \"b\" c", "a \"b\" c.zip", true},
-        {"one.txt", true, "one.txt", "Report.ZIP", "Report.zip", true},
-        {".bashrc", false, ".bashrc", "New.tar", "New.tar.zip", false},
-        {"folder", false, "folder", "folder", "folder.zip", false},
-        {"folder", false, "folder", "...zip", nullptr, false},
-        {"folder", false, "folder", ".zip", nullptr, false},
+    const std::tuple<Text, bool, Text, Text, Path, std::string> cases[] = {
+        {"one.txt", false, "one", "a \"b\" c", "a \"b\" c.zip", "“a \"b\" c.zip”" + replaced},
+        {"caf\xe9/two.txt", true, "two.txt", "Report.ZIP", "caf\xe9/Report.zip",
+            "“Report.zip”" + replaced},
+        {".bashrc", false, ".bashrc", "New.tar", "New.tar.zip", ""},
+        {"folder", false, "folder", "folder", "folder.zip", ""},
+        {"folder", false, "folder", "...zip", {}, "This cannot"},
+        {"folder", false, "folder", ".zip", {}, ""},
+        {"folder", false, "folder", "a/b", {}, "A name cannot contain a slash"},
+        {"one.txt", false, "one", ".a", ".a.zip", "Names that begin with a dot"},
+        {"one.txt", false, "one", "a ", "a .zip", "This name begins or ends with a space"},
+        {"one.txt", false, "one", "Q: A?", "Q: A?.zip", "Some systems refuse names with “:”"},
+        {"one.txt", false, "one", "lpt1.v2", "lpt1.v2.zip", "Windows refuses"},
+        {"gone/item", false, "item", "a", {}, "This folder cannot be found"},
     };
     start();
-    for (const auto& [dropped, keeps, proposed, typed, file, asks] : cases) {
+    SavePanel* panel = nullptr;
+    Path chosen; // instead of making it
+    const auto ask = [&](const Path& dropped) {
+        drop({source / dropped});
+        panel = qobject_cast<SavePanel*>(waitForSheet("savePanel"));
+        chosen.clear();
+        panel->beginSheetModalForWindow(&window(), [&](int, const Path& path) { chosen = path; });
+    };
+    for (const auto& [dropped, keeps, proposed, typed, file, said] : cases) {
         SCOPED_TRACE(typed);
         store("KeepExtensionForDefaultName", keeps);
-        drop({source / dropped});
-        auto* panel = qobject_cast<SavePanel*>(waitForSheet("savePanel"));
-        EXPECT_EQ(find<QLineEdit>("fileNameEdit")->text(), QLatin1String(proposed));
+        ask(dropped);
+        EXPECT_EQ(find<QLineEdit>("fileNameEdit")->selectedText(), QLatin1String(proposed));
         find<QLineEdit>("fileNameEdit")->setText(QLatin1String(typed));
-        Path chosen; // instead of making it
-        panel->beginSheetModalForWindow(&window(), [&](int, const Path& path) { chosen = path; });
-        save();
-        EXPECT_EQ(hasAsked, asks);
-        EXPECT_EQ(panel->isVisible(), file == nullptr);
-        EXPECT_EQ(chosen, file == nullptr ? Path() : source / file);
+        EXPECT_EQ(textOf("messageLabel").substr(0, said.size()), said);
+        EXPECT_EQ(textOf("messageLabel").empty(), said.empty());
+        QTest::keyClick(panel, Qt::Key_Return);
+        EXPECT_EQ(panel->isVisible(), file.empty());
+        EXPECT_EQ(chosen, file.empty() ? Path() : source / file);
         panel->reject();
     }
+    // Another's file comes to the free name before it is confirmed: that is told first.
+    ask(odd.filename() / "Report.txt");
+    find<QPushButton>("nextFreeButton")->click();
+    EXPECT_EQ(find<QLineEdit>("fileNameEdit")->text(), QStringLiteral("Report 2"));
+    EXPECT_EQ(textOf("messageLabel"), "");
+    support::writeFile(odd / "Report 2.zip", "another's");
+    QTest::keyClick(panel, Qt::Key_Return);
+    EXPECT_TRUE(textOf("messageLabel").starts_with("“Report 2.zip”")) << textOf("messageLabel");
+    store("ArchiveType", ArchiveTypeTarGz);
+    find<QLineEdit>("fileNameEdit")->setText(QStringLiteral("a"));
+    EXPECT_TRUE(textOf("messageLabel").starts_with("“a.tar.gz”")) << textOf("messageLabel");
+    QTest::keyClick(panel, Qt::Key_Return);
+    EXPECT_EQ(chosen, odd / "a.zip") << "the type makes its own of it";
 }
 
 TEST_F(Request, putsDocumentsOpenedTogetherIntoOneArchiveAndQuits)
@@ -133,6 +147,7 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     support::writeFile(archive, "an older file");
 
     // The program waits for this sheet, so that what happens in it is told in advance.
+    bool hasAsked = false;
     whenSheetIsUp([&] {
         hasAsked = true;
         auto* name = find<QLineEdit>("nameField");
@@ -207,7 +222,7 @@ TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
             fs::remove(item);
         if (fault == noRoom)
             limitFiles(100'000);
-        save();
+        endSheet("savePanel", Qt::Key_Return);
         if (fault == cancelled) {
             QDialog* progress = waitForSheet("ProgressWindow");
             EXPECT_TRUE(waitFor([&] { // again: a tool that is about to start misses it

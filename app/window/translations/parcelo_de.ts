@@ -295,6 +295,10 @@ Vielen Dank!</translation>
         <translation>Das Archiv konnte nicht erstellt werden</translation>
     </message>
     <message>
+        <source>Same as source: %1</source>
+        <translation>Wie die Quelle: %1</translation>
+    </message>
+    <message>
         <source>Files still waiting: %1</source>
         <translation>Noch wartende Dateien: %1</translation>
     </message>
@@ -829,22 +833,64 @@ Vielen Dank!</translation>
         <translation>Archiv sichern</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Sichern in:</translation>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>Archive (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Ordner:</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>Unter %1 kann kein Archiv erstellt werden.</translation>
+        <source>&amp;Cancel</source>
+        <translation>A&amp;bbrechen</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1 existiert bereits.
-Möchten Sie es ersetzen?</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>„%1“ &amp;verwenden</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>Dieser Ordner wurde nicht gefunden. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>In diesem Ordner können Sie nichts sichern. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>Ein Name kann keinen Schrägstrich enthalten.</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>Das kann kein Name sein.</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>Dieser Name ist zu lang.</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>Es gibt einen Ordner namens „%1“.</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>„%1“ ist vorhanden und wird ersetzt (%2, %3).</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>Namen, die mit einem Punkt beginnen, werden ausgeblendet.</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>Manche Systeme lehnen Namen mit „%1“ ab.</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windows lehnt diesen Namen ab.</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>Dieser Name beginnt oder endet mit einem Leerzeichen.</translation>
     </message>
 </context>
 <context>
@@ -923,6 +969,25 @@ Möchten Sie es ersetzen?</translation>
     <message>
         <source>Open</source>
         <translation>Öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Schreibtisch</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Anderer …</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
     </message>
 </context>
 </TS>

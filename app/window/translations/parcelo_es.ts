@@ -295,6 +295,10 @@ Thank you!</source>
         <translation>No se ha podido crear el archivo comprimido</translation>
     </message>
     <message>
+        <source>Same as source: %1</source>
+        <translation>Igual que el origen: %1</translation>
+    </message>
+    <message>
         <source>Files still waiting: %1</source>
         <translation>Archivos aún en espera: %1</translation>
     </message>
@@ -829,22 +833,64 @@ Thank you!</source>
         <translation>Guardar el archivo</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Guardar en:</translation>
+        <source>&amp;Name:</source>
+        <translation>&amp;Nombre:</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>Archivos comprimidos (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Carpeta:</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>No se puede crear un archivo en %1.</translation>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1 ya existe.
-¿Desea reemplazarlo?</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>&amp;Usar «%1»</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>No se encuentra esta carpeta. Elija otra.</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>No puede guardar en esta carpeta. Elija otra.</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>Un nombre no puede contener una barra.</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>Esto no puede ser un nombre.</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>Este nombre es demasiado largo.</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>Existe una carpeta llamada «%1».</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>«%1» ya existe y se reemplazará (%2, %3).</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>Los nombres que empiezan por un punto se ocultan.</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>Algunos sistemas rechazan nombres con «%1».</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windows rechaza este nombre.</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>Este nombre empieza o termina con un espacio.</translation>
     </message>
 </context>
 <context>
@@ -923,6 +969,25 @@ Do you want to replace it?</source>
     <message>
         <source>Open</source>
         <translation>Abrir</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Carpeta personal</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Escritorio</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Otra…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Carpetas</translation>
     </message>
 </context>
 </TS>

@@ -295,6 +295,10 @@ Merci !</translation>
         <translation>L’archive n’a pas pu être créée</translation>
     </message>
     <message>
+        <source>Same as source: %1</source>
+        <translation>Comme la source : %1</translation>
+    </message>
+    <message>
         <source>Files still waiting: %1</source>
         <translation>Fichiers encore en attente : %1</translation>
     </message>
@@ -829,22 +833,64 @@ Merci !</translation>
         <translation>Enregistrer l’archive</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Enregistrer dans :</translation>
+        <source>&amp;Name:</source>
+        <translation>&amp;Nom :</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>Archives (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier :</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>Impossible de créer une archive à l’emplacement %1.</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1 existe déjà.
-Voulez-vous le remplacer ?</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>&amp;Utiliser « %1 »</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>Ce dossier est introuvable. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>Vous ne pouvez pas enregistrer dans ce dossier. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>Un nom ne peut pas contenir de barre oblique.</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>Ceci ne peut pas être un nom.</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>Ce nom est trop long.</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>Il existe un dossier nommé « %1 ».</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>« %1 » existe et sera remplacé (%2, %3).</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>Les noms commençant par un point sont masqués.</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>Certains systèmes refusent les noms contenant « %1 ».</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windows refuse ce nom.</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>Ce nom commence ou se termine par une espace.</translation>
     </message>
 </context>
 <context>
@@ -923,6 +969,25 @@ Voulez-vous le remplacer ?</translation>
     <message>
         <source>Open</source>
         <translation>Ouvrir</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Dossier personnel</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Bureau</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Autre…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Dossiers</translation>
     </message>
 </context>
 </TS>

@@ -295,6 +295,10 @@ Thank you!</source>
         <translation>アーカイブを作成できませんでした</translation>
     </message>
     <message>
+        <source>Same as source: %1</source>
+        <translation>元の場所と同じ: %1</translation>
+    </message>
+    <message>
         <source>Files still waiting: %1</source>
         <translation>待機中のファイル：%1</translation>
     </message>
@@ -829,22 +833,64 @@ Thank you!</source>
         <translation>アーカイブを保存</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>保存場所:</translation>
+        <source>&amp;Name:</source>
+        <translation>名前(&amp;N):</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>アーカイブ (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>フォルダ(&amp;F):</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>%1にアーカイブを作成できません。</translation>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1はすでに存在します。
-置き換えますか？</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>“%1”を使用(&amp;U)</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>このフォルダが見つかりません。別のフォルダを選択してください。</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>このフォルダには保存できません。別のフォルダを選択してください。</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>名前にスラッシュは使えません。</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>この名前は使えません。</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>名前が長すぎます。</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>“%1”という名前のフォルダがあります。</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>“%1”は既に存在し、置き換えられます（%2、%3）。</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>ピリオドで始まる名前は隠しファイルになります。</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>“%1”を含む名前を使えないシステムがあります。</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windowsではこの名前を使えません。</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>名前の先頭または末尾に空白があります。</translation>
     </message>
 </context>
 <context>
@@ -923,6 +969,25 @@ Do you want to replace it?</source>
     <message>
         <source>Open</source>
         <translation>開く</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>ホーム</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>デスクトップ</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>その他…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>フォルダ</translation>
     </message>
 </context>
 </TS>

@@ -2,14 +2,21 @@
 
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/PathText.h"
+#include "platform/desktop/services/PortalRequest.h"
+#include "platform/desktop/services/UriList.h"
 
-#include <QCoreApplication>
 #include <QFileDialog>
+#include <QGuiApplication>
 
 #include <utility>
 
 namespace
 {
+
+QString folderTitle()
+{
+    return QCoreApplication::translate("OpenPanel", "Choose a Folder");
+}
 
 void begin(QFileDialog* panel, QWidget* window, OpenPanel::CompletionHandler completionHandler)
 {
@@ -23,6 +30,36 @@ void begin(QFileDialog* panel, QWidget* window, OpenPanel::CompletionHandler com
             handler(paths);
         });
     Sheets::begin(panel, window);
+}
+
+void beginForFolderWithQt(QWidget* window, const std::filesystem::path& startingIn,
+    OpenPanel::CompletionHandler completionHandler)
+{
+    auto* panel = new QFileDialog(window, folderTitle(), PathText::textOf(startingIn));
+    panel->setObjectName(QStringLiteral("chooseFolderPanel"));
+    panel->setFileMode(QFileDialog::Directory);
+    panel->setOption(QFileDialog::ShowDirsOnly);
+    begin(panel, window, std::move(completionHandler));
+}
+
+// As portals name the window that theirs belongs to.
+QString portalName(const QWidget* window)
+{
+    return QGuiApplication::platformName() == QLatin1String("xcb")
+        ? QStringLiteral("x11:%1").arg(window->winId(), 0, 16)
+        : QString();
+}
+
+// Portals older than the option for folders have let the user choose a file in one.
+std::vector<std::filesystem::path> chosenFolder(const QVariantMap& results)
+{
+    const QStringList uris = results.value(QStringLiteral("uris")).toStringList();
+    auto paths = UriList::filePaths(uris.value(0).toStdString(), {}).paths;
+    std::error_code missing;
+    for (auto& path : paths)
+        if (!std::filesystem::is_directory(path, missing))
+            path = path.parent_path();
+    return paths;
 }
 
 } // namespace
@@ -39,10 +76,19 @@ void OpenPanel::beginForFiles(QWidget* window, CompletionHandler completionHandl
 void OpenPanel::beginForFolder(
     QWidget* window, const std::filesystem::path& startingIn, CompletionHandler completionHandler)
 {
-    auto* panel = new QFileDialog(window,
-        QCoreApplication::translate("OpenPanel", "Choose a Folder"), PathText::textOf(startingIn));
-    panel->setObjectName(QStringLiteral("chooseFolderPanel"));
-    panel->setFileMode(QFileDialog::Directory);
-    panel->setOption(QFileDialog::ShowDirsOnly);
-    begin(panel, window, std::move(completionHandler));
+    if (window->findChild<PortalRequest*>(QString(), Qt::FindDirectChildrenOnly) != nullptr)
+        return completionHandler({});
+    const std::string& path = startingIn.native();
+    const QVariantMap options{{QStringLiteral("directory"), true}, {QStringLiteral("modal"), true},
+        {QStringLiteral("current_folder"), QByteArray(path.c_str(), path.size() + 1)}};
+    auto* request = PortalRequest::call(QStringLiteral("FileChooser"), QStringLiteral("OpenFile"),
+        {portalName(window), folderTitle()}, options, window,
+        [=](PortalRequest::Outcome outcome, const QVariantMap& results) {
+            if (outcome == PortalRequest::Outcome::failed)
+                beginForFolderWithQt(window, startingIn, completionHandler);
+            else
+                completionHandler(chosenFolder(results));
+        });
+    if (auto* sheet = qobject_cast<QDialog*>(window))
+        QObject::connect(sheet, &QDialog::finished, request, &PortalRequest::close);
 }

@@ -15,7 +15,8 @@ using CompletionHandler = std::function<void(const std::vector<std::filesystem::
 
 void beginForFiles(QWidget* window, CompletionHandler completionHandler);
 
-// One folder; new ones can be made in the panel.
+// One folder, by the desktop's own panel where its portal has one; new ones can be made in the
+// panel. One question at a time for each window: another is as good as cancelled.
 void beginForFolder(
     QWidget* window, const std::filesystem::path& startingIn, CompletionHandler completionHandler);
 

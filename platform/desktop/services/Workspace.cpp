@@ -80,7 +80,7 @@ private:
         const QDBusUnixFileDescriptor file(opened.number()); // of its own
         const QVariantList arguments{QString(), QVariant::fromValue(file)};
         PortalRequest::call(QStringLiteral("OpenURI"), QStringLiteral("OpenDirectory"), arguments,
-            {}, this, [this](PortalRequest::Outcome outcome) {
+            {}, this, [this](PortalRequest::Outcome outcome, const auto& /*results*/) {
                 outcome == PortalRequest::Outcome::failed ? _findFileManager() : deleteLater();
             });
     }
