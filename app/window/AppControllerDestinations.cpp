@@ -10,6 +10,7 @@
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/PopUpButtonExtras.h"
 #include "shared/Library/Extras/QKWindow.h"
+#include "system/PathString.h"
 
 #include <QDir>
 

@@ -1,5 +1,6 @@
 // A request: proposed name, panel or name sheet, worker thread, progress sheet.
 
+#include "app/job/ArchiveKind.h"
 #include "app/window/AdvertTextView.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"

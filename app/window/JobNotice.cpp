@@ -1,6 +1,5 @@
 #include "app/window/JobNotice.h"
 
-#include "app/window/Destinations.h"
 #include "app/window/ResultText.h"
 #include "platform/desktop/services/PathText.h"
 #include "platform/desktop/services/Workspace.h"
@@ -17,7 +16,7 @@ constexpr qsizetype mostLines = 3; // of a notification; the window's sheet has 
 
 QString placeOf(const std::filesystem::path& archive)
 {
-    return Destinations::abbreviatedWithTilde(PathText::textOf(archive));
+    return PathText::abbreviatedWithTilde(PathText::textOf(archive));
 }
 
 } // namespace

@@ -103,7 +103,7 @@ void Inhibitor::_askPortal()
     const auto request = std::make_shared<PortalRequest*>(nullptr);
     *request = PortalRequest::call(QStringLiteral("Inhibit"), QStringLiteral("Inhibit"),
         {QString(), logoutAndSuspend}, {{QStringLiteral("reason"), _reason}}, this,
-        [this, request](PortalRequest::Outcome outcome) {
+        [this, request](PortalRequest::Outcome outcome, const QVariantMap&) {
             if (outcome != PortalRequest::Outcome::done)
                 return _askLogin();
             _take([this, path = (*request)->path()] {
