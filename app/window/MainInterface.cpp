@@ -65,6 +65,7 @@ MainInterface::MainInterface(AppController& controller)
         int{ArchiveTypeMacZip});
 
     connectMenus(window, controller, _window);
+    QObject::connect(window.showManual, &QAction::triggered, &_manual, [this] { _manual.show(); });
     _window.setDelegate({.windowShouldClose
         = [&controller](QObject* sender) { return controller.windowShouldClose(sender); }});
     QObject::connect(window.saveDropView, &DropView::filesDropped, &controller,

@@ -143,3 +143,21 @@ TEST(Workspace, opensAddresses)
     EXPECT_TRUE(QTest::qWaitFor([&] { return programs.calls().ends_with('\n'); }, 20000));
     EXPECT_EQ(programs.calls(), "xdg-open <http://parcelo.example/a%20b?c=%26#d>\n");
 }
+
+TEST(Workspace, opensAPageWhereABrowserIsInstalled)
+{
+    const Programs programs;
+    for (const auto& [browser, status, calls] :
+        {std::tuple("", 0, ""), {"firefox.desktop", 0, "xdg-open <file:///a%20b.html>\n"},
+            {"firefox.desktop", 4, "xdg-open <file:///a%20b.html>\n"}}) {
+        programs.addScript("xdg-mime",
+            std::string("[ \"$*\" != 'query default x-scheme-handler/http' ] || echo ") + browser);
+        programs.add("xdg-open", status);
+        std::optional<bool> works;
+        QObject context;
+        Workspace().openPage("/a b.html", &context, [&](bool does) { works = does; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return works.has_value(); }, 20000));
+        EXPECT_EQ(works, *calls != 0 && status == 0);
+        EXPECT_TRUE(programs.calls().ends_with(calls));
+    }
+}

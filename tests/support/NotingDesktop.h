@@ -19,6 +19,12 @@ public:
         opened.push_back(url.toString().toStdString());
         return true;
     }
+    void openPage(const std::filesystem::path& page, QObject* /*context*/,
+        std::function<void(bool works)> then) override
+    {
+        opened.push_back(page);
+        then(hasBrowser);
+    }
     void selectFile(const std::filesystem::path& path,
         const std::optional<std::filesystem::path>& /*inFileViewerRootedAtPath*/) override
     {
@@ -29,6 +35,7 @@ public:
         opened.push_back(path.native());
     }
 
+    bool hasBrowser = true;
     std::vector<std::string> opened;
     std::vector<std::filesystem::path> revealed;
 };

@@ -1,10 +1,12 @@
 // What the window asks of its own accord.
 
+#include "app/window/Manual.h"
 #include "tests/support/FeedServer.h"
 #include "tests/window/Program.h"
 
 using Prompts = Program;
 using Updates = Program;
+using Help = Program;
 
 TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnsweredForGood)
 {
@@ -53,4 +55,24 @@ TEST_F(Updates, areOfferedWhenAskedForAndAtLaunchWhenThatIsChosen)
     store("CheckAtStartup", true);
     controller().applicationDidFinishLaunching();
     endSheet("updateSheet");
+}
+
+TEST_F(Help, comesByF1InTheBrowserOrElseInAWindowOfOurs)
+{
+    start();
+    type(Qt::Key_F1);
+    EXPECT_EQ(workspace.opened, Texts{Manual::page().value_or("no manual")});
+    find<QAction>("showHelp")->trigger();
+    EXPECT_EQ(workspace.opened.back(), PARCELO_SITE "parcelo/help.html");
+    workspace.hasBrowser = false;
+    type(Qt::CTRL | Qt::Key_Comma);
+    QTest::keyClick(waitForSheet("Preference"), Qt::Key_F1);
+    const auto isManual = [] {
+        const QWidget* active = QApplication::activeWindow();
+        return active != nullptr && active->windowTitle() == "Parcelo Help";
+    };
+    ASSERT_TRUE(waitFor(isManual));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(isManual());
+    EXPECT_TRUE(sheet());
 }

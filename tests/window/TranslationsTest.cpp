@@ -1,5 +1,6 @@
 #include "app/window/Translations.h"
 
+#include "app/window/Manual.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
@@ -7,10 +8,44 @@
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QTextDocument>
 
 namespace fs = std::filesystem;
 
 using Language = Program;
+
+static QStringList commandLineOptions()
+{
+    const auto usage = support::run({PARCELO_PROGRAM, "--help"}).out;
+    QStringList options;
+    auto found = QRegularExpression("--[a-z-]+").globalMatch(QString::fromStdString(usage));
+    while (found.hasNext())
+        options.append(found.next().captured());
+    EXPECT_GT(options.size(), 5);
+    return options;
+}
+
+// The page in the language describes every key, preference and option, and no key besides.
+static void expectManualOf(const QWidget& window)
+{
+    const QString page = QString::fromStdString(support::readFile(Manual::page().value()));
+    QTextDocument manual;
+    manual.setHtml(page);
+    QStringList keys;
+    for (const QAction* item : window.findChildren<QAction*>())
+        keys.append(item->shortcut().toString(QKeySequence::NativeText));
+    const QRegularExpression named("<kbd>([^<]+\\+[^<]+)<");
+    for (auto found = named.globalMatch(page); found.hasNext();) {
+        const QString key = found.next().captured(1);
+        EXPECT_TRUE(keys.contains(key)) << key.toStdString();
+    }
+    QStringList described = commandLineOptions() + keys.filter(QRegularExpression("\\D$"));
+    for (const QAbstractButton* control :
+        window.findChild<QDialog*>("Preference")->findChildren<QAbstractButton*>())
+        described.append(control->text().remove(QRegularExpression("\\(&.\\)|&")));
+    for (const QString& text : described)
+        EXPECT_TRUE(manual.toPlainText().contains(text)) << text.toStdString();
+}
 
 TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
 {
@@ -20,13 +55,16 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
         SCOPED_TRACE(language);
         QLocale::setDefault(QLocale(QLatin1String(language)));
         const ::Translations translations;
-        start();
+        start(
+            {{"Destinations", QStringList{"/1", "/2", "/3", "/4", "/5", "/6", "/7", "/8", "/9"}}});
         drop({Path("/a")});
         (void)waitForSheet("savePanel");
         EXPECT_NE(textOf("previewLabel").substr(0, 5), "TYPE_");
         for (const char* action : {"showPreference", "showAbout"})
             find<QAction>(action)->trigger();
         EXPECT_EQ(find<QDialog>("Preference")->windowTitle(), QString(title));
+
+        expectManualOf(window());
 
         QStringList letters;
         const auto note = [&](const QWidget* form, const QString& text) {

@@ -667,6 +667,10 @@ Vielen Dank!</translation>
         <translation>Parcelo-&amp;Hilfe</translation>
     </message>
     <message>
+        <source>O&amp;nline Help</source>
+        <translation>O&amp;nline-Hilfe</translation>
+    </message>
+    <message>
         <source>Visit &amp;Website</source>
         <translation>&amp;Website besuchen</translation>
     </message>

@@ -667,6 +667,10 @@ Thank you!</source>
         <translation>&amp;Ayuda de Parcelo</translation>
     </message>
     <message>
+        <source>O&amp;nline Help</source>
+        <translation>Ayuda en lí&amp;nea</translation>
+    </message>
+    <message>
         <source>Visit &amp;Website</source>
         <translation>Visitar el sitio &amp;web</translation>
     </message>

@@ -667,6 +667,10 @@ Merci !</translation>
         <translation>&amp;Aide de Parcelo</translation>
     </message>
     <message>
+        <source>O&amp;nline Help</source>
+        <translation>Aide en lig&amp;ne</translation>
+    </message>
+    <message>
         <source>Visit &amp;Website</source>
         <translation>Visiter le site &amp;web</translation>
     </message>

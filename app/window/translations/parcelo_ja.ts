@@ -667,6 +667,10 @@ Thank you!</source>
         <translation>Parceloヘルプ(&amp;H)</translation>
     </message>
     <message>
+        <source>O&amp;nline Help</source>
+        <translation>オンラインヘルプ(&amp;N)</translation>
+    </message>
+    <message>
         <source>Visit &amp;Website</source>
         <translation>ウェブサイトを開く(&amp;W)</translation>
     </message>

@@ -156,6 +156,19 @@ bool Workspace::openURL(const QUrl& url)
     }
 }
 
+// Where there is no browser, xdg-open could find an editor for the page, or say that all is well.
+void Workspace::openPage(
+    const fs::path& page, QObject* context, std::function<void(bool works)> then)
+{
+    DefaultApplication::query(QStringLiteral("x-scheme-handler/http"), context,
+        [page, context, then = std::move(then)](const QString& browser) {
+            if (browser.isEmpty())
+                return then(false);
+            ProgramLauncher::launch(
+                {.program = "xdg-open", .arguments = {UriList::fileUri(page)}}, context, then);
+        });
+}
+
 void Workspace::selectFile(
     const fs::path& path, const std::optional<fs::path>& /*inFileViewerRootedAtPath*/)
 {

@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 class Workspace : public QObject
@@ -24,6 +25,11 @@ public:
     // Main thread. False for an address that is empty, invalid or without a scheme, and when there
     // is no program that opens addresses.
     virtual bool openURL(const QUrl& url);
+
+    // Opens a page of our own in the browser, and tells later and once whether there is one that
+    // does. Nothing is told once the context is gone. Main thread.
+    virtual void openPage(
+        const std::filesystem::path& page, QObject* context, std::function<void(bool works)> then);
 
     // Shows the file selected in its folder, or that folder at least. From any thread. The file
     // managers of this desktop have no root folder of a view: that argument changes nothing.
