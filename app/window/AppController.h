@@ -155,7 +155,6 @@ public:
 
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
-    void chooseFolder(QObject* sender);
     void paste(QObject* sender);
 
     // --- A request, from the name to the archive (AppControllerRequests.cpp) ---
@@ -280,6 +279,7 @@ private:
     bool _opensForEmail = false; // the documents opened last
     bool _mailsArchive = false; // the request under way, whatever the menu says by now
     QString _filename; // of the archive being asked for
+    Path _folderToChooseIn; // files
 
     // Made on first use, kept for the process.
     std::optional<Path> _tmpFolder;

@@ -82,18 +82,19 @@ void AppController::_tellWhatIsLeftOut()
                 .arg(_listed(leftOut)));
 }
 
+// Where the last choice was made; at first where the program was started.
 void AppController::chooseFiles(QObject* /*sender*/)
 {
-    if (acceptsFiles())
-        OpenPanel::beginForFiles(
-            _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
-}
-
-void AppController::chooseFolder(QObject* /*sender*/)
-{
-    if (acceptsFiles())
-        OpenPanel::beginForFolder(
-            _interface.mainWindow, {}, [this](const auto& paths) { _chose(paths); });
+    if (!acceptsFiles())
+        return;
+    std::error_code gone;
+    if (!std::filesystem::is_directory(_folderToChooseIn, gone))
+        _folderToChooseIn = std::filesystem::current_path(gone);
+    OpenPanel::beginForFiles(
+        _interface.mainWindow, _folderToChooseIn, [this](const auto& paths, const Path& folder) {
+            _folderToChooseIn = folder;
+            _chose(paths);
+        });
 }
 
 void AppController::_chose(const std::vector<Path>& paths)
