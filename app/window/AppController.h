@@ -157,7 +157,6 @@ public:
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
     void chooseFilesForEmail(); // whatever the destination menu says
-    void chooseFolder(QObject* sender);
     void paste(QObject* sender);
 
     // --- A request, from the name to the archive (AppControllerRequests.cpp) ---
@@ -266,6 +265,7 @@ private:
     void _deliver(const Path& archive);
     void _fail(const ArchiveProblem& problem);
     void _tellWhatIsMissing(const LeftOut& leftOut);
+    void _choose(std::function<void(const std::vector<Path>& paths)> then);
     void _chose(const std::vector<Path>& paths);
     void _runPrompt(const Prompt& prompt);
     [[nodiscard]] static QString _listed(const QStringList& lines, std::size_t count = 0);
@@ -286,6 +286,7 @@ private:
     bool _opensForEmail = false; // the documents opened last
     bool _mailsArchive = false; // the request under way, whatever the menu says by now
     QString _filename; // of the archive being asked for
+    Path _folderToChooseIn; // files
 
     // Made on first use, kept for the process.
     std::optional<Path> _tmpFolder;

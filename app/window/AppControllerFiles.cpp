@@ -117,16 +117,12 @@ void AppController::_tellWhatIsLeftOut()
 
 void AppController::chooseFiles(QObject* /*sender*/)
 {
-    if (acceptsFiles())
-        OpenPanel::beginForFiles(
-            _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
+    _choose([this](const auto& paths) { _chose(paths); });
 }
 
 void AppController::chooseFilesForEmail()
 {
-    if (!acceptsFiles())
-        return;
-    OpenPanel::beginForFiles(_interface.mainWindow, [this](const auto& paths) {
+    _choose([this](const auto& paths) {
         if (paths.empty())
             return;
         if (!_isUnderWay)
@@ -135,11 +131,19 @@ void AppController::chooseFilesForEmail()
     });
 }
 
-void AppController::chooseFolder(QObject* /*sender*/)
+// Where the last choice was made; at first where the program was started.
+void AppController::_choose(std::function<void(const std::vector<Path>& paths)> then)
 {
-    if (acceptsFiles())
-        OpenPanel::beginForFolder(
-            _interface.mainWindow, {}, [this](const auto& paths) { _chose(paths); });
+    if (!acceptsFiles())
+        return;
+    std::error_code gone;
+    if (!std::filesystem::is_directory(_folderToChooseIn, gone))
+        _folderToChooseIn = std::filesystem::current_path(gone);
+    OpenPanel::beginForFiles(_interface.mainWindow, _folderToChooseIn,
+        [this, then = std::move(then)](const auto& paths, const Path& folder) {
+            _folderToChooseIn = folder;
+            then(paths);
+        });
 }
 
 void AppController::_chose(const std::vector<Path>& paths)

@@ -17,7 +17,6 @@ void connectMenus(const Ui::MainWindow& form, AppController& controller, QKWindo
     using Action = void (AppController::*)(QObject*);
     const std::pair<QAction*, Action> actions[] = {
         {form.chooseFiles, &AppController::chooseFiles},
-        {form.chooseFolder, &AppController::chooseFolder},
         {form.terminate, &AppController::terminate},
         {form.debug, &AppController::debug},
         {form.paste, &AppController::paste},

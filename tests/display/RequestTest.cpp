@@ -13,8 +13,8 @@ TEST_F(Request, everythingCanBeDoneWithKeysAndWhatCannotBeMadeIsSaid)
 {
     Program& parcelo = startParcelo({}, "RevealWhenComplete=false\n");
     press(parcelo, "Parcelo", {"space"}); // the box has the focus
-    press(parcelo, "Choose Files to Archive", {"Escape"});
-    waitForNoWindow(parcelo, "Choose Files to Archive");
+    press(parcelo, "Choose Files and Folders", {"Escape"});
+    waitForNoWindow(parcelo, "Choose Files and Folders");
     Program& fileManager = startFileManager();
     (void)selectAll(fileManager);
     press(fileManager, source.filename(), {"ctrl+c"});

@@ -1,5 +1,7 @@
 #include "tests/window/Program.h"
 
+#include <QTreeWidget>
+
 using DropBox = Program;
 
 TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
@@ -30,6 +32,34 @@ TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
     type(Qt::CTRL | Qt::Key_Comma);
     (void)waitForSheet("Preference");
     EXPECT_FALSE(drop("file:///tmp/a\r\n")) << "a dialog is up";
+}
+
+TEST_F(DropBox, takesFilesAndFoldersThatAreChosenTogetherWhateverTheirNames)
+{
+    const Path inside = folder / "sub/inside";
+    const Path odd = folder / "sub/caf\xe9"; // no UTF-8
+    support::writeFile(odd, "");
+    support::writeFile(inside / "file", "");
+    start();
+    const QString path = QString::fromStdString(folder / "sub");
+    const std::pair<QString, DropView::Files> cases[] = {
+        {path + "/", {inside, odd}}, // shows what is in it
+        {path + "/../sub/inside", {inside}},
+        {"file://" + path + "/caf%E9", {odd}},
+    };
+    for (const auto& [typed, chosen] : cases) {
+        find<QAction>("chooseFiles")->trigger();
+        (void)waitForSheet("chooseFilesPanel");
+        sheet()->findChild<QLineEdit*>()->setText(typed);
+        if (typed.endsWith('/')) {
+            auto* list = sheet()->findChild<QTreeWidget*>();
+            list->topLevelItem(0)->setExpanded(true);
+            QTest::keyClick(list, Qt::Key_A, Qt::ControlModifier);
+        }
+        endSheet("chooseFilesPanel", Qt::Key_Return);
+        EXPECT_EQ(box().files(), chosen) << typed.toStdString();
+        endSheet("savePanel");
+    }
 }
 
 TEST(DropBoxLook, isAsDesigned)

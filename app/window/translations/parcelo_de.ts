@@ -631,14 +631,6 @@ Vielen Dank!</translation>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>Dateien aus&amp;wählen…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>&amp;Ordner auswählen…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>S&amp;chließen</translation>
     </message>
@@ -698,13 +690,13 @@ Vielen Dank!</translation>
         <source>&amp;About Parcelo</source>
         <translation>Ü&amp;ber Parcelo</translation>
     </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>Dateien und Ordner aus&amp;wählen…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>Zu archivierende Dateien auswählen</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>Ordner auswählen</translation>
@@ -992,6 +984,64 @@ Vielen Dank!</translation>
     <message>
         <source>Folders</source>
         <translation>Ordner</translation>
+    </message>
+</context>
+<context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Ver&amp;borgene Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>Aus&amp;wählen</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Dateien und Ordner auswählen</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Dateien und Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Ordner:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Pfad:</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>Unter diesem Pfad gibt es nichts.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 Objekte ausgewählt</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>Dieser Ordner kann nicht gelesen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Geändert</translation>
     </message>
 </context>
 </TS>

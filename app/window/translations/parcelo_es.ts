@@ -631,14 +631,6 @@ Thank you!</source>
         <translation>A&amp;yuda</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>&amp;Elegir archivos…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>Elegir una &amp;carpeta…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>Ce&amp;rrar</translation>
     </message>
@@ -698,13 +690,13 @@ Thank you!</source>
         <source>&amp;About Parcelo</source>
         <translation>Acerca &amp;de Parcelo</translation>
     </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>&amp;Elegir archivos y carpetas…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>Elegir los archivos que se van a comprimir</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>Elegir una carpeta</translation>
@@ -992,6 +984,64 @@ Thank you!</source>
     <message>
         <source>Folders</source>
         <translation>Carpetas</translation>
+    </message>
+</context>
+<context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Mostrar archivos &amp;ocultos</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>&amp;Elegir</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Elegir archivos y carpetas</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Archivos y carpetas</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Carpeta:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Ruta:</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>No hay nada en esta ruta.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 elementos seleccionados</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>No se puede leer esta carpeta.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Tamaño</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Modificado</translation>
     </message>
 </context>
 </TS>

@@ -631,14 +631,6 @@ Merci !</translation>
         <translation>&amp;Aide</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>&amp;Choisir des fichiers…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>Choisir un &amp;dossier…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>&amp;Fermer</translation>
     </message>
@@ -698,13 +690,13 @@ Merci !</translation>
         <source>&amp;About Parcelo</source>
         <translation>À &amp;propos de Parcelo</translation>
     </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>&amp;Choisir des fichiers et des dossiers…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>Choisir les fichiers à archiver</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>Choisir un dossier</translation>
@@ -992,6 +984,64 @@ Merci !</translation>
     <message>
         <source>Folders</source>
         <translation>Dossiers</translation>
+    </message>
+</context>
+<context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Afficher les fichiers &amp;masqués</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>C&amp;hoisir</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Choisir des fichiers et des dossiers</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Fichiers et dossiers</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier :</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Chemin :</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>Il n’y a rien à ce chemin.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 éléments sélectionnés</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>Ce dossier ne peut pas être lu.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Modifié</translation>
     </message>
 </context>
 </TS>

@@ -631,14 +631,6 @@ Thank you!</source>
         <translation>ヘルプ(&amp;H)</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>ファイルを選択(&amp;C)…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>フォルダを選択(&amp;F)…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>閉じる(&amp;L)</translation>
     </message>
@@ -698,13 +690,13 @@ Thank you!</source>
         <source>&amp;About Parcelo</source>
         <translation>Parceloについて(&amp;A)</translation>
     </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>ファイルとフォルダを選択(&amp;C)…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>アーカイブするファイルを選択</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>フォルダを選択</translation>
@@ -992,6 +984,64 @@ Thank you!</source>
     <message>
         <source>Folders</source>
         <translation>フォルダ</translation>
+    </message>
+</context>
+<context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>隠しファイルを表示(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>選択(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>ファイルとフォルダを選択</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>ファイルとフォルダ</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>フォルダ(&amp;F):</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>パス(&amp;P):</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>このパスには何もありません。</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1項目を選択</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>このフォルダを読み込めません。</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>サイズ</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>更新日時</translation>
     </message>
 </context>
 </TS>

@@ -1,5 +1,6 @@
 #include "platform/desktop/panels/OpenPanel.h"
 
+#include "platform/desktop/panels/FileChooser.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/PathText.h"
 #include "platform/desktop/services/PortalRequest.h"
@@ -18,20 +19,6 @@ QString folderTitle()
     return QCoreApplication::translate("OpenPanel", "Choose a Folder");
 }
 
-void begin(QFileDialog* panel, QWidget* window, OpenPanel::CompletionHandler completionHandler)
-{
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    QObject::connect(panel, &QDialog::finished, panel,
-        [panel, handler = std::move(completionHandler)](int result) {
-            std::vector<std::filesystem::path> paths;
-            if (result == QDialog::Accepted)
-                for (const QString& file : panel->selectedFiles())
-                    paths.push_back(PathText::pathOf(file));
-            handler(paths);
-        });
-    Sheets::begin(panel, window);
-}
-
 void beginForFolderWithQt(QWidget* window, const std::filesystem::path& startingIn,
     OpenPanel::CompletionHandler completionHandler)
 {
@@ -39,7 +26,16 @@ void beginForFolderWithQt(QWidget* window, const std::filesystem::path& starting
     panel->setObjectName(QStringLiteral("chooseFolderPanel"));
     panel->setFileMode(QFileDialog::Directory);
     panel->setOption(QFileDialog::ShowDirsOnly);
-    begin(panel, window, std::move(completionHandler));
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(panel, &QDialog::finished, panel,
+        [panel, handler = std::move(completionHandler)](int result) {
+            std::vector<std::filesystem::path> paths;
+            if (result == QDialog::Accepted)
+                for (const QString& folder : panel->selectedFiles())
+                    paths.push_back(PathText::pathOf(folder));
+            handler(paths);
+        });
+    Sheets::begin(panel, window);
 }
 
 // As portals name the window that theirs belongs to.
@@ -64,13 +60,19 @@ std::vector<std::filesystem::path> chosenFolder(const QVariantMap& results)
 
 } // namespace
 
-void OpenPanel::beginForFiles(QWidget* window, CompletionHandler completionHandler)
+void OpenPanel::beginForFiles(
+    QWidget* window, const std::filesystem::path& startingIn, FilesHandler completionHandler)
 {
-    auto* panel = new QFileDialog(
-        window, QCoreApplication::translate("OpenPanel", "Choose Files to Archive"));
-    panel->setObjectName(QStringLiteral("chooseFilesPanel"));
-    panel->setFileMode(QFileDialog::ExistingFiles);
-    begin(panel, window, std::move(completionHandler));
+    auto* chooser = new FileChooser(startingIn, window);
+    chooser->setObjectName(QStringLiteral("chooseFilesPanel"));
+    chooser->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(chooser, &QDialog::finished, chooser,
+        [chooser, handler = std::move(completionHandler)](int result) {
+            handler(result == QDialog::Accepted ? chooser->paths()
+                                                : std::vector<std::filesystem::path>(),
+                chooser->folder());
+        });
+    Sheets::begin(chooser, window);
 }
 
 void OpenPanel::beginForFolder(
