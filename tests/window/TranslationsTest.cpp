@@ -1,5 +1,6 @@
 #include "app/window/Translations.h"
 
+#include "platform/desktop/updates/UpdateSheet.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
@@ -24,6 +25,12 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
         EXPECT_NE(textOf("previewLabel").substr(0, 5), "TYPE_");
         for (const char* action : {"showPreference", "showAbout"})
             find<QAction>(action)->trigger();
+        const UpdateSheet update({.version = "2",
+                                     .hostVersion = "1",
+                                     .whatIsNew = {},
+                                     .notesPage = QUrl("http://a/"),
+                                     .page = QUrl("http://b/")},
+            &window());
         EXPECT_EQ(find<QDialog>("Preference")->windowTitle(), QString(title));
 
         QStringList letters;
@@ -52,6 +59,13 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
                 if (const QKeySequence letter = QKeySequence::mnemonic(text); !letter.isEmpty())
                     letters.append(form->objectName() + " " + letter.toString());
         }
+        for (const std::initializer_list<const char*>& question :
+            {std::initializer_list<const char*>{"&Keep Going", "&Stop and Quit"},
+                {"&Keep and Quit", "&Quit Anyway"}, {"&Copy List"}})
+            for (const char* text : question)
+                letters.append(*question.begin()
+                    + QKeySequence::mnemonic(QCoreApplication::translate("AppController", text))
+                          .toString());
         EXPECT_GE(letters.size(), 40);
         EXPECT_EQ(letters.removeDuplicates(), 0) << letters.join(", ").toStdString();
         EXPECT_GT(controls, 20);
