@@ -126,7 +126,7 @@ void dropExtension(std::string& name, std::string_view extension)
 Problem checkName(const std::string& name, std::string_view extension)
 {
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
-        return "'" + name + "' is no name for a file";
+        return "'" + name + "' cannot be the name of a file";
     if (name.size() + extension.size() > FileName::longestInBytes)
         return "the name is too long";
     return {};

@@ -22,7 +22,7 @@ const std::map<Kind, Words> table{
         {QT_TRANSLATE_NOOP("ArchiveProblem", "this system has no tool for that type (%1)")}},
     {Kind::cannotRunTool,
         {QT_TRANSLATE_NOOP("ArchiveProblem", "a tool could not be started (%2)")}},
-    {Kind::badName, {QT_TRANSLATE_NOOP("ArchiveProblem", "'%1' is no name for an archive")}},
+    {Kind::badName, {QT_TRANSLATE_NOOP("ArchiveProblem", "'%1' cannot be the name of an archive")}},
     {Kind::nothingGiven,
         {QT_TRANSLATE_NOOP("ArchiveProblem", "there is nothing to archive"), true}},
     {Kind::nameless,

@@ -19,6 +19,7 @@
 #include "shared/Library/Extras/QKWindow.h"
 #include "shared/Library/Extras/UserDefaultsExtras.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QMenuBar>
 #include <QPointer>
@@ -149,8 +150,23 @@ bool AppController::windowShouldClose(QObject* sender)
 
 void AppController::terminate(QObject* /*sender*/)
 {
-    if (_mayForgetWaiting() && _mayLeaveMessages())
+    if (_mayStopJob() && _mayForgetWaiting() && _mayLeaveMessages())
         terminateNow();
+}
+
+// Escape and a closed question keep going.
+bool AppController::_mayStopJob()
+{
+    if (!_job || _isTerminating)
+        return true;
+    if (QApplication::activeModalWidget() != nullptr)
+        return false; // one question at a time
+    _interface.mainWindow->setWindowState(
+        _interface.mainWindow->windowState() & ~Qt::WindowMinimized);
+    return _interface.mainWindow->runPromptSheetWithTitle(tr("An archive is being made"),
+               tr("If you quit now, it will not be made. Your files stay as they are."),
+               tr("&Keep Going"), {}, tr("&Stop and Quit"))
+        == PromptResultOther;
 }
 
 // While a job ends the event loop goes on, so that no question of a block that is still waiting can

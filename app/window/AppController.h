@@ -151,6 +151,15 @@ public:
     // One of them. All that arrive within 0.05 s become one archive.
     bool applicationOpenFile(const Path& path);
 
+    // Files that are dropped during a request wait like documents. What came with them is told.
+    void droppedMeanwhile(const std::vector<Path>& files, const QStringList& leftOut);
+
+    // What waits, in words; empty when nothing does.
+    [[nodiscard]] QString waitingText() const;
+
+    // How to begin without a drag, until the first archive is made.
+    [[nodiscard]] static QString hint();
+
     // Tells that documents to be opened are not there, or no files of this computer.
     void couldNotOpen(const QStringList& names);
 
@@ -231,6 +240,7 @@ Q_SIGNALS:
     void selectedDestinationChanged();
     void archiveTypeChanged();
     void acceptsFilesChanged();
+    void waitingChanged();
 
 private:
     struct Prompt;
@@ -249,6 +259,7 @@ private:
     void _afterDelay(double seconds, std::function<void()> runBlock);
 
     void _terminateWhenIdle();
+    bool _mayStopJob();
     bool _mayForgetWaiting();
     void _forgetWaiting();
     bool _mayLeaveMessages();
@@ -263,6 +274,7 @@ private:
     void _work();
     void _performOnMainThread(std::function<void()> block);
     void _deliver(const Path& archive);
+    void _tellToAttach(const Path& archive);
     void _fail(const ArchiveProblem& problem);
     void _tellWhatIsMissing(const LeftOut& leftOut);
     void _choose(std::function<void(const std::vector<Path>& paths)> then);

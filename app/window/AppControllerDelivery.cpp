@@ -72,7 +72,8 @@ void AppController::composeEmailWithAttachment(const Path& path)
 {
     _hasMailed = true;
     AppleScript script = AppleScript::initWithSource(mailScript(path.native()));
-    script.executeAndReturnError();
+    if (!script.executeAndReturnError())
+        _tellToAttach(path); // a quote in the path ends the text in the script
 
     const QString key = QStringLiteral("EmailCount");
     auto& defaults = UserDefaults::standardUserDefaults();
@@ -82,13 +83,25 @@ void AppController::composeEmailWithAttachment(const Path& path)
         sellSendora();
 }
 
+void AppController::_tellToAttach(const Path& archive)
+{
+    std::error_code missing;
+    if (!std::filesystem::exists(archive, missing))
+        return; // what was cancelled has nothing to attach
+    Workspace::sharedWorkspace().selectFile(archive);
+    _tell({.title = tr("The message could not be made"),
+        .text = tr("No mail program took the archive. You can attach it yourself; it stays "
+                   "until you quit:\n%1")
+                    .arg(PathText::textOf(archive))});
+}
+
 // What was made for messages lies in the scratch folder, which goes with the program.
 bool AppController::_mayLeaveMessages()
 {
     std::error_code missing;
     if (!_hasMailed || _isTerminating || std::filesystem::is_empty(tmpFolder(), missing) || missing)
         return true;
-    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr)
+    if (QApplication::activeModalWidget() != nullptr)
         return false; // one question at a time
     const Path folder = folderToKeepIn();
     _interface.mainWindow->setWindowState(
@@ -195,16 +208,7 @@ void AppController::_tellNext()
 void AppController::_hearDesktop()
 {
     connect(&MailComposer::sharedComposer(), &MailComposer::couldNotAttach, this,
-        [this](const Path& archive) {
-            std::error_code missing;
-            if (!std::filesystem::exists(archive, missing))
-                return; // what was cancelled has nothing to attach
-            Workspace::sharedWorkspace().selectFile(archive);
-            _tell({.title = tr("The message could not be made"),
-                .text = tr("No mail program took the archive. You can attach it yourself; it stays "
-                           "until you quit:\n%1")
-                            .arg(PathText::textOf(archive))});
-        });
+        [this](const Path& archive) { _tellToAttach(archive); });
     connect(&MailComposer::sharedComposer(), &MailComposer::attached, this,
         [this](const Path& archive, bool isCertain) {
             if (!isCertain)

@@ -6,10 +6,12 @@
 #include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/PathText.h"
+#include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QLocale>
 #include <QMimeData>
 
 #include <iostream>
@@ -29,7 +31,33 @@ constexpr double windowDelay = 0.5;
 void AppController::openDocuments(Documents documents)
 {
     _waiting.push_back(std::move(documents));
+    Q_EMIT waitingChanged();
     _openNext();
+}
+
+void AppController::droppedMeanwhile(const std::vector<Path>& files, const QStringList& leftOut)
+{
+    if (!leftOut.isEmpty())
+        couldNotOpen(leftOut);
+    if (!files.empty())
+        openDocuments({.files = files});
+}
+
+QString AppController::waitingText() const
+{
+    QStringList names;
+    for (const Documents& documents : _waiting)
+        for (const Path& file : documents.files)
+            names.append(PathText::textOf(file.filename()));
+    return names.isEmpty() ? QString() : tr("Next: %1").arg(QLocale().createSeparatedList(names));
+}
+
+QString AppController::hint()
+{
+    const auto& defaults = UserDefaults::standardUserDefaults();
+    return defaults.integerForKey(QStringLiteral("UsageCount")) > 0
+        ? QString()
+        : tr("or press Space to choose, Ctrl+V to paste");
 }
 
 // Not into what is being asked for or made: that would be added to it, or go with it.
@@ -43,6 +71,7 @@ void AppController::_openNext()
     }
     const Documents documents = std::move(_waiting.front());
     _waiting.pop_front();
+    Q_EMIT waitingChanged();
     // What is left of a request that was given up takes them in, and is not proposed anew.
     if (_interface.saveDropView->files().empty()) {
         _isUnderWay = true;
@@ -111,7 +140,7 @@ void AppController::_tellWhatIsLeftOut()
     const QStringList leftOut = _interface.saveDropView->leftOut();
     if (!leftOut.isEmpty())
         _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
-            tr("These are no files of this computer, and will be left out:\n%1")
+            tr("These are not files on this computer and will be left out:\n%1")
                 .arg(_listed(leftOut)));
 }
 

@@ -147,7 +147,7 @@ void AppController::_work()
     _performOnMainThread([this] {
         _interface.statusTF->clear();
         _interface.progress->setValue(0);
-        Sheets::begin(_interface.progressWindow, _interface.mainWindow);
+        Sheets::beginOverOpenWindow(_interface.progressWindow, _interface.mainWindow);
     });
     _performOnMainThread([this, result = _job->run()] {
         _notMade = result.isMade ? Path() : result.archive.value_or(Path());

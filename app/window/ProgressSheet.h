@@ -2,6 +2,7 @@
 // when the job has ended.
 #pragma once
 
+#include <QApplication>
 #include <QDialog>
 
 class ProgressSheet : public QDialog
@@ -20,6 +21,10 @@ protected:
         QDialog::showEvent(event);
         setFocusPolicy(Qt::ClickFocus);
         setFocus();
+        if (QWidget* question = QApplication::activeModalWidget()) { // asked a moment before
+            question->raise();
+            question->activateWindow();
+        }
     }
 
 Q_SIGNALS:

@@ -122,7 +122,7 @@ void Requests::take(const ApplicationService::Request& request)
     _comeToFront(request.activationToken);
     if (!std::exchange(_isLaunched, true))
         _controller.applicationDidFinishLaunching();
-    if (QApplication::activeModalWidget() != nullptr)
+    if (QApplication::activeModalWidget() != nullptr || !_controller.acceptsFiles())
         return; // one question at a time
     if (request.action == preferencesAction)
         _controller.showPreference(nullptr);
@@ -163,6 +163,30 @@ void Requests::_comeToFront(const QByteArray& activationToken)
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
+// The session's end comes as a wish to quit that Qt would pass on to each window as a wish to
+// close. Ours asks then, and nobody is there to answer.
+class SessionEnd : public QObject
+{
+public:
+    explicit SessionEnd(AppController& controller)
+        : _controller(controller)
+    {
+        qApp->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (object != qApp || event->type() != QEvent::Quit)
+            return false;
+        _controller.terminateNow();
+        return true;
+    }
+
+private:
+    AppController& _controller;
+};
+
 } // namespace
 
 int WindowedProgram::run(char* programName, const Start& start)
@@ -196,6 +220,7 @@ int WindowedProgram::run(char* programName, const Start& start)
     // quit() would ask the windows first, and the progress sheet does not close.
     QObject::connect(&controller, &AppController::terminated, &application,
         [] { QCoreApplication::exit(EXIT_SUCCESS); });
+    const SessionEnd sessionEnd(controller);
     QSocketNotifier interrupted(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&interrupted, &QSocketNotifier::activated, &controller, [&] {
         if (signals.take())

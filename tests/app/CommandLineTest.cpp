@@ -25,9 +25,9 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         {{"--to=d", "--type", "rar", "a"}, Request::wrongUsage, "no such type: 'rar'"},
         {{"--to=d", "--password-stdin", "a"}, Request::wrongUsage,
             "only the type dmg takes a password"},
-        {{"--to=d", "--name=", "a"}, Request::wrongUsage, "'' is no name for a file"},
-        {{"--to=d", "--name=...zip", "a"}, Request::wrongUsage, "'..' is no name for a file"},
-        {{"--to=d", "--name=a/b", "a"}, Request::wrongUsage, "'a/b' is no name for a file"},
+        {{"--to=d", "--name=", "a"}, Request::wrongUsage, "'' cannot be the name of a file"},
+        {{"--to=d", "--name=...zip", "a"}, Request::wrongUsage, "'..' cannot be the name of a file"},
+        {{"--to=d", "--name=a/b", "a"}, Request::wrongUsage, "'a/b' cannot be the name of a file"},
         {{"--to=d", "--name", longName, "a"}, Request::archive, ""},
         {{"--to=d", "--name", longName + "n", "a"}, Request::wrongUsage, "the name is too long"},
     };

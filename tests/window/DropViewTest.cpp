@@ -19,6 +19,16 @@ TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
             endSheet("savePanel");
         EXPECT_TRUE(box().files().empty()) << "a cancelled panel clears the box";
     }
+    // Beside the box: the whole window takes files.
+    for (const auto& [bytes, isTaken] :
+        {std::pair("http://example.org/a", false), {"file:///a", true}}) {
+        QMimeData data;
+        data.setData(uriList, bytes);
+        QDragEnterEvent enter({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(find<QWidget>("destinationLabel"), &enter);
+        EXPECT_EQ(enter.isAccepted(), isTaken) << bytes;
+        EXPECT_EQ(box().animate(), isTaken) << bytes;
+    }
     // Chosen, while a request of another origin began.
     find<QAction>("chooseFiles")->trigger();
     (void)waitForSheet("chooseFilesPanel");

@@ -58,7 +58,12 @@ protected:
     AppController& controller() { return *_controller; }
     QKWindow& window() { return _interface->window(); }
     DropView& box() { return *find<DropView>("saveDropView"); }
-    std::string textOf(const char* label) { return find<QLabel>(label)->text().toStdString(); }
+    std::string textOf(const char* label)
+    {
+        const auto* text = find<QWidget>(label);
+        const QVariant plain = text->property("plainText"); // of a text that can be longer
+        return (plain.isValid() ? plain : text->property("text")).toString().toStdString();
+    }
     // The part of the window, or of a sheet on it, with this name.
     template <typename Part> Part* find(const char* objectName)
     {

@@ -49,10 +49,20 @@ TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
     for (const char* action : {"chooseFiles", "paste", "showPreference"})
         EXPECT_FALSE(find<QAction>(action)->isEnabled()) << action;
     (void)waitForSheet("ProgressWindow");
+    readMessages();
+    for (const Qt::Key key : {Qt::Key_W, Qt::Key_Q}) {
+        type(Qt::CTRL | key);
+        EXPECT_EQ(std::exchange(told, {}).size(), 1) << key;
+    }
+    drop({source / "two.txt"});
+    EXPECT_EQ(textOf("waitingLabel"), "Next: two.txt");
     store("SelectedDestination", DestinationTagEmail); // by another program of ours, say
     EXPECT_TRUE(waitFor([&] { return textOf("statusTF") == "Completed"; }));
     EXPECT_EQ(find<QProgressBar>("progress")->text(), QStringLiteral("100%"));
     waitForTheEnd();
+    store("SelectedDestination", DestinationTagSameAsSource);
+    endSheet("savePanel"); // what was dropped meanwhile
+    EXPECT_TRUE(find<QLabel>("waitingLabel")->isHidden());
     const Path archive = source / "New.v2.zip";
     EXPECT_EQ(support::inspectZip(archive).names(), (Texts{"folder/", "folder/text", "one.txt"}))
         << "without what only a file manager needs";
@@ -60,6 +70,13 @@ TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
     EXPECT_EQ(workspace.revealed, std::vector<Path>{archive});
     QTest::qWait(1000); // it would quit 0.8 s after the sheet has gone
     EXPECT_FALSE(hasQuit) << "no documents were opened with its icon";
+
+    drop({source / "folder"});
+    endSheet("savePanel", Qt::Key_Return);
+    answer = Qt::Key_Space; // on the button that stops and quits
+    find<QAction>("terminate")->trigger();
+    EXPECT_TRUE(waitFor([&] { return hasQuit; }));
+    EXPECT_FALSE(fs::exists(source / "folder.zip"));
 }
 
 TEST_F(Request, takesANameAsItStandsAndTellsAtOnceWhatComesOfIt)
@@ -162,6 +179,15 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     EXPECT_TRUE(waitFor([&] { return hasAsked && !sheet(); }));
     EXPECT_EQ(box().files().size(), 1U) << "what was dropped stays";
 
+    readMessages();
+    answerWith("5\" disk"); // which the script cannot hold
+    drop({source / "three.txt"});
+    EXPECT_TRUE(waitFor([&] { return !told.empty(); }));
+    EXPECT_TRUE(told.front().starts_with("The message could not be made|")) << told.front();
+    EXPECT_EQ(workspace.revealed, std::vector<Path>{controller().tmpFolder() / "5\" disk.zip"});
+    waitForTheEnd();
+    fs::remove(workspace.revealed.front());
+
     answerWith("Week 12");
     drop({source / "two.txt"});
     (void)waitForSheet("ProgressWindow");
@@ -171,7 +197,6 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
 
     const Path downloads = qEnvironmentVariable("HOME").toStdString() + "/Downloads";
     support::writeFile(downloads / "Week 12.zip", "an older file");
-    readMessages();
     controller().terminate(nullptr); // which asks first
     EXPECT_FALSE(hasQuit);
     EXPECT_TRUE(fs::exists(archive));

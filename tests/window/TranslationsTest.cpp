@@ -1,6 +1,7 @@
 #include "app/window/Translations.h"
 
 #include "app/window/Manual.h"
+#include "platform/desktop/updates/UpdateSheet.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
@@ -62,6 +63,12 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
         EXPECT_NE(textOf("previewLabel").substr(0, 5), "TYPE_");
         for (const char* action : {"showPreference", "showAbout"})
             find<QAction>(action)->trigger();
+        const UpdateSheet update({.version = "2",
+                                     .hostVersion = "1",
+                                     .whatIsNew = {},
+                                     .notesPage = QUrl("http://a/"),
+                                     .page = QUrl("http://b/")},
+            &window());
         EXPECT_EQ(find<QDialog>("Preference")->windowTitle(), QString(title));
 
         expectManualOf(window());
@@ -92,6 +99,13 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
                     << form->objectName().toStdString() << part->objectName().toStdString();
             }
         }
+        for (const std::initializer_list<const char*>& question :
+            {std::initializer_list<const char*>{"&Keep Going", "&Stop and Quit"},
+                {"&Keep and Quit", "&Quit Anyway"}, {"&Copy List"}})
+            for (const char* text : question)
+                letters.append(*question.begin()
+                    + QKeySequence::mnemonic(QCoreApplication::translate("AppController", text))
+                          .toString());
         EXPECT_GE(letters.size(), 40);
         EXPECT_EQ(letters.removeDuplicates(), 0) << letters.join(", ").toStdString();
         EXPECT_GT(controls, 20);

@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>&amp;Kommentar schreiben</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Die Parcelo-Entwickler
+Freie Software unter der MIT-Lizenz</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>Verwendet %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Vielen Dank!</translation>
         <translation>Nicht alles kann archiviert werden</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>Die Nachricht ist vielleicht noch nicht gesendet</translation>
     </message>
@@ -293,6 +297,36 @@ Vielen Dank!</translation>
     <message>
         <source>The archive could not be made</source>
         <translation>Das Archiv konnte nicht erstellt werden</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Es wird gerade ein Archiv erstellt</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>Wenn Sie jetzt beenden, wird es nicht erstellt. Ihre Dateien bleiben, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>&amp;Weitermachen</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>&amp;Abbrechen und beenden</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>Danach: %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>oder mit der Leertaste auswählen, mit Strg+V einfügen</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
+%1</translation>
     </message>
     <message>
         <source>Same as source: %1</source>
@@ -516,12 +550,12 @@ Vielen Dank!</translation>
         <translation>„%1“ konnte nicht geschrieben werden</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>„%1“ ist kein Name für ein Archiv</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>das Archiv würde „%1“ ersetzen, das selbst hineinsoll</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>„%1“ kann nicht der Name eines Archivs sein</translation>
     </message>
     <message>
         <source>no file of this computer</source>
@@ -651,10 +685,6 @@ Vielen Dank!</translation>
         <translation>&amp;Minimieren</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>&amp;Zoomen</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>Parcelo-&amp;Hilfe</translation>
     </message>
@@ -689,6 +719,10 @@ Vielen Dank!</translation>
     <message>
         <source>&amp;About Parcelo</source>
         <translation>Ü&amp;ber Parcelo</translation>
+    </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>Ma&amp;ximieren</translation>
     </message>
     <message>
         <source>&amp;Choose Files and Folders…</source>

@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>Escribir un &amp;comentario</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Los desarrolladores de Parcelo
+Software libre con licencia MIT</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>Utiliza %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Thank you!</source>
         <translation>No se puede archivar todo</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>Estos elementos no son archivos de este equipo y se omitirán:
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>Es posible que el mensaje aún no se haya enviado</translation>
     </message>
@@ -293,6 +297,36 @@ Thank you!</source>
     <message>
         <source>The archive could not be made</source>
         <translation>No se ha podido crear el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Se está creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>Si sale ahora, no se creará. Sus archivos se quedan como están.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>&amp;Continuar</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>&amp;Detener y salir</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>Después: %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>o Espacio para elegir, Ctrl+V para pegar</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>Estos elementos no son archivos de este equipo y se omitirán:
+%1</translation>
     </message>
     <message>
         <source>Same as source: %1</source>
@@ -516,12 +550,12 @@ Thank you!</source>
         <translation>No se puede escribir en «%1»</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>«%1» no es un nombre posible</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>el archivo comprimido sustituiría a «%1», que debe ir en él</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>«%1» no puede ser el nombre de un archivo comprimido</translation>
     </message>
     <message>
         <source>no file of this computer</source>
@@ -651,10 +685,6 @@ Thank you!</source>
         <translation>&amp;Minimizar</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>&amp;Zoom</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>&amp;Ayuda de Parcelo</translation>
     </message>
@@ -689,6 +719,10 @@ Thank you!</source>
     <message>
         <source>&amp;About Parcelo</source>
         <translation>Acerca &amp;de Parcelo</translation>
+    </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>Ma&amp;ximizar</translation>
     </message>
     <message>
         <source>&amp;Choose Files and Folders…</source>
@@ -921,7 +955,7 @@ Thank you!</source>
     </message>
     <message>
         <source>&amp;What Is New</source>
-        <translation>&amp;Novedades</translation>
+        <translation>Nove&amp;dades</translation>
     </message>
 </context>
 <context>

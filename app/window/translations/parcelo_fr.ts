@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>Écrire un &amp;commentaire</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Les développeurs de Parcelo
+Logiciel libre sous licence MIT</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>Utilise %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Merci !</translation>
         <translation>Tout ne peut pas être archivé</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>Ces éléments ne sont pas des fichiers de cet ordinateur et seront laissés de côté :
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>Le message n’est peut-être pas encore envoyé</translation>
     </message>
@@ -293,6 +297,36 @@ Merci !</translation>
     <message>
         <source>The archive could not be made</source>
         <translation>L’archive n’a pas pu être créée</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Une archive est en cours de création</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>Si vous quittez maintenant, elle ne sera pas créée. Vos fichiers restent tels quels.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>&amp;Continuer</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>&amp;Arrêter et quitter</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>Ensuite : %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>ou Espace pour choisir, Ctrl+V pour coller</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>Ces éléments ne sont pas des fichiers de cet ordinateur et seront laissés de côté :
+%1</translation>
     </message>
     <message>
         <source>Same as source: %1</source>
@@ -516,12 +550,12 @@ Merci !</translation>
         <translation>Impossible d’écrire « %1 »</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>« %1 » n’est pas un nom possible</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>l’archive remplacerait « %1 », qui doit en faire partie</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>« %1 » ne peut pas être le nom d’une archive</translation>
     </message>
     <message>
         <source>no file of this computer</source>
@@ -651,10 +685,6 @@ Merci !</translation>
         <translation>&amp;Réduire</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>&amp;Zoom</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>&amp;Aide de Parcelo</translation>
     </message>
@@ -689,6 +719,10 @@ Merci !</translation>
     <message>
         <source>&amp;About Parcelo</source>
         <translation>À &amp;propos de Parcelo</translation>
+    </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>&amp;Agrandir</translation>
     </message>
     <message>
         <source>&amp;Choose Files and Folders…</source>

@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>コメントを書く(&amp;C)</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Parcelo の開発者
+MIT ライセンスのフリーソフトウェア</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>使用ライブラリ: %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Thank you!</source>
         <translation>アーカイブできない項目があります</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>メッセージはまだ送信されていない可能性があります</translation>
     </message>
@@ -293,6 +297,36 @@ Thank you!</source>
     <message>
         <source>The archive could not be made</source>
         <translation>アーカイブを作成できませんでした</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>アーカイブを作成しています</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>今終了すると、アーカイブは作成されません。元のファイルは変わりません。</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>続ける(&amp;K)</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>中止して終了(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>次: %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>または Space で選択、Ctrl+V で貼り付け</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
+%1</translation>
     </message>
     <message>
         <source>Same as source: %1</source>
@@ -516,12 +550,12 @@ Thank you!</source>
         <translation>「%1」に書き込めません</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>「%1」という名前は付けられません</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>アーカイブする項目「%1」自体を置き換えてしまいます</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>「%1」という名前は付けられません</translation>
     </message>
     <message>
         <source>no file of this computer</source>
@@ -651,10 +685,6 @@ Thank you!</source>
         <translation>最小化(&amp;M)</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>ズーム(&amp;Z)</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>Parceloヘルプ(&amp;H)</translation>
     </message>
@@ -689,6 +719,10 @@ Thank you!</source>
     <message>
         <source>&amp;About Parcelo</source>
         <translation>Parceloについて(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>最大化(&amp;X)</translation>
     </message>
     <message>
         <source>&amp;Choose Files and Folders…</source>
