@@ -45,7 +45,7 @@ TEST_F(Request, laterStartsHandOverTheirFilesAndEachBecomesARequest)
     }
     saveAndWait(parcelo);
     saveAndWait(parcelo);
-    (void)support::run({PARCELO_PROGRAM, "trash:///x"}, {.environment = environment()});
+    (void)support::run({PARCELO_PROGRAM, "trash:///x"}, options());
     press(parcelo, "There are no such files", {"Return"});
     EXPECT_EQ(support::inspectZip(source / "one.zip").names(), Strings{"one.txt"});
     EXPECT_EQ(support::inspectZip(source / "caf\xef\xbf\xbd.zip").names(), Strings{"caf\xe9.txt"});
