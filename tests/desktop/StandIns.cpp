@@ -1,5 +1,6 @@
 #include "tests/desktop/StandIns.h"
 
+#include "system/FileDescriptor.h"
 #include "tests/support/PrivateBus.h"
 
 #include <QDBusArgument>
@@ -9,6 +10,12 @@
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
+#include <QSocketNotifier>
+
+#include <array>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 using standins::Answer;
 
@@ -20,7 +27,8 @@ class BusForAllTests : public ::testing::Environment
     void SetUp() override
     {
         static const PrivateBus bus; // to the end of the process
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+        for (const char* variable : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+            ::setenv(variable, bus.address().c_str(), 1);
     }
 };
 
@@ -33,8 +41,12 @@ std::string textOf(const QVariant& value)
     if (value.userType() == qMetaTypeId<QDBusUnixFileDescriptor>())
         return fs::read_symlink("/proc/self/fd/"
             + std::to_string(value.value<QDBusUnixFileDescriptor>().fileDescriptor()));
+    if (value.userType() == QMetaType::UChar)
+        return std::to_string(value.toInt());
     if (value.userType() != qMetaTypeId<QDBusArgument>())
-        return value.toStringList().join(u' ').toStdString();
+        return (value.userType() == QMetaType::QStringList ? value.toStringList().join(u' ')
+                                                           : value.toString())
+            .toStdString();
     std::string text;
     if (value.value<QDBusArgument>().currentSignature() == u"ah")
         for (const auto& file : qdbus_cast<Descriptors>(value))
@@ -75,10 +87,35 @@ public:
         _programs.note(call);
         if (_answer == Answer::error)
             return _bus.send(message.createErrorReply(QDBusError::Failed, "by the test"));
-        return _answer == Answer::yes ? _bus.send(message.createReply()) : _answerAsPortal(message);
+        if (_answer == Answer::yes || message.member() == u"Close")
+            return _bus.send(message.createReply(_valueOf(message.member())));
+        return _answerAsPortal(message);
     }
 
 private:
+    // What its method gives, of those that give anything.
+    QVariantList _valueOf(const QString& method)
+    {
+        if (method == u"GetCapabilities")
+            return {QStringList{"actions", "body", "body-markup"}};
+        if (method == u"Notify")
+            return {7U};
+        if (method != u"Inhibit")
+            return {};
+        if (_bus.name() != u"org.freedesktop.login1")
+            return {5U};
+        std::array<int, 2> ends{}; // of a pipe, whose end is that of what is inhibited
+        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        const FileDescriptor held(ends[1]);
+        auto* letGo = new QSocketNotifier(ends[0], QSocketNotifier::Read, this);
+        QObject::connect(letGo, &QSocketNotifier::activated, this, [this, letGo](int end) {
+            _programs.note("let go");
+            letGo->setEnabled(false);
+            ::close(end);
+        });
+        return {QVariant::fromValue(QDBusUnixFileDescriptor(held.number()))};
+    }
+
     bool _answerAsPortal(const QDBusMessage& message)
     {
         const auto options = qdbus_cast<QVariantMap>(message.arguments().constLast());
