@@ -173,6 +173,7 @@ TEST(Notification, thatNobodyShowsOrThatIsClosedAtOnceIsGone)
 
 TEST(LauncherEntry, showsProgressAndHidesIt)
 {
+    const Programs programs; // and a bus
     Listener listener;
     QDBusConnection::sessionBus().connect(QString(), QString(), "com.canonical.Unity.LauncherEntry",
         "Update", &listener, SLOT(update(QString, QVariantMap)));
