@@ -616,6 +616,126 @@ Vielen Dank!</translation>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Ver&amp;borgene Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>Aus&amp;wählen</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Dateien und Ordner auswählen</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Dateien und Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Ordner:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Pfad:</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>Unter diesem Pfad gibt es nichts.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 Objekte ausgewählt</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>Dieser Ordner kann nicht gelesen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Geändert</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Schreibtisch</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Anderer …</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Ein Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>Das Archiv konnte nicht erstellt werden</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>Das Archiv ist fertig</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Nicht alles ist im Archiv</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Parcelo öffnen</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Anzeigen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -956,126 +1076,6 @@ Vielen Dank!</translation>
     <message>
         <source>&amp;What Is New</source>
         <translation>&amp;Was ist neu</translation>
-    </message>
-</context>
-<context>
-    <name>JobNotice</name>
-    <message>
-        <source>An archive is being made</source>
-        <translation>Ein Archiv wird erstellt</translation>
-    </message>
-    <message>
-        <source>Making an archive</source>
-        <translation>Archiv wird erstellt</translation>
-    </message>
-    <message>
-        <source>%1: %2%</source>
-        <translation>%1: %2 %</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
-    </message>
-    <message>
-        <source>The archive could not be made</source>
-        <translation>Das Archiv konnte nicht erstellt werden</translation>
-    </message>
-    <message>
-        <source>The archive is made</source>
-        <translation>Das Archiv ist fertig</translation>
-    </message>
-    <message>
-        <source>Not everything is in the archive</source>
-        <translation>Nicht alles ist im Archiv</translation>
-    </message>
-    <message>
-        <source>Open Parcelo</source>
-        <translation>Parcelo öffnen</translation>
-    </message>
-    <message>
-        <source>Show</source>
-        <translation>Anzeigen</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>Öffnen</translation>
-    </message>
-</context>
-<context>
-    <name>FolderMenu</name>
-    <message>
-        <source>Home</source>
-        <translation>Persönlicher Ordner</translation>
-    </message>
-    <message>
-        <source>Desktop</source>
-        <translation>Schreibtisch</translation>
-    </message>
-    <message>
-        <source>Other…</source>
-        <translation>Anderer …</translation>
-    </message>
-    <message>
-        <source>Folders</source>
-        <translation>Ordner</translation>
-    </message>
-</context>
-<context>
-    <name>FileChooser</name>
-    <message>
-        <source>Show &amp;hidden files</source>
-        <translation>Ver&amp;borgene Dateien anzeigen</translation>
-    </message>
-    <message>
-        <source>&amp;Cancel</source>
-        <translation>&amp;Abbrechen</translation>
-    </message>
-    <message>
-        <source>Ch&amp;oose</source>
-        <translation>Aus&amp;wählen</translation>
-    </message>
-    <message>
-        <source>Choose Files and Folders</source>
-        <translation>Dateien und Ordner auswählen</translation>
-    </message>
-    <message>
-        <source>Files and folders</source>
-        <translation>Dateien und Ordner</translation>
-    </message>
-    <message>
-        <source>&amp;Folder:</source>
-        <translation>&amp;Ordner:</translation>
-    </message>
-    <message>
-        <source>&amp;Path:</source>
-        <translation>&amp;Pfad:</translation>
-    </message>
-    <message>
-        <source>There is nothing at this path.</source>
-        <translation>Unter diesem Pfad gibt es nichts.</translation>
-    </message>
-    <message>
-        <source>%1 items selected</source>
-        <translation>%1 Objekte ausgewählt</translation>
-    </message>
-    <message>
-        <source>This folder cannot be read.</source>
-        <translation>Dieser Ordner kann nicht gelesen werden.</translation>
-    </message>
-</context>
-<context>
-    <name>FileListView</name>
-    <message>
-        <source>Name</source>
-        <translation>Name</translation>
-    </message>
-    <message>
-        <source>Size</source>
-        <translation>Größe</translation>
-    </message>
-    <message>
-        <source>Modified</source>
-        <translation>Geändert</translation>
     </message>
 </context>
 </TS>

@@ -616,6 +616,126 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Mostrar archivos &amp;ocultos</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>&amp;Elegir</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Elegir archivos y carpetas</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Archivos y carpetas</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Carpeta:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Ruta:</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>No hay nada en esta ruta.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 elementos seleccionados</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>No se puede leer esta carpeta.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Tamaño</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Modificado</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Carpeta personal</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Escritorio</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Otra…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Carpetas</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Se está creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>No se ha podido crear el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>El archivo está listo</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>No todo está en el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Abrir Parcelo</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Mostrar</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Abrir</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -956,126 +1076,6 @@ Thank you!</source>
     <message>
         <source>&amp;What Is New</source>
         <translation>Nove&amp;dades</translation>
-    </message>
-</context>
-<context>
-    <name>JobNotice</name>
-    <message>
-        <source>An archive is being made</source>
-        <translation>Se está creando un archivo comprimido</translation>
-    </message>
-    <message>
-        <source>Making an archive</source>
-        <translation>Creando un archivo comprimido</translation>
-    </message>
-    <message>
-        <source>%1: %2%</source>
-        <translation>%1: %2 %</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Cancelar</translation>
-    </message>
-    <message>
-        <source>The archive could not be made</source>
-        <translation>No se ha podido crear el archivo comprimido</translation>
-    </message>
-    <message>
-        <source>The archive is made</source>
-        <translation>El archivo está listo</translation>
-    </message>
-    <message>
-        <source>Not everything is in the archive</source>
-        <translation>No todo está en el archivo comprimido</translation>
-    </message>
-    <message>
-        <source>Open Parcelo</source>
-        <translation>Abrir Parcelo</translation>
-    </message>
-    <message>
-        <source>Show</source>
-        <translation>Mostrar</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>Abrir</translation>
-    </message>
-</context>
-<context>
-    <name>FolderMenu</name>
-    <message>
-        <source>Home</source>
-        <translation>Carpeta personal</translation>
-    </message>
-    <message>
-        <source>Desktop</source>
-        <translation>Escritorio</translation>
-    </message>
-    <message>
-        <source>Other…</source>
-        <translation>Otra…</translation>
-    </message>
-    <message>
-        <source>Folders</source>
-        <translation>Carpetas</translation>
-    </message>
-</context>
-<context>
-    <name>FileChooser</name>
-    <message>
-        <source>Show &amp;hidden files</source>
-        <translation>Mostrar archivos &amp;ocultos</translation>
-    </message>
-    <message>
-        <source>&amp;Cancel</source>
-        <translation>Cance&amp;lar</translation>
-    </message>
-    <message>
-        <source>Ch&amp;oose</source>
-        <translation>&amp;Elegir</translation>
-    </message>
-    <message>
-        <source>Choose Files and Folders</source>
-        <translation>Elegir archivos y carpetas</translation>
-    </message>
-    <message>
-        <source>Files and folders</source>
-        <translation>Archivos y carpetas</translation>
-    </message>
-    <message>
-        <source>&amp;Folder:</source>
-        <translation>&amp;Carpeta:</translation>
-    </message>
-    <message>
-        <source>&amp;Path:</source>
-        <translation>&amp;Ruta:</translation>
-    </message>
-    <message>
-        <source>There is nothing at this path.</source>
-        <translation>No hay nada en esta ruta.</translation>
-    </message>
-    <message>
-        <source>%1 items selected</source>
-        <translation>%1 elementos seleccionados</translation>
-    </message>
-    <message>
-        <source>This folder cannot be read.</source>
-        <translation>No se puede leer esta carpeta.</translation>
-    </message>
-</context>
-<context>
-    <name>FileListView</name>
-    <message>
-        <source>Name</source>
-        <translation>Nombre</translation>
-    </message>
-    <message>
-        <source>Size</source>
-        <translation>Tamaño</translation>
-    </message>
-    <message>
-        <source>Modified</source>
-        <translation>Modificado</translation>
     </message>
 </context>
 </TS>

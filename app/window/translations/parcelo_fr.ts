@@ -616,6 +616,126 @@ Merci !</translation>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Afficher les fichiers &amp;masqués</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>C&amp;hoisir</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Choisir des fichiers et des dossiers</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Fichiers et dossiers</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier :</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Chemin :</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>Il n’y a rien à ce chemin.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 éléments sélectionnés</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>Ce dossier ne peut pas être lu.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Modifié</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Dossier personnel</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Bureau</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Autre…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Dossiers</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Création d’une archive en cours</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Création d’une archive</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1 : %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>L’archive n’a pas pu être créée</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>L’archive est prête</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Tout n’est pas dans l’archive</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Ouvrir Parcelo</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Afficher</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -956,126 +1076,6 @@ Merci !</translation>
     <message>
         <source>&amp;What Is New</source>
         <translation>&amp;Nouveautés</translation>
-    </message>
-</context>
-<context>
-    <name>JobNotice</name>
-    <message>
-        <source>An archive is being made</source>
-        <translation>Création d’une archive en cours</translation>
-    </message>
-    <message>
-        <source>Making an archive</source>
-        <translation>Création d’une archive</translation>
-    </message>
-    <message>
-        <source>%1: %2%</source>
-        <translation>%1 : %2 %</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Annuler</translation>
-    </message>
-    <message>
-        <source>The archive could not be made</source>
-        <translation>L’archive n’a pas pu être créée</translation>
-    </message>
-    <message>
-        <source>The archive is made</source>
-        <translation>L’archive est prête</translation>
-    </message>
-    <message>
-        <source>Not everything is in the archive</source>
-        <translation>Tout n’est pas dans l’archive</translation>
-    </message>
-    <message>
-        <source>Open Parcelo</source>
-        <translation>Ouvrir Parcelo</translation>
-    </message>
-    <message>
-        <source>Show</source>
-        <translation>Afficher</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>Ouvrir</translation>
-    </message>
-</context>
-<context>
-    <name>FolderMenu</name>
-    <message>
-        <source>Home</source>
-        <translation>Dossier personnel</translation>
-    </message>
-    <message>
-        <source>Desktop</source>
-        <translation>Bureau</translation>
-    </message>
-    <message>
-        <source>Other…</source>
-        <translation>Autre…</translation>
-    </message>
-    <message>
-        <source>Folders</source>
-        <translation>Dossiers</translation>
-    </message>
-</context>
-<context>
-    <name>FileChooser</name>
-    <message>
-        <source>Show &amp;hidden files</source>
-        <translation>Afficher les fichiers &amp;masqués</translation>
-    </message>
-    <message>
-        <source>&amp;Cancel</source>
-        <translation>&amp;Annuler</translation>
-    </message>
-    <message>
-        <source>Ch&amp;oose</source>
-        <translation>C&amp;hoisir</translation>
-    </message>
-    <message>
-        <source>Choose Files and Folders</source>
-        <translation>Choisir des fichiers et des dossiers</translation>
-    </message>
-    <message>
-        <source>Files and folders</source>
-        <translation>Fichiers et dossiers</translation>
-    </message>
-    <message>
-        <source>&amp;Folder:</source>
-        <translation>&amp;Dossier :</translation>
-    </message>
-    <message>
-        <source>&amp;Path:</source>
-        <translation>&amp;Chemin :</translation>
-    </message>
-    <message>
-        <source>There is nothing at this path.</source>
-        <translation>Il n’y a rien à ce chemin.</translation>
-    </message>
-    <message>
-        <source>%1 items selected</source>
-        <translation>%1 éléments sélectionnés</translation>
-    </message>
-    <message>
-        <source>This folder cannot be read.</source>
-        <translation>Ce dossier ne peut pas être lu.</translation>
-    </message>
-</context>
-<context>
-    <name>FileListView</name>
-    <message>
-        <source>Name</source>
-        <translation>Nom</translation>
-    </message>
-    <message>
-        <source>Size</source>
-        <translation>Taille</translation>
-    </message>
-    <message>
-        <source>Modified</source>
-        <translation>Modifié</translation>
     </message>
 </context>
 </TS>

@@ -616,6 +616,126 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>隠しファイルを表示(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>選択(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>ファイルとフォルダを選択</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>ファイルとフォルダ</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>フォルダ(&amp;F):</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>パス(&amp;P):</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>このパスには何もありません。</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1項目を選択</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>このフォルダを読み込めません。</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>サイズ</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>更新日時</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>ホーム</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>デスクトップ</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>その他…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>フォルダ</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>アーカイブを作成しています</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>アーカイブを作成中</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1：%2%</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>アーカイブを作成できませんでした</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>アーカイブを作成しました</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>アーカイブに入らなかったものがあります</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Parceloを開く</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>表示</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -956,126 +1076,6 @@ Thank you!</source>
     <message>
         <source>&amp;What Is New</source>
         <translation>新機能(&amp;W)</translation>
-    </message>
-</context>
-<context>
-    <name>JobNotice</name>
-    <message>
-        <source>An archive is being made</source>
-        <translation>アーカイブを作成しています</translation>
-    </message>
-    <message>
-        <source>Making an archive</source>
-        <translation>アーカイブを作成中</translation>
-    </message>
-    <message>
-        <source>%1: %2%</source>
-        <translation>%1：%2%</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>キャンセル</translation>
-    </message>
-    <message>
-        <source>The archive could not be made</source>
-        <translation>アーカイブを作成できませんでした</translation>
-    </message>
-    <message>
-        <source>The archive is made</source>
-        <translation>アーカイブを作成しました</translation>
-    </message>
-    <message>
-        <source>Not everything is in the archive</source>
-        <translation>アーカイブに入らなかったものがあります</translation>
-    </message>
-    <message>
-        <source>Open Parcelo</source>
-        <translation>Parceloを開く</translation>
-    </message>
-    <message>
-        <source>Show</source>
-        <translation>表示</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>開く</translation>
-    </message>
-</context>
-<context>
-    <name>FolderMenu</name>
-    <message>
-        <source>Home</source>
-        <translation>ホーム</translation>
-    </message>
-    <message>
-        <source>Desktop</source>
-        <translation>デスクトップ</translation>
-    </message>
-    <message>
-        <source>Other…</source>
-        <translation>その他…</translation>
-    </message>
-    <message>
-        <source>Folders</source>
-        <translation>フォルダ</translation>
-    </message>
-</context>
-<context>
-    <name>FileChooser</name>
-    <message>
-        <source>Show &amp;hidden files</source>
-        <translation>隠しファイルを表示(&amp;H)</translation>
-    </message>
-    <message>
-        <source>&amp;Cancel</source>
-        <translation>キャンセル(&amp;C)</translation>
-    </message>
-    <message>
-        <source>Ch&amp;oose</source>
-        <translation>選択(&amp;O)</translation>
-    </message>
-    <message>
-        <source>Choose Files and Folders</source>
-        <translation>ファイルとフォルダを選択</translation>
-    </message>
-    <message>
-        <source>Files and folders</source>
-        <translation>ファイルとフォルダ</translation>
-    </message>
-    <message>
-        <source>&amp;Folder:</source>
-        <translation>フォルダ(&amp;F):</translation>
-    </message>
-    <message>
-        <source>&amp;Path:</source>
-        <translation>パス(&amp;P):</translation>
-    </message>
-    <message>
-        <source>There is nothing at this path.</source>
-        <translation>このパスには何もありません。</translation>
-    </message>
-    <message>
-        <source>%1 items selected</source>
-        <translation>%1項目を選択</translation>
-    </message>
-    <message>
-        <source>This folder cannot be read.</source>
-        <translation>このフォルダを読み込めません。</translation>
-    </message>
-</context>
-<context>
-    <name>FileListView</name>
-    <message>
-        <source>Name</source>
-        <translation>名前</translation>
-    </message>
-    <message>
-        <source>Size</source>
-        <translation>サイズ</translation>
-    </message>
-    <message>
-        <source>Modified</source>
-        <translation>更新日時</translation>
     </message>
 </context>
 </TS>
