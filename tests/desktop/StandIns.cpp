@@ -145,3 +145,24 @@ std::unique_ptr<QObject> standins::serve(
 {
     return answer == Answer::none ? nullptr : std::make_unique<Service>(name, answer, programs);
 }
+
+void standins::signal(const char* name, const QVariantList& arguments)
+{
+    auto told = QDBusMessage::createSignal(
+        "/org/freedesktop/Notifications", "org.freedesktop.Notifications", name);
+    told.setArguments(arguments);
+    EXPECT_TRUE(QDBusConnection::sessionBus().send(told));
+}
+
+standins::Listener::Listener()
+{
+    QDBusConnection::sessionBus().connect({}, {}, "com.canonical.Unity.LauncherEntry", "Update",
+        this, SLOT(_update(QString, QVariantMap)));
+}
+
+void standins::Listener::_update(const QString& program, const QVariantMap& state)
+{
+    const bool isVisible = state["progress-visible"].toBool();
+    heard += program.toStdString() + " "
+        + (isVisible ? state["progress"].toString().toStdString() : "hidden") + "\n";
+}
