@@ -1,5 +1,6 @@
 // How files come to the box besides a drop: opened with the program's icon, chosen, or pasted.
 
+#include "app/job/StandardReport.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
 #include "platform/base/seams/AlertPanel.h"
@@ -14,7 +15,6 @@
 #include <QLocale>
 #include <QMimeData>
 
-#include <iostream>
 #include <utility>
 
 namespace
@@ -115,7 +115,7 @@ void AppController::_forgetWaiting()
 {
     for (const Documents& documents : std::exchange(_waiting, {}))
         for (const Path& file : documents.files)
-            std::cerr << "parcelo: '" << file.native() << "' was still waiting: no archive of it\n";
+            StandardReport::complain("'" + file.native() + "' was still waiting: no archive of it");
 }
 
 bool AppController::applicationOpenFile(const Path& path)

@@ -36,6 +36,7 @@ void JobAttention::begin()
     _isUnderWay = true;
     _time.start();
     _untilHeldOff.start(_thresholds.untilHeldOff);
+    _launcherEntry.showProgress(0); // the bar may still show the job before
 }
 
 void JobAttention::end(const ArchiveJob::Result& result, JobNotice::Leads leads)

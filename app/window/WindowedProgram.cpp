@@ -1,6 +1,7 @@
 #include "app/window/WindowedProgram.h"
 
 #include "app/job/DocumentPath.h"
+#include "app/job/StandardReport.h"
 #include "app/window/AppController.h"
 #include "app/window/MainInterface.h"
 #include "app/window/Translations.h"
@@ -128,7 +129,7 @@ void Requests::take(const ApplicationService::Request& request)
         _controller.showPreference(nullptr);
     else if (request.action == chooseAction)
         _controller.chooseFiles(nullptr);
-    else if (request.action == emailAction && request.files.empty())
+    else if (request.action == emailAction && request.files.empty() && request.refused.empty())
         _controller.chooseFilesForEmail();
 }
 
@@ -142,7 +143,7 @@ void Requests::_open(const ApplicationService::Request& request)
             documents.files.push_back(file);
             continue;
         }
-        std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
+        StandardReport::complain("'" + file.native() + "': " + missing.message());
         unusable.append(PathText::textOf(file));
     }
     if (!documents.files.empty())

@@ -406,6 +406,72 @@ TEST_F(Program, anInterruptEndsTheWaitForAPassword)
     EXPECT_EQ(made(), Lines{});
 }
 
+class Here : public Program
+{
+protected:
+    void SetUp() override
+    {
+        if (!fs::exists(PARCELO_WINDOW_PROGRAM))
+            GTEST_SKIP() << "the window is not built";
+    }
+    Lines here(const Lines& files) const
+    {
+        return joined(
+            command({"--here"}, {"HOME=/", "XDG_CONFIG_HOME=" + folder.path().native()}), files);
+    }
+};
+
+TEST_F(Here, itIsMadeWithoutAQuestionWhereTheSettingsSayAndReplacesNothing)
+{
+    const std::string in = (folder / "in/").native();
+    const std::string out = (folder / "out/").native();
+    const std::string chosen = "Destinations=/, " + out + "\nSelectedDestination=3";
+    const std::string none = "'none': No such file or directory\n";
+    const std::string remote = "'sftp://h/x': no file of this computer\n";
+    writeFile(folder / "in/two.ZIP", "");
+    // A line of the settings, the files, the archive, what is complained of, and its names.
+    const std::tuple<std::string, Lines, std::string, std::string, Lines> cases[] = {
+        {"", {"one.txt"}, in + "one.zip", "", {"one.txt"}},
+        {"", {in + "one.txt", "two.txt"}, in + "Untitled.zip", "", {"one.txt", "two.txt"}},
+        {"SelectedDestination=1", {"one.txt"}, in + "one 2.zip", "", {"one.txt"}},
+        {"ArchiveType=0", {"one.txt"}, in + "one.tar.gz", "", {}},
+        {"KeepExtensionForDefaultName=true", {"two.ZIP"}, in + "two.zip", "", {"two.ZIP"}},
+        {"KeepExtensionForDefaultName=true", {"two.zip"}, in + "two 2.zip", "", {"two.zip"}},
+        {chosen, {"file://" + in + "on%65.txt", "none", "sftp://h/x"}, out + "one.zip",
+            none + remote, {"one.txt"}},
+        {chosen, {"none"}, "", none + "'none' cannot be read (No such file or directory)\n", {}},
+        {"Destinations=/none, /\nSelectedDestination=2", {"one.txt"}, "",
+            "Unable to write to '/none/one.zip': that folder cannot be used (No such file or "
+            "directory)\n",
+            {}},
+    };
+    for (const auto& [settings, files, archive, complaints, names] : cases) {
+        writeFile(folder / "parcelo/parcelo.conf", "[General]\n" + settings + "\n");
+        const RunResult result = run(here(files), options());
+        EXPECT_EQ(result.out, archive.empty() ? "" : archive + "\n");
+        EXPECT_EQ(std::regex_replace(result.err, std::regex("parcelo: "), ""),
+            archive.empty() ? complaints + "no archive was made\n" : complaints);
+        EXPECT_EQ(result.status, complaints.empty() ? 0 : 1);
+        EXPECT_EQ(names.empty() ? names : inspectZip(archive).names(), names);
+    }
+    EXPECT_EQ(scratch(), Lines{});
+}
+
+TEST_F(Here, whoeverEndsItLeavesNothing)
+{
+    writeFile(folder / "in/large", "");
+    fs::resize_file(folder / "in/large", std::uintmax_t{40} << 30); // takes the tool many seconds
+    const Lines before = namesIn(folder / "in");
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        RunningProgram running(here({"large"}), options());
+        ASSERT_TRUE(waitUntil([&] { return namesIn(folder / "in") != before; }));
+        running.signal(signal);
+        EXPECT_EQ(running.wait().status, signal == SIGTERM ? 130 : 128 + SIGKILL);
+        EXPECT_TRUE(waitUntil([&] { return namesIn(folder / "in") == before; }));
+        EXPECT_TRUE(waitUntil([&] { return scratch().empty(); }));
+    }
+}
+
 TEST_F(Program, drawsOneLineThatNeverWraps)
 {
     makes("", "for i in 1 2 3 4; do echo \"  adding: $i\"; sleep 0.06; done");

@@ -13,6 +13,7 @@
 #include <sys/un.h>
 
 using standins::Programs;
+using standins::signal;
 using enum standins::Answer;
 
 namespace
@@ -33,29 +34,6 @@ bool waitForCalls(const Programs& programs, const std::string& calls)
                5000)
         || (ADD_FAILURE() << got, false);
 }
-
-void signal(const char* name, const QVariantList& arguments)
-{
-    auto told = QDBusMessage::createSignal(
-        "/org/freedesktop/Notifications", "org.freedesktop.Notifications", name);
-    told.setArguments(arguments);
-    EXPECT_TRUE(QDBusConnection::sessionBus().send(told));
-}
-
-// Of launcher entries: the program and its progress, a line for each signal.
-class Listener : public QObject
-{
-    Q_OBJECT
-
-public:
-    std::string heard;
-    Q_SLOT void update(const QString& program, const QVariantMap& state)
-    {
-        const bool isVisible = state["progress-visible"].toBool();
-        heard += program.toStdString() + " "
-            + (isVisible ? state["progress"].toString().toStdString() : "hidden") + "\n";
-    }
-};
 
 } // namespace
 
@@ -174,9 +152,7 @@ TEST(Notification, thatNobodyShowsOrThatIsClosedAtOnceIsGone)
 TEST(LauncherEntry, showsProgressAndHidesIt)
 {
     const Programs programs; // and a bus
-    Listener listener;
-    QDBusConnection::sessionBus().connect(QString(), QString(), "com.canonical.Unity.LauncherEntry",
-        "Update", &listener, SLOT(update(QString, QVariantMap)));
+    const standins::Listener listener;
     LauncherEntry entry;
     entry.hideProgress();
     entry.showProgress(0.25);
@@ -189,5 +165,3 @@ TEST(LauncherEntry, showsProgressAndHidesIt)
     EXPECT_TRUE(QTest::qWaitFor([&] { return listener.heard.ends_with(program + "hidden\n"); }))
         << listener.heard;
 }
-
-#include "NoticesTest.moc"

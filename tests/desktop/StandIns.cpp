@@ -138,3 +138,24 @@ std::string standins::sessionBus()
     static const PrivateBus bus; // to the end of the process
     return bus.address();
 }
+
+void standins::signal(const char* name, const QVariantList& arguments)
+{
+    auto told = QDBusMessage::createSignal(
+        "/org/freedesktop/Notifications", "org.freedesktop.Notifications", name);
+    told.setArguments(arguments);
+    EXPECT_TRUE(QDBusConnection::sessionBus().send(told));
+}
+
+standins::Listener::Listener()
+{
+    QDBusConnection::sessionBus().connect({}, {}, "com.canonical.Unity.LauncherEntry", "Update",
+        this, SLOT(_update(QString, QVariantMap)));
+}
+
+void standins::Listener::_update(const QString& program, const QVariantMap& state)
+{
+    const bool isVisible = state["progress-visible"].toBool();
+    heard += program.toStdString() + " "
+        + (isVisible ? state["progress"].toString().toStdString() : "hidden") + "\n";
+}

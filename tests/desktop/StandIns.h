@@ -56,4 +56,20 @@ enum class Answer { done, cancelled, failed, doneBefore, goneAfterwards, yes, er
 // are, a file handed over as the path that it has in /proc.
 std::unique_ptr<QObject> serve(const QString& name, Answer answer, const Programs& programs);
 
+// A signal of the notification service.
+void signal(const char* name, const QVariantList& arguments);
+
+// Hears of the progress of launcher entries: the program and how far it is, a line each.
+class Listener : public QObject
+{
+    Q_OBJECT
+
+public:
+    Listener();
+    std::string heard;
+
+private:
+    Q_SLOT void _update(const QString& program, const QVariantMap& state);
+};
+
 } // namespace standins

@@ -188,8 +188,10 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     waitForTheEnd();
     fs::remove(workspace.revealed.front());
 
+    store("SelectedDestination", DestinationTagSameAsSource);
+    controller().chooseFilesForEmail();
+    endSheet("chooseFilesPanel", Qt::Key_Return, QString::fromStdString(source / "two.txt"));
     answerWith("Week 12");
-    drop({source / "two.txt"});
     (void)waitForSheet("ProgressWindow");
     waitForTheEnd();
     EXPECT_EQ(composer.mailed, std::vector<Path>{archive});
@@ -205,6 +207,22 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     EXPECT_TRUE(hasQuit);
     EXPECT_EQ(support::readFile(downloads / "Week 12.zip"), "an older file");
     EXPECT_EQ(support::inspectZip(downloads / "Week 12 2.zip").names(), Texts{"two.txt"});
+}
+
+TEST_F(Request, filesThatWaitAreNotForgottenWithoutAQuestion)
+{
+    start();
+    drop({source / "one.txt"});
+    (void)waitForSheet("savePanel");
+    for (const char* later : {"two.txt", "three.txt"})
+        controller().openDocuments({.files = {source / later}});
+    controller().terminate(nullptr); // the answer is no
+    EXPECT_FALSE(hasQuit);
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_TRUE(told.front().ends_with(":\ntwo.txt\nthree.txt"));
+    AlertPanel::setPresenter([](const auto&) { return int{AlertPanel::answerOther}; });
+    controller().terminate(nullptr);
+    EXPECT_TRUE(hasQuit);
 }
 
 TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
