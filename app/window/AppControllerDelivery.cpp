@@ -2,6 +2,7 @@
 
 #include "app/window/AppController.h"
 #include "app/window/JobAttention.h"
+#include "app/window/ProgressSheet.h"
 #include "app/window/ResultText.h"
 #include "platform/base/files/FileMove.h"
 #include "platform/desktop/panels/Sheets.h"

@@ -59,6 +59,8 @@ TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
     store("SelectedDestination", DestinationTagEmail); // by another program of ours, say
     EXPECT_TRUE(waitFor([&] { return textOf("statusTF") == "Completed"; }));
     EXPECT_EQ(find<QProgressBar>("progress")->text(), QStringLiteral("100%"));
+    EXPECT_TRUE(textOf("sizeTF").starts_with("100 kB of 100 kB")) << textOf("sizeTF");
+    EXPECT_FALSE(sheet()->findChild<QPushButton*>("cancelButton")->isEnabled());
     waitForTheEnd();
     store("SelectedDestination", DestinationTagSameAsSource);
     endSheet("savePanel"); // what was dropped meanwhile

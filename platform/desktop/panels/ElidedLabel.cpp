@@ -1,10 +1,13 @@
 #include "platform/desktop/panels/ElidedLabel.h"
 
+#include <QStyle>
 #include <QStylePainter>
 
-QSize ElidedLabel::minimumSizeHint() const
+ElidedLabel::ElidedLabel(QWidget* parent)
+    : QLabel(parent)
 {
-    return {0, QLabel::minimumSizeHint().height()};
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/)
@@ -12,6 +15,8 @@ void ElidedLabel::paintEvent(QPaintEvent* /*event*/)
     const QRect place = contentsRect();
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, place.width());
     setToolTip(shown == text() ? QString() : text());
+    const auto placed = QStyle::visualAlignment(layoutDirection(), alignment());
     QStylePainter painter(this);
-    painter.drawItemText(place, int(alignment()), palette(), isEnabled(), shown, foregroundRole());
+    painter.drawItemText(
+        place, static_cast<int>(placed), palette(), isEnabled(), shown, foregroundRole());
 }

@@ -1,5 +1,6 @@
-// One line of text that is cut in the middle where it does not fit; the whole is its tooltip then,
-// and what a screen reader reads.
+// One line of plain text that is never wider than its place: what does not fit loses its middle, and
+// the whole is the tooltip, and what a screen reader reads. It asks for no width of its own, and for
+// its height also without a text, so that nothing moves when the text changes.
 #pragma once
 
 #include <QLabel>
@@ -9,9 +10,10 @@ class ElidedLabel : public QLabel
     Q_OBJECT
 
 public:
-    using QLabel::QLabel;
+    explicit ElidedLabel(QWidget* parent = nullptr);
 
-    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] QSize sizeHint() const override { return {0, fontMetrics().height()}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
