@@ -43,6 +43,10 @@ void AboutController::_loadWindow()
     about.librariesLabel->setText(about.librariesLabel->text().arg(
         QStringLiteral("Qt %1 (LGPL 3), libplist (LGPL 2.1), libdeflate (MIT)")
             .arg(QLatin1String(qVersion()))));
+    about.creditsView->setAccessibleName(about.creditsView->toPlainText());
+    _window->setAccessibleDescription(QStringList{
+        about.creditsView->toPlainText(), about.licenceLabel->text(), about.librariesLabel->text()}
+                                          .join(QLatin1Char('\n')));
     about.iconLabel->setPixmap(QApplication::windowIcon().pixmap(iconSize));
     connect(about.sendMail, &QPushButton::clicked, this, [this] { sendMail(sender()); });
     connect(about.visitWebsite, &QPushButton::clicked, this, [this] { visitWebsite(sender()); });

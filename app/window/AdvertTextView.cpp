@@ -64,6 +64,7 @@ void AdvertTextView::setProductName(const std::optional<QString>& name,
     _directory = directory;
     _behindTheLink = QLatin1String(" - ") + blurp.value_or(missingObject);
     _build(_behindTheLink);
+    setAccessibleDescription(toPlainText()); // all of it, also where it is cut
     _fit();
 }
 

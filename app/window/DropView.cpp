@@ -152,7 +152,7 @@ void DropView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(event->rect(), _animate ? hbgColor() : bgColor());
+    painter.fillRect(event->rect(), _isHighlighted() ? hbgColor() : bgColor());
     _drawTexts(painter);
     if (_animate) {
         _phase += phaseStep;
@@ -170,7 +170,7 @@ DropView::Caption DropView::dropHereString() const
 {
     QFont font(QStringLiteral("Helvetica"));
     font.setPixelSize(captionSize);
-    return {text(), font, _animate ? hfgColor() : fgColor()};
+    return {text(), font, _isHighlighted() ? hfgColor() : fgColor()};
 }
 
 void DropView::_drawTexts(QPainter& painter) const
@@ -190,7 +190,7 @@ void DropView::_drawTexts(QPainter& painter) const
     QFont hintFont = font();
     hintFont.setPixelSize(std::min(QFontInfo(hintFont).pixelSize(), largestHint));
     painter.setFont(hintFont);
-    painter.setPen(_animate ? caption.color : hintColor);
+    painter.setPen(_isHighlighted() ? caption.color : hintColor);
     constexpr int wrapped = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
     if (place.contains(painter.boundingRect(place, wrapped, _hint))) // else the box is too small
         painter.drawText(place, wrapped, _hint);
@@ -211,7 +211,7 @@ void DropView::drawDashedBoxWithPhase(QPainter& painter, float phase) const
 {
     const QRectF box
         = QRectF(rect()).adjusted(outlineInset, outlineInset, -outlineInset, -outlineInset);
-    QPen pen(_animate ? hfgColor() : fgColor(), lineWidth);
+    QPen pen(_isHighlighted() ? hfgColor() : fgColor(), lineWidth);
     pen.setCapStyle(Qt::FlatCap);
     // Qt counts dashes in line widths.
     pen.setDashPattern({dashLength / lineWidth, gapLength / lineWidth});

@@ -1,8 +1,8 @@
 // The box onto which files are dragged. It shows a drag that hovers by inverted greys and a
-// marching outline, holds the list of dropped files for the rest of the program, and a moment after
-// a drop asks the controller to start processing. Pressing it stands for choosing files. While it
-// is shut, which is when it does not accept drops, it hands on what is dropped beside it
-// (DropArea). Main thread only.
+// marching outline, a press by the greys alone, holds the list of dropped files for the rest of the
+// program, and a moment after a drop asks the controller to start processing. Pressing it stands
+// for choosing files. While it is shut, which is when it does not accept drops, it hands on what is
+// dropped beside it (DropArea). Main thread only.
 #pragma once
 
 #include <QAbstractButton>
@@ -95,6 +95,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    [[nodiscard]] bool _isHighlighted() const { return _animate || isDown(); }
     void _drawTexts(QPainter& painter) const;
     void _drawFocus(QPainter& painter) const;
 

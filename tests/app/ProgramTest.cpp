@@ -1,6 +1,7 @@
 // The whole program, installed in a folder of the test's own with stand-ins for its tools.
 
 #include "tests/support/Test.h"
+#include "tests/support/ZipInspector.h"
 
 namespace
 {
