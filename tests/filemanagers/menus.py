@@ -82,6 +82,8 @@ class Session:
         subprocess.run(
             ["cmake", f"-DCMAKE_INSTALL_PREFIX={self._home}/.local", "-DCMAKE_INSTALL_COMPONENT=window",
              "-P", install_script], check=True, stdout=subprocess.DEVNULL)
+        for menu in self._home.glob(".local/share/kio/servicemenus/*"):
+            menu.chmod(0o755)  # or Dolphin does not trust what is in a home
         for name in [name for name in os.environ if name.startswith(("XDG_", "DBUS_", "QT_", "GTK_"))]:
             del os.environ[name]
         os.environ.update(
@@ -89,7 +91,7 @@ class Session:
             PATH=f"{folder}:{os.environ['PATH']}", GTK_MODULES="gail:atk-bridge",
             GSETTINGS_BACKEND="memory", GVFS_DISABLE_FUSE="1")
         os.environ["DISPLAY"] = ":" + self._first_line(
-            "Xvfb", "-displayfd", "1", "-screen", "0", "1100x800x24", "-noreset", "-nolisten", "tcp")
+            "Xvfb", "-displayfd", "1", "-screen", "0", "1100x1000x24", "-noreset", "-nolisten", "tcp")
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._first_line(
             "dbus-daemon", "--session", "--nofork", "--print-address=1")
         self.start("openbox")

@@ -126,6 +126,7 @@ TEST_F(Attention, whoUsesAnotherProgramIsToldOfTheWindowsLongJobs)
 
 TEST_F(Program, theIconShowsTheProgressOfAJobWhileItLasts)
 {
+    const EnvironmentVariable bus("DBUS_SESSION_BUS_ADDRESS", standins::sessionBus());
     const standins::Listener listener;
     support::writeFile(folder / "in/a", "");
     start();
