@@ -24,7 +24,7 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
         drop({Path("/a")});
         (void)waitForSheet("savePanel");
         EXPECT_NE(textOf("previewLabel").substr(0, 5), "TYPE_");
-        for (const char* action : {"showPreference", "showAbout"})
+        for (const char* action : {"chooseFiles", "showPreference", "showAbout"})
             find<QAction>(action)->trigger();
         EXPECT_EQ(find<QDialog>("Preference")->windowTitle(), QString(title));
 
