@@ -1,5 +1,6 @@
 // What is tried, one after another, to show a file and to send one by mail.
 
+#include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/services/DefaultApplication.h"
 #include "platform/desktop/services/MailComposer.h"
 #include "platform/desktop/services/ProgramLauncher.h"
@@ -133,6 +134,30 @@ TEST(MailComposer, attachesByTheFirstMeansThatWorks)
     };
     for (const Case& each : cases)
         expect(each, mail, "x-scheme-handler/mailto");
+}
+
+TEST(OpenPanel, letsTheDesktopChooseAFolderElseQt)
+{
+    const Programs programs;
+    for (const auto answer : {done, cancelled, none}) {
+        const auto portal = standins::serve("org.freedesktop.portal.Desktop", answer, programs);
+        QDialog sheet;
+        bool isQts = false;
+        std::optional<std::vector<fs::path>> chosen;
+        OpenPanel::beginForFolder(&sheet, "/tmp", [&](const auto& paths) { chosen = paths; });
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            if (auto* panel = sheet.findChild<QDialog*>("chooseFolderPanel")) {
+                isQts = true;
+                panel->reject();
+            }
+            return chosen.has_value();
+        }));
+        EXPECT_EQ(isQts, answer == none);
+        // What it names is no folder: a portal older than the option.
+        const std::vector<fs::path> expected{"/no/caf\xe9"};
+        EXPECT_EQ(*chosen, answer == done ? expected : std::vector<fs::path>());
+    }
+    EXPECT_NE(programs.calls().find("directory="), std::string::npos);
 }
 
 TEST(Workspace, opensAddresses)

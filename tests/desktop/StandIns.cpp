@@ -111,7 +111,8 @@ private:
             + message.service().mid(1).replace(u'.', u'_') + u'/'
             + options["handle_token"].toString();
         auto told = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
-        told << (_answer <= Answer::failed ? static_cast<uint>(_answer) : 0U) << QVariantMap();
+        told << (_answer <= Answer::failed ? static_cast<uint>(_answer) : 0U)
+             << QVariantMap{{"uris", QStringList{"file:///no/caf%E9/file"}}};
         if (_answer == Answer::doneBefore)
             _bus.send(told);
         _bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(path))));

@@ -61,7 +61,7 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
         drop({Path("/a")});
         (void)waitForSheet("savePanel");
         EXPECT_NE(textOf("previewLabel").substr(0, 5), "TYPE_");
-        for (const char* action : {"showPreference", "showAbout"})
+        for (const char* action : {"chooseFiles", "showPreference", "showAbout"})
             find<QAction>(action)->trigger();
         const UpdateSheet update({.version = "2",
                                      .hostVersion = "1",

@@ -5,11 +5,12 @@
 
 #include <QCollator>
 #include <QDateTime>
+#include <QFileIconProvider>
 #include <QHeaderView>
-#include <QIcon>
 #include <QLocale>
 
-#include <algorithm>
+#include <tuple>
+#include <utility>
 
 namespace
 {
@@ -20,7 +21,7 @@ enum Column { nameColumn, sizeColumn, timeColumn, numberOfColumns };
 class Entry : public QTreeWidgetItem
 {
 public:
-    Entry(std::filesystem::path path, const QFileIconProvider& icons)
+    Entry(std::filesystem::path path, const FileListView::Icons& icons)
         : _path(std::move(path))
         , _name(PathText::textOf(_path.filename()))
     {
@@ -28,8 +29,7 @@ public:
             ::lstat(_path.c_str(), &_status); // a link to nowhere
         if (isFolder())
             setChildIndicatorPolicy(ShowIndicator);
-        setIcon(nameColumn,
-            icons.icon(isFolder() ? QFileIconProvider::Folder : QFileIconProvider::File));
+        setIcon(nameColumn, isFolder() ? icons.folder : icons.file);
     }
 
     [[nodiscard]] const std::filesystem::path& path() const { return _path; }
@@ -97,6 +97,8 @@ bool hasSelectedParent(const QTreeWidgetItem* item)
 
 FileListView::FileListView(QWidget* parent)
     : QTreeWidget(parent)
+    , _icons{QFileIconProvider().icon(QFileIconProvider::Folder),
+          QFileIconProvider().icon(QFileIconProvider::File)}
 {
     setColumnCount(numberOfColumns);
     setHeaderLabels({tr("Name"), tr("Size"), tr("Modified")});

@@ -3,7 +3,7 @@
 // folder. Nothing follows later changes. Main thread only.
 #pragma once
 
-#include <QFileIconProvider>
+#include <QIcon>
 #include <QTreeWidget>
 
 #include <filesystem>
@@ -15,6 +15,10 @@ class FileListView : public QTreeWidget
 
 public:
     using Path = std::filesystem::path;
+    struct Icons {
+        QIcon folder;
+        QIcon file;
+    };
 
     explicit FileListView(QWidget* parent = nullptr);
 
@@ -32,6 +36,6 @@ public:
 private:
     void _list(const Path& folder, QTreeWidgetItem* parent, std::error_code& failure);
 
-    const QFileIconProvider _icons;
+    const Icons _icons;
     bool _showsHiddenFiles = false;
 };

@@ -89,7 +89,9 @@ void OpenPanel::beginForFolder(
             if (outcome == PortalRequest::Outcome::failed)
                 beginForFolderWithQt(window, startingIn, completionHandler);
             else
-                completionHandler(chosenFolder(results));
+                completionHandler(outcome == PortalRequest::Outcome::done
+                        ? chosenFolder(results)
+                        : std::vector<std::filesystem::path>());
         });
     if (auto* sheet = qobject_cast<QDialog*>(window))
         QObject::connect(sheet, &QDialog::finished, request, &PortalRequest::close);
