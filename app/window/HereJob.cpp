@@ -171,6 +171,7 @@ void HereJob::_end(ArchiveJob::Result result)
     _untilShown.stop();
     _inhibitor.release();
     _launcherEntry.hideProgress();
+    _letGo();
     const int status = StandardReport::tell(result, _isStopped);
     const bool isComplete = _leftOut.count() == 0;
     result.isWhole = result.isWhole && isComplete;
@@ -184,6 +185,16 @@ void HereJob::_end(ArchiveJob::Result result)
         QTimer::singleShot(lifeOfNotice, this, &HereJob::_finish);
     else
         _finish();
+}
+
+// Nothing of the disk is held as long as the notification stands.
+void HereJob::_letGo()
+{
+    if (_worker.valid())
+        _worker.wait();
+    _job.reset();
+    _engine.reset();
+    _workingFolder.reset();
 }
 
 // What the notification was asked for last may still be under way.

@@ -60,6 +60,7 @@ private:
     void _abandonUntilEnded();
     void _showProgress();
     void _end(ArchiveJob::Result result);
+    void _letGo();
     void _finish();
 
     std::vector<Path> _items;

@@ -14,6 +14,7 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         {{"--email", "--", "a"}, Request::window, ""},
         {{"--email", "--to=d", "a"}, Request::wrongUsage,
             "the option --email goes with files alone"},
+        {{"--here", "--"}, Request::wrongUsage, "there is no FILE"},
         {{"--quiet", "a"}, Request::wrongUsage, "there is no --to FOLDER"},
         {{"--to", "d"}, Request::wrongUsage, "there is no FILE"},
         {{"--to"}, Request::wrongUsage, "the option --to needs a value"},

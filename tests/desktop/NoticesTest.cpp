@@ -6,6 +6,7 @@
 #include "tests/desktop/StandIns.h"
 
 #include <QElapsedTimer>
+#include <QSignalSpy>
 
 #include <regex>
 
@@ -130,22 +131,27 @@ TEST(Notification, isReplacedInPlaceAndHeard)
     EXPECT_TRUE(QTest::qWaitFor([&] { return heard == "gone;"; }));
 }
 
-TEST(Notification, thatNobodyShowsOrThatIsClosedAtOnceIsGone)
+TEST(Notification, isGoneWhenItIsClosedAndWhenThereIsNobodyToShowItAnyMore)
 {
-    for (const auto answer : {none, yes}) {
+    enum class End { neverShown, closed, serviceEnds };
+    for (const End end : {End::neverShown, End::closed, End::serviceEnds}) {
         const Programs programs;
-        const auto service = standins::serve("org.freedesktop.Notifications", answer, programs);
+        auto service = standins::serve(
+            "org.freedesktop.Notifications", end == End::neverShown ? none : yes, programs);
         Notification notification;
-        bool isGone = false;
-        QObject::connect(&notification, &Notification::gone, &notification, [&] { isGone = true; });
+        QSignalSpy gone(&notification, &Notification::gone);
         notification.show({.title = "a"});
         EXPECT_TRUE(QTest::qWaitFor([&] {
-            return answer == none || programs.calls().find(".Notify") != std::string::npos;
+            return end == End::neverShown || programs.calls().find(".Notify") != std::string::npos;
         }));
-        notification.close();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return isGone && !notification.isShown(); }));
-        EXPECT_EQ(
-            programs.calls().ends_with(notifications + ".CloseNotification <7>\n"), answer == yes);
+        if (end == End::closed)
+            notification.close(); // before the answer came
+        else
+            service.reset();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return gone.count() == 1; }));
+        EXPECT_FALSE(notification.isShown());
+        EXPECT_EQ(programs.calls().ends_with(notifications + ".CloseNotification <7>\n"),
+            end == End::closed);
     }
 }
 

@@ -67,17 +67,21 @@ TEST_F(Attention, withoutAWindowANotificationShowsTheProgressAndCancels)
 TEST_F(Attention, withoutAWindowTheNotificationLeadsToTheArchiveUntilItIsGone)
 {
     support::writeFile(folder / "in/a", "");
+    const std::filesystem::path scratch = folder / "tmp";
+    std::filesystem::create_directory(scratch);
+    const support::EnvironmentVariable temporary("TMPDIR", scratch);
     HereJob job({folder / "in/a", "none"}, {.untilShown = 1h, .untilHeldOff = 1h});
     QSignalSpy finished(&job, &HereJob::finished);
     job.start();
     const std::filesystem::path archive = folder / "in/a.zip";
     EXPECT_TRUE(waitForCall("<Not everything is in the archive> <" + archive.native()
         + "\nnone: No such file or directory> <default Show show Show open Open>"));
-    EXPECT_TRUE(press("show", [&] { return !workspace.revealed.empty(); }));
+    ASSERT_TRUE(press("show", [&] { return !workspace.revealed.empty(); }));
     EXPECT_EQ(workspace.revealed.front(), archive);
-    EXPECT_TRUE(press("open", [&] { return !workspace.opened.empty(); }));
+    ASSERT_TRUE(press("open", [&] { return !workspace.opened.empty(); }));
     EXPECT_EQ(workspace.opened.front(), archive);
     EXPECT_EQ(finished.count(), 0);
+    EXPECT_EQ(support::namesIn(scratch), std::vector<std::string>{}) << "is held meanwhile";
     standins::signal("NotificationClosed", {7U, 2U});
     EXPECT_TRUE(QTest::qWaitFor([&] { return finished.count() == 1; }));
 }

@@ -81,6 +81,7 @@ void EarlyExit::leave(int status)
     const FileDescriptor nothing(::open("/dev/null", O_RDWR | O_CLOEXEC));
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         ::dup2(nothing.number(), stream);
+    (void)::chdir("/");
     const auto byte = static_cast<unsigned char>(status);
     (void)retryOnInterrupt([&] { return ::write(_report.number(), &byte, 1); });
     _report.close();

@@ -13,8 +13,9 @@ public:
     // is told by SIGTERM. To be called while there is one thread. Throws std::system_error.
     EarlyExit();
 
-    // The process that was started ends with that status. What this one still writes to its
-    // standard streams goes nowhere: their readers wait for its end. Once.
+    // The process that was started ends with that status. This one is in nobody's way from then on:
+    // what it writes to its standard streams, whose readers wait for the end, goes nowhere, and it
+    // leaves its folder, which may be on a disk that somebody wants to take out. Once.
     void leave(int status);
 
 private:

@@ -7,6 +7,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QVariantMap>
 
 #include <array>
@@ -125,6 +126,14 @@ void Notification::_listen()
         std::pair{QStringLiteral("NotificationClosed"), SLOT(_takeClosed(uint, uint))}};
     for (const auto& [signal, slot] : slotsOfSignals)
         bus.connect(QString(), objectPath, service, signal, this, slot);
+    // With the bus, or with the service, go the notifications.
+    const QString local = QStringLiteral("org.freedesktop.DBus.Local");
+    bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"), local,
+        QStringLiteral("Disconnected"), this, SLOT(_takeEndOfService()));
+    auto* watcher
+        = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(
+        watcher, &QDBusServiceWatcher::serviceUnregistered, this, &Notification::_takeEndOfService);
 }
 
 QDBusMessage Notification::_notify(const Content& content) const
@@ -158,6 +167,11 @@ void Notification::_takeToken(uint id, const QString& token)
 {
     if (id == _shownId)
         _token = token.toUtf8();
+}
+
+void Notification::_takeEndOfService()
+{
+    _takeClosed(_shownId, {});
 }
 
 void Notification::_takeClosed(uint id, uint /*reason*/)

@@ -51,6 +51,7 @@ private:
     Q_SLOT void _takeAction(uint id, const QString& action);
     Q_SLOT void _takeToken(uint id, const QString& token);
     Q_SLOT void _takeClosed(uint id, uint reason);
+    Q_SLOT void _takeEndOfService();
 
     void _sendNext();
     void _takeCapabilities(const QDBusPendingCall& answer);
