@@ -15,6 +15,7 @@
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QWindow>
 
 class Program : public ::testing::Test
 {
@@ -51,8 +52,7 @@ protected:
             _controller->applicationOpenFile(file);
         window().show();
         _controller->applicationDidFinishLaunching();
-        window().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        ASSERT_TRUE(waitForFocus());
     }
 
     AppController& controller() { return *_controller; }
@@ -80,10 +80,20 @@ protected:
         UserDefaults::standardUserDefaults().setObject(value, QLatin1String(key));
     }
 
-    void type(QKeyCombination keys) // into the main window
+    // Qt's own waiting has no patience where a window cannot activate itself, as on Wayland.
+    bool waitForFocus()
     {
         window().activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+        return waitFor([this] { return hasKeys(window()); });
+    }
+    static bool isOnWayland() { return QGuiApplication::platformName() == u"wayland"; }
+    static bool hasKeys(const QWidget& it)
+    {
+        return QApplication::activeWindow() == &it && it.windowHandle()->isExposed();
+    }
+    void type(QKeyCombination keys) // into the main window
+    {
+        EXPECT_TRUE(waitForFocus());
         QTest::keyClick(&window(), keys.key(), keys.keyboardModifiers());
     }
     bool drop(const QByteArray& bytes, const char* format = "text/uri-list")
@@ -129,7 +139,7 @@ protected:
     void whenSheetIsUp(const std::function<void()>& action)
     {
         QTimer::singleShot(5, &window(), [this, action] {
-            if (sheet() != nullptr && sheet()->isActiveWindow())
+            if (sheet() != nullptr && hasKeys(*sheet()))
                 action();
             else
                 whenSheetIsUp(action);

@@ -252,7 +252,7 @@ TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
     readMessages();
     for (const auto& [type, fault, said] : cases) {
         SCOPED_TRACE(testing::Message() << type << " " << fault);
-        support::writeFile(item, support::randomBytes(300'000, 1));
+        support::writeFile(item, support::randomBytes(4'000'000, 1));
         if (fault == cancelled)
             fs::resize_file(item, std::uintmax_t{40} << 30); // takes the tool many seconds
         const Path archive = source / (type == ArchiveTypeTarGz ? "item.tar.gz" : "item.zip");
@@ -266,7 +266,7 @@ TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
         if (fault == sourceGone)
             fs::remove(item);
         if (fault == noRoom)
-            limitFiles(100'000);
+            limitFiles(3'000'000); // what windows are drawn in may be files, too
         endSheet("savePanel", Qt::Key_Return);
         if (fault == cancelled) {
             QDialog* progress = waitForSheet("ProgressWindow");
