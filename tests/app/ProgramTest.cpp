@@ -236,38 +236,6 @@ TEST_F(Program, tellsWhatHappensAndReplacesAnOlderArchiveByAWholeOneOnly)
         }
 }
 
-// With the tool itself, on a folder that contains the folder for temporary files.
-TEST_F(Program, aMacZipHoldsWhatCouldBeStagedAndNamesTheRest)
-{
-    useTools();
-    makeFifo(folder / "in/pipe");
-    fs::rename(folder / "tmp", folder / "in/tmp");
-    fs::create_directory_symlink(folder / "in/tmp", folder / "tmp");
-    const bool hasAttributes = setxattr((folder / "in/one.txt").c_str(), "user.k", "v", 1, 0) == 0;
-    const RunResult result = parcelo(demo({"--type=mac-zip", "two.txt", "../in"}));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err,
-        "parcelo: '" + (folder / "in/../in/pipe").native()
-            + "' is left out: Operation not supported\n");
-    EXPECT_EQ(result.out, (folder / "out/Demo.zip").native() + "\n");
-    Lines names{"Demo/", "Demo/in/", "Demo/in/one.txt", "Demo/in/three.txt", "Demo/in/tmp/",
-        "Demo/in/tmp/plan", "Demo/in/two.txt", "Demo/two.txt"};
-    if (hasAttributes)
-        names.emplace_back("__MACOSX/Demo/in/._one.txt");
-    Lines listed = linesOf(run({"unzip", "-Z1", folder / "out/Demo.zip"}).out);
-    std::ranges::sort(listed);
-    EXPECT_EQ(listed, names);
-    EXPECT_EQ(scratch(), Lines{});
-
-    fs::remove(folder / "in/pipe");
-    const Lines again{"--to=../out", "--type=mac-zip", "."};
-    EXPECT_EQ(parcelo(again).status, 0);
-    const Lines full{"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"};
-    const Lines untraced{"ASAN_OPTIONS=detect_leaks=0"}; // which no tracer allows
-    EXPECT_TRUE(contains(run(joined(full, command(again, untraced)), options()).err,
-        "the disk of that folder is full"));
-}
-
 TEST_F(Program, aMacZipIsMadeOfLinksWhereItsItemsAre)
 {
     makes(R"(pwd >"$TMPDIR/where"; [ Demo/in/one.txt -ef ')" + (folder / "in/one.txt").native()
@@ -293,47 +261,57 @@ TEST_F(Program, aMacZipIsMadeOfLinksWhereItsItemsAre)
     }
 }
 
-// With the tools themselves and foreign readers.
-TEST_F(Program, nothingIsLostOfItemsOfOneName)
+// With the tools themselves and a foreign reader: items of one name, and one that contains the
+// destination and the working folder. Those that are a job's own are no files of the user's.
+TEST_F(Program, nothingIsLostAndNothingOfItsOwnIsAdded)
 {
     useTools();
-    writeFile(folder / "in/a/x.txt", "first");
-    writeFile(folder / "in/b/x.txt", "second");
-    writeFile(folder / "in/c/x 2.txt", "third");
-    writeFile(folder / "in/d/a/inside", "fourth");
-    const std::pair<const char*, Lines> cases[]
-        = {{"tar.gz", {"tar", "-xzf", "../out/Demo.tar.gz", "-C", "../read"}},
-            {"mac-zip", {"unzip", "-q", "../out/Demo.zip", "-d", "../read"}}};
-    for (const auto& [type, reader] : cases) {
-        SCOPED_TRACE(type);
-        fs::create_directory(folder / "read");
-        const RunResult result
-            = parcelo(demo({"--type", type, "a/x.txt", "b/x.txt", "c/x 2.txt", "a", "d/a"}));
-        EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.err.find("/b/x.txt' is kept as 'x 2.txt'"), std::string::npos);
-        EXPECT_EQ(run(reader, options()).status, 0);
-        EXPECT_EQ(run({"sh", "-c", "cd ../read/Demo; grep -r '' . | LC_ALL=C sort"}, options()).out,
-            "./a 2/inside:fourth\n./a/x.txt:first\n./x 2 2.txt:third\n./x 2.txt:second\n"
-            "./x.txt:first\n"); // and no links
-        EXPECT_EQ(scratch(), Lines{});
-        fs::remove_all(folder / "read");
+    std::set<std::string> expected{"./a 2/inside:d/a/inside", "./a/x.txt:a/x.txt",
+        "./x 2 2.txt:c/x 2.txt", "./x 2.txt:b/x.txt", "./x.txt:a/x.txt",
+        "./in/.org.parcelo.Parcelo-mine"};
+    for (const std::string file : {"a/x.txt", "b/x.txt", "c/x 2.txt", "d/a/inside", "one.txt",
+             "two.txt", "three.txt", ".org.parcelo.Parcelo-mine/x"}) {
+        writeFile(folder / "in" / file, file);
+        expected.insert("./in/" + file + ":" + file);
     }
-}
-
-// Neither the private folder nor what is in it is a file of the user's.
-TEST_F(Program, anItemMayContainTheDestination)
-{
-    useTools();
-    fs::create_directory(folder / "in/.org.parcelo.Parcelo-mine"); // of no job: a folder like any
-    for (const char* type : {"zip", "mac-zip", "tar.gz"}) {
-        ASSERT_EQ(parcelo({"--to=.", "--name=Demo", "--type", type, "../in"}).status, 0);
-        const fs::path archive
-            = folder / "in" / (std::string(type) == "tar.gz" ? "Demo.tar.gz" : "Demo.zip");
-        const RunResult listing = run({"bsdtar", "-tf", archive});
-        EXPECT_EQ(std::ranges::count(listing.out, '\n'), type[0] == 'z' ? 5 : 6) << listing.out;
-        EXPECT_NE(listing.out.find("in/.org.parcelo.Parcelo-mine/\n"), std::string::npos);
+    fs::remove_all(folder / "tmp");
+    fs::create_directory(folder / "in/tmp");
+    fs::create_directory_symlink("in/tmp", folder / "tmp");
+    const bool hasAttributes = setxattr((folder / "in/one.txt").c_str(), "user.k", "v", 1, 0) == 0;
+    const std::tuple<std::string, bool, std::string> cases[]
+        = {// A type, whether there is a pipe, and how a new name is told.
+            {"mac-zip", true, "/b/x.txt' is kept as 'x 2.txt'"},
+            {"mac-zip", false, "/b/x.txt' is kept as 'x 2.txt'"},
+            {"tar.gz", false, "/b/x.txt' is kept as 'x 2.txt'"},
+            {"zip", false, "stored as x 2.txt"}};
+    for (const auto& [type, hasPipe, told] : cases) {
+        SCOPED_TRACE(type);
+        if (hasPipe)
+            makeFifo(folder / "in/pipe");
+        const RunResult result = parcelo({"--to=.", "--name=Demo", "--type", type, "../in",
+            "a/x.txt", "b/x.txt", "c/x 2.txt", "a", "d/a"});
+        EXPECT_EQ(fs::remove(folder / "in/pipe"), result.status == 1);
+        EXPECT_EQ(contains(result.err, "pipe' is left out: Operation not supported\n"), hasPipe);
+        EXPECT_TRUE(contains(result.err, told)) << result.err;
+        const fs::path archive = linesOf(result.out).at(0);
+        const fs::path read = folder / "read";
+        fs::create_directory(read);
+        EXPECT_EQ(run({"bsdtar", "-xf", archive}, {.folder = read}).status, 0);
+        EXPECT_EQ(
+            fs::exists(read / "__MACOSX/Demo/in/._one.txt"), hasAttributes && type == "mac-zip");
+        const Lines found = linesOf(run({"sh", "-c", "grep -r '' .; find . -name '*org.parcelo*'"},
+            {.folder = type == "zip" ? read : read / "Demo"})
+                                        .out);
+        EXPECT_EQ(std::set(found.begin(), found.end()), expected);
+        EXPECT_EQ(scratch(), Lines{});
+        fs::remove_all(read);
         fs::remove(archive);
     }
+    const Lines full{"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"};
+    const Lines again = command({"--to=../out", "--type=mac-zip", "."},
+        {"ASAN_OPTIONS=detect_leaks=0"}); // which no tracer allows
+    EXPECT_TRUE(
+        contains(run(joined(full, again), options()).err, "the disk of that folder is full"));
 }
 
 TEST_F(Program, whatIsAskedForReachesTheTools)

@@ -47,14 +47,14 @@ ByteBuffer withOneMore(
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void Fuzzing::test(std::string_view input)
 {
-    const auto bytes = std::as_bytes(std::span(data, size));
+    const auto bytes = std::as_bytes(std::span(input));
     SpillBuffer records("/tmp"); // which an input of this size never takes
     const auto archive = read(bytes, records);
     if (!archive)
-        return 0;
-    require(archive->directory.offset + records.size() + archive->tail.size() == size,
+        return;
+    require(archive->directory.offset + records.size() + archive->tail.size() == input.size(),
         "members, directory and tail are all there is");
 
     SpillBuffer moreRecords("/tmp");
@@ -65,5 +65,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         "nothing is lost");
     require(added->topNames.starts_with(archive->topNames) && added->holds("added"),
         "the names stay, and one more is there");
-    return 0;
 }

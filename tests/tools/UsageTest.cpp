@@ -74,15 +74,6 @@ TEST_P(Usage, theBytesDependOnTheItemAlone)
         EXPECT_EQ(result.status, 0) << testing::PrintToString(environment) << result.err;
         EXPECT_TRUE(readFile(archive) == expected) << testing::PrintToString(environment);
     }
-    // The same tree made in another order: a folder's own order must not show.
-    fs::rename(folder / "in", folder / "first");
-    ASSERT_EQ(run({"sh", "-c", R"(mkdir -p in/item && for name in $(ls -r first/item); do
-        cp -p "first/item/$name" in/item/; done; touch -r first/item in/item)"},
-                  {.folder = folder.path()})
-                  .status,
-        0);
-    ASSERT_EQ(make().status, 0);
-    EXPECT_TRUE(readFile(archive) == expected) << "made in another order";
 }
 
 TEST_P(Usage, theArchiveIsAsOpenAsTheUserAllows)
