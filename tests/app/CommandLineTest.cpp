@@ -1,6 +1,5 @@
 #include "app/commandline/CommandLine.h"
 
-#include "app/job/ProposedName.h"
 #include "app/job/ToolMessages.h"
 #include "tests/support/Test.h"
 
@@ -36,32 +35,6 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         EXPECT_EQ(line.problem, problem);
         EXPECT_EQ(line.request, request) << testing::PrintToString(arguments);
     }
-}
-
-TEST(CommandLine, namesArchivesThatFitAFileName)
-{
-    std::string accents;
-    while (accents.size() < 254)
-        accents += "\u00e9";
-    const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
-        // The type, a name or the item /x/ITEM whose it is to be like, and what it is.
-        {"tar.gz", "Demo.tar.gz", "", "Demo"},
-        {"zip", ".zip", "", ".zip"},
-        {"zip", "", ".bashrc", ".bashrc"},
-        {"tar.gz", "", "a.tar.gz", "a.tar"},
-        {"zip", "", accents, accents.substr(0, 250)}, // 251 bytes would cut a letter in half
-        {"tar.gz", "", accents, accents.substr(0, 248)},
-        {"zip", "", std::string(255, '\x80'), std::string(251, '\x80')},
-    };
-    for (const auto& [type, name, item, expected] : cases) {
-        Lines arguments{"--to=d", "--type", type, "x"};
-        if (!name.empty())
-            arguments.push_back("--name=" + name);
-        const CommandLine line = CommandLine::parse(arguments);
-        EXPECT_EQ(
-            line.name.value_or(proposedName({"/x/" + item}, false, line.extension())), expected);
-    }
-    EXPECT_EQ(proposedName({"/"}, false, ".zip"), "Untitled");
 }
 
 TEST(ToolMessages, keepsTheWordsOfToolsAndTheirStatuses)

@@ -1,7 +1,6 @@
 // The whole program, installed in a folder of the test's own with stand-ins for its tools.
 
 #include "tests/support/Test.h"
-#include "tests/support/Tools.h"
 
 namespace
 {
@@ -82,7 +81,10 @@ protected:
 
 TEST_F(Program, printsThePathOfWhatItMade)
 {
-    const std::string own = folder.path().filename();
+    const std::string own = folder.path().filename(), bytes(255, '\x80');
+    std::string accents; // of two bytes each
+    while (accents.size() < 254)
+        accents += "\u00e9";
     const std::tuple<Lines, std::string, std::string> cases[] = {
         // What is asked for, the archive's name and its content.
         {{"one.txt"}, "one.zip", "./one.txt|"},
@@ -95,10 +97,20 @@ TEST_F(Program, printsThePathOfWhatItMade)
         {{"--type=tar.gz", "one.txt"}, "one.tar.gz", "one|"},
         {{"--name=\xff\xfe", "\xff.txt"}, "\xff\xfe.zip", "./\xff.txt|"},
         {{"--name=-x", "--", "--help"}, "-x.zip", "./--help|"},
+        {{"--type=tar.gz", "--name=Demo.tar.gz", "one.txt"}, "Demo.tar.gz", "Demo|"},
+        {{"--name=.zip", "one.txt"}, ".zip.zip", "./one.txt|"},
+        {{".bashrc"}, ".bashrc.zip", "./.bashrc|"},
+        {{"--type=tar.gz", "a.tar.gz"}, "a.tar.tar.gz", "a.tar|"},
+        // As much as fits; another byte would cut a letter in half.
+        {{accents}, accents.substr(0, 250) + ".zip", "./" + accents + "|"},
+        {{"--type=tar.gz", accents}, accents.substr(0, 248) + ".tar.gz",
+            accents.substr(0, 248) + "|"},
+        {{bytes}, bytes.substr(4) + ".zip", "./" + bytes + "|"},
     };
     fs::create_symlink("/none", folder / "in/link");
-    writeFile(folder / "in/\xff.txt", "");
-    writeFile(folder / "in/--help", "");
+    for (const std::string& name :
+        {"\xff.txt"s, "--help"s, ".bashrc"s, "a.tar.gz"s, accents, bytes})
+        writeFile(folder / "in" / name, "");
     for (const auto& [arguments, archive, content] : cases) {
         const RunResult result = parcelo(joined({"--to", "../out"}, arguments));
         EXPECT_EQ(result.status, 0);
@@ -278,12 +290,11 @@ TEST_F(Program, nothingIsLostAndNothingOfItsOwnIsAdded)
     fs::create_directory(folder / "in/tmp");
     fs::create_directory_symlink("in/tmp", folder / "tmp");
     const bool hasAttributes = setxattr((folder / "in/one.txt").c_str(), "user.k", "v", 1, 0) == 0;
-    const std::tuple<std::string, bool, std::string> cases[]
-        = {// A type, whether there is a pipe, and how a new name is told.
-            {"mac-zip", true, "/b/x.txt' is kept as 'x 2.txt'"},
-            {"mac-zip", false, "/b/x.txt' is kept as 'x 2.txt'"},
-            {"tar.gz", false, "/b/x.txt' is kept as 'x 2.txt'"},
-            {"zip", false, "stored as x 2.txt"}};
+    const std::tuple<std::string, bool, std::string> cases[] = {
+        // A type, whether there is a pipe, and how a new name is told.
+        {"mac-zip", true, "/b/x.txt' is kept as 'x 2.txt'"},
+        {"mac-zip", false, "/b/x.txt' is kept as 'x 2.txt'"},
+        {"tar.gz", false, "/b/x.txt' is kept as 'x 2.txt'"}, {"zip", false, "stored as x 2.txt"}};
     for (const auto& [type, hasPipe, told] : cases) {
         SCOPED_TRACE(type);
         if (hasPipe)

@@ -15,17 +15,6 @@ using standins::Answer;
 namespace
 {
 
-class BusForAllTests : public ::testing::Environment
-{
-    void SetUp() override
-    {
-        static const PrivateBus bus; // to the end of the process
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
-    }
-};
-
-const auto* const busForAllTests = ::testing::AddGlobalTestEnvironment(new BusForAllTests);
-
 using Descriptors = QList<QDBusUnixFileDescriptor>;
 
 std::string textOf(const QVariant& value)
@@ -106,4 +95,10 @@ std::unique_ptr<QObject> standins::serve(
     const QString& name, Answer answer, const Programs& programs)
 {
     return answer == Answer::none ? nullptr : std::make_unique<Service>(name, answer, programs);
+}
+
+std::string standins::sessionBus()
+{
+    static const PrivateBus bus; // to the end of the process
+    return bus.address();
 }

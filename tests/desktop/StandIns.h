@@ -13,6 +13,8 @@ inline bool waitForEndOf(const QObject& asked)
     return QTest::qWaitFor([&] { return asked.children().isEmpty(); }, 20000);
 }
 
+std::string sessionBus();
+
 // As long as it lives, PATH holds nothing but the programs added to it, and the locale is C.
 class Programs
 {
@@ -40,6 +42,7 @@ public:
 
 private:
     TestFolder _folder;
+    EnvironmentVariable _bus{"DBUS_SESSION_BUS_ADDRESS", sessionBus()}; // with the user's PATH
     EnvironmentVariable _path{"PATH", _folder.path()};
     EnvironmentVariable _locale{"LC_ALL", "C"};
 };

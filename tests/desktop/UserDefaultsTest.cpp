@@ -122,16 +122,12 @@ TEST(UserDefaultsProcess, DISABLED_writer)
 
 TEST_F(UserDefaultsTest, processesDoNotLoseEachOthersKeys)
 {
-    std::vector<std::unique_ptr<RunningProgram>> writers;
-    for (const std::string key : {"a", "b", "c"}) {
-        const RunOptions options{.environment
-            = {{"DEFAULTS_FILE=" + file.native(), "DEFAULTS_KEY=" + key, "PATH=/usr/bin:/bin"}}};
-        const std::vector<std::string> writer{"/proc/self/exe", "--gtest_also_run_disabled_tests",
-            "--gtest_filter=UserDefaultsProcess.DISABLED_writer"};
-        writers.push_back(std::make_unique<RunningProgram>(writer, options));
-    }
-    for (const auto& writer : writers)
-        EXPECT_EQ(writer->wait().status, 0) << writer->out() << writer->err();
+    const EnvironmentVariable theirs("DEFAULTS_FILE", file);
+    const RunResult writers = run({"sh", "-c", R"(for key in a b c; do
+        DEFAULTS_KEY=$key "$0" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_writer &
+        all="$all $!"; done; for one in $all; do wait $one || exit; done)",
+        fs::read_symlink("/proc/self/exe")});
+    EXPECT_EQ(writers.status, 0) << writers.out;
     for (const QString key : {"a", "b", "c"})
         for (int round = 0; round < 40; ++round)
             EXPECT_EQ(readAgain()->integerForKey(key + QString::number(round)), round);

@@ -7,7 +7,6 @@
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "tests/support/Test.h"
-#include "tests/support/Tools.h"
 
 class EngineTest : public testing::Test
 {

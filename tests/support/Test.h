@@ -18,6 +18,13 @@
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
+// Everything is to be tried, however long it takes, and not a sample of it.
+inline bool isFullSweep()
+{
+    const char* const value = std::getenv("PARCELO_ALL_TESTS");
+    return value != nullptr && *value == '1';
+}
+
 using namespace support;
 using namespace std::literals;
 namespace fs = std::filesystem;

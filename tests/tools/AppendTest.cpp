@@ -1,6 +1,6 @@
 // Adding to an archive that is already there, made by this program or another.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 namespace
 {

@@ -1,51 +1,25 @@
 // Trees and names that break archivers, put through the tools and brought back by other programs.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 namespace
 {
 
 // Options, lists, patterns, paths and commands to other programs; every reader can hold them all.
-const Names& oddNames()
+Names oddNames()
 {
-    static const Names names = [] {
-        Names all = {"-", "--", "-x", "-rf", "-T", "-@", "-C", "-9", "--help", "--delete",
-            "--checkpoint-action=exec=touch PWNED", "-I touch PWNED", "--add-file=neighbour",
-            "--files-from=neighbour", "--remove-files", "--exclude=*", "@neighbour", "@@", "!x",
-            "*", "?", "**", "[n]eighbour", "[a-z]*", "[", "[]", "[z-a]", "{neighbour,x}", "\\",
-            "a\\nb", "\\*", "trail\\", "..\\up", "C:\\x", "host:file", "~", "%s%n%d", "%41",
-            "new\nline", "\n\nerror: Interrupted", "\x1b[31mred\x1b[0m", "\x7f", "99%\r 100%",
-            "\u00e9", " ", " leading", "trailing ", "it's", "say \"hi\"", "$(touch PWNED)",
-            "`touch PWNED`", ";touch PWNED;x", "${HOME}", "a|b&c", "<in>", "#x", ".hidden", "...",
-            "..foo", "trailing.", "A", "a", "CON", "neighbour\n  adding: forged (stored 0%)",
-            std::string(255, 'n')};
-        for (char byte = 1; byte < 32; ++byte)
-            all.push_back(std::to_string(byte) + byte + ".txt");
-        return all;
-    }();
-    return names;
-}
-
-struct Scenario {
-    const char* name;
-    std::function<void(const fs::path& item)> make;
-    std::set<std::string> unfitReaders = {}; // they cannot hold such names themselves
-    Names skipped = {}; // what must be warned of and left out
-};
-
-std::function<void(const fs::path&)> files(const Names& names)
-{
-    return [names](const fs::path& item) {
-        for (const std::string& name : names)
-            writeFile(item / name, "content of " + name);
-    };
-}
-
-void makeLongAndDeepPaths(const fs::path& item)
-{
-    files({std::string(255, 'd') + "/" + std::string(255, 'e')})(item);
-    makeNestedFolders(item / "long", std::string(150, 'x'), 8);
-    makeNestedFolders(item / "deep", "d", 400);
+    Names all = {"-", "--", "-x", "-rf", "-T", "-@", "-C", "-9", "--help", "--delete",
+        "--checkpoint-action=exec=touch PWNED", "-I touch PWNED", "--add-file=neighbour",
+        "--files-from=neighbour", "--remove-files", "--exclude=*", "@neighbour", "@@", "!x", "*",
+        "?", "**", "[n]eighbour", "[a-z]*", "[", "[]", "[z-a]", "{neighbour,x}", "\\", "a\\nb",
+        "\\*", "trail\\", "..\\up", "C:\\x", "host:file", "~", "%s%n%d", "%41", "new\nline",
+        "\n\nerror: Interrupted", "\x1b[31mred\x1b[0m", "\x7f", "99%\r 100%", "\u00e9", " ",
+        " leading", "trailing ", "it's", "say \"hi\"", "$(touch PWNED)", "`touch PWNED`",
+        ";touch PWNED;x", "${HOME}", "a|b&c", "<in>", "#x", ".hidden", "...", "..foo", "trailing.",
+        "A", "a", "CON", "neighbour\n  adding: forged (stored 0%)", std::string(255, 'n')};
+    for (char byte = 1; byte < 32; ++byte)
+        all.push_back(std::to_string(byte) + byte + ".txt");
+    return all;
 }
 
 void makeModesAndTimes(const fs::path& item)
@@ -88,37 +62,6 @@ void makeOddContent(const fs::path& item)
     fs::create_hard_link(item / "one/file", item / "two");
 }
 
-void makePipesAndSockets(const fs::path& item)
-{
-    files({"a", "z"})(item);
-    makeFifo(item / "pipe");
-    ::mknod((item / "socket").c_str(), S_IFSOCK | 0644, 0);
-}
-
-const std::vector<Scenario>& scenarios()
-{
-    static const std::vector<Scenario> table = {
-        {"odd names", files(oddNames())},
-        {"invalid UTF-8",
-            files({"bad\xff", "latin1-caf\xe9", "trunc\xe2\x82", "overlong\xc0\xaf",
-                "surrogate\xed\xa0\x80", "mixed-\xc3\xa9-\xe9", "beyond\xf4\x90\x80\x80",
-                "c1-\x80\x9f", "dir\xfe/in\xfe"}),
-            {"unzip"}}, // drops the byte 0xff
-        {"Unicode",
-            files({"\u00e9", "e\u0301", "\U0001F600", "\u202egpj.exe", "\u65e5\u672c\u8a9e",
-                "\ufeffbom", "\u2028ls", "\u0085nel", "\U0010ffff", "\u30d5\u30a9/\u4e2d"}),
-            {"bsdtar"}}, // composes what is decomposed
-        {"paths", makeLongAndDeepPaths},
-        {"modes", makeModesAndTimes},
-        {"times", makeOddTimes, {"unzip", "bsdtar"}}, // they know none after 2038 in a zip
-        {"content", makeOddContent},
-        {"an empty folder", [](const fs::path& item) { fs::create_directory(item); }},
-        {"one file", [](const fs::path& item) { writeFile(item, someText(100'000)); }},
-        {"pipes and sockets", makePipesAndSockets, {}, {"item/pipe", "item/socket"}},
-    };
-    return table;
-}
-
 struct Corpus : EachTool {
 };
 INSTANTIATE_TEST_SUITE_P(Tools, Corpus, eachTool, itsParameter);
@@ -127,11 +70,51 @@ INSTANTIATE_TEST_SUITE_P(Tools, Corpus, eachTool, itsParameter);
 
 TEST_P(Corpus, comesBackWhole)
 {
-    for (const Scenario& scenario : scenarios()) {
+    const struct {
+        const char* name;
+        std::function<void()> make;
+        std::set<std::string> unfitReaders = {}; // they cannot hold such names themselves
+        Names skipped = {}; // what must be warned of and left out
+    } scenarios[] = {
+        {"odd names", [&] { write(oddNames()); }},
+        {"invalid UTF-8",
+            [&] {
+                write({"bad\xff", "latin1-caf\xe9", "trunc\xe2\x82", "overlong\xc0\xaf",
+                    "surrogate\xed\xa0\x80", "mixed-\xc3\xa9-\xe9", "beyond\xf4\x90\x80\x80",
+                    "c1-\x80\x9f", "dir\xfe/in\xfe"});
+            },
+            {"unzip"}}, // drops the byte 0xff
+        {"Unicode",
+            [&] {
+                write({"\u00e9", "e\u0301", "\U0001F600", "\u202egpj.exe", "\u65e5\u672c\u8a9e",
+                    "\ufeffbom", "\u2028ls", "\u0085nel", "\U0010ffff", "\u30d5\u30a9/\u4e2d"});
+            },
+            {"bsdtar"}}, // composes what is decomposed
+        {"paths",
+            [&] {
+                write({std::string(255, 'd') + "/" + std::string(255, 'e')});
+                makeNestedFolders(item / "long", std::string(150, 'x'), 8);
+                makeNestedFolders(item / "deep", "d", 400);
+            }},
+        {"modes", [&] { makeModesAndTimes(item); }},
+        {"times", [&] { makeOddTimes(item); },
+            {"unzip", "bsdtar"}}, // they know none after 2038 in a zip
+        {"content", [&] { makeOddContent(item); }},
+        {"an empty folder", [&] { fs::create_directory(item); }},
+        {"one file", [&] { writeFile(item, someText(100'000)); }},
+        {"pipes and sockets",
+            [&] {
+                write({"a", "z"});
+                makeFifo(item / "pipe");
+                ::mknod((item / "socket").c_str(), S_IFSOCK | 0644, 0);
+            },
+            {}, {"item/pipe", "item/socket"}},
+    };
+    for (const auto& scenario : scenarios) {
         SCOPED_TRACE(scenario.name);
         run({"rm", "-rf", item});
         fs::create_directory(item.parent_path());
-        scenario.make(item);
+        scenario.make();
         TreeSnapshot expected = tree();
         for (const std::string& name : scenario.skipped)
             expected.erase(name);

@@ -1,6 +1,6 @@
 // What only the resource-preserving tool does: extended attributes, and copies of trees.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // Failing calls, full disks, limits and signals: afterwards the archive is the old one or the new
 // one, whole, and nothing else is left behind.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

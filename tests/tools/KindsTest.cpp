@@ -1,6 +1,6 @@
 // Links, hard links, unreadable things, times: what is not simply a file with content.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 // The arguments a tool takes, and what it does not let itself be told by its surroundings.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 namespace
 {

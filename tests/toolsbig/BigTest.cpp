@@ -1,6 +1,6 @@
 // More entries and larger files than old fields can count, in bounded memory.
 
-#include "tests/tools/ToolTest.h"
+#include "tests/support/ToolTest.h"
 
 namespace
 {

@@ -1,13 +1,4 @@
-#include "tests/support/Tools.h"
-
-#include <algorithm>
-#include <cstdlib>
-#include <regex>
-
-namespace fs = std::filesystem;
-
-namespace support
-{
+#include "tests/support/ToolTest.h"
 
 const Tool& toolNamed(const std::string& name)
 {
@@ -55,10 +46,21 @@ Names warnedNames(const RunResult& result)
     return names;
 }
 
-bool isFullSweep()
+Names ToolTest::faults(const RunResult& result, const TreeSnapshot& expected,
+    const std::set<std::string>& exceptReaders) const
 {
-    const char* const value = std::getenv("PARCELO_ALL_TESTS");
-    return value != nullptr && std::string(value) == "1";
+    const std::regex form(tool.name == "ditto" ? R"(copying (file|symlink) \./[ -~]+ \.\.\. )"
+            : tool.name == "zip"               ? R"(  adding: [ -~]+ \((deflated \d+%|stored 0%)\))"
+                                               : "  adding: [ -~]+");
+    Names found = tool.makesZips ? inspectZip(archive).complaints : nothing;
+    const Names progress = linesOf(result.out);
+    if (progress.size() != expected.size())
+        found.push_back(std::to_string(progress.size()) + " lines of progress: " + result.out);
+    std::ranges::copy_if(progress, std::back_inserter(found),
+        [&](const std::string& line) { return !std::regex_match(line, form); });
+    for (const ForeignReader& reader : tool.readers)
+        if (!exceptReaders.contains(reader.name))
+            std::ranges::copy(
+                extractionFaults(reader, archive, expected), std::back_inserter(found));
+    return found;
 }
-
-} // namespace support
