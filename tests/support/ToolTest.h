@@ -84,6 +84,12 @@ protected:
         for (const std::string& name : names)
             writeFile(item / name, "content of " + name);
     }
+    // In the item, which is a folder.
+    void shell(const std::string& script) const
+    {
+        fs::create_directories(item);
+        EXPECT_EQ(run({"sh", "-ec", script}, {.folder = item}).status, 0);
+    }
 
     const Tool& tool;
     const TestFolder folder = {};
