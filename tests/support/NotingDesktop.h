@@ -30,10 +30,7 @@ public:
     {
         revealed.push_back(path);
     }
-    void openFile(const std::filesystem::path& path) override
-    {
-        opened.push_back(path.native());
-    }
+    void openFile(const std::filesystem::path& path) override { opened.push_back(path.native()); }
 
     bool hasBrowser = true;
     std::vector<std::string> opened;
