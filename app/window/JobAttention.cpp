@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QProgressBar>
 #include <QWidget>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -16,9 +17,9 @@ JobAttention::JobAttention(QWidget& window, const QProgressBar& progress, Thresh
         [this] { _inhibitor.hold(JobNotice::tr("An archive is being made")); });
     connect(&progress, &QProgressBar::valueChanged, this, &JobAttention::_showProgress);
     connect(&_notice, &JobNotice::windowWanted, this, &JobAttention::windowWanted);
-    // Whoever is at the window sees there what has come of it.
-    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this] {
-        if (QApplication::activeWindow() != nullptr)
+    // Whoever comes to the window sees there what has come of it.
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
+        if (focused != nullptr)
             _notice.close();
     });
 }

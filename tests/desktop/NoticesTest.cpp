@@ -1,7 +1,6 @@
 // What the desktop is told of a long job, and how it answers.
 
 #include "platform/desktop/services/Inhibitor.h"
-#include "platform/desktop/services/LauncherEntry.h"
 #include "platform/desktop/services/Notification.h"
 #include "tests/desktop/StandIns.h"
 
@@ -153,21 +152,4 @@ TEST(Notification, isGoneWhenItIsClosedAndWhenThereIsNobodyToShowItAnyMore)
         EXPECT_EQ(programs.calls().ends_with(notifications + ".CloseNotification <7>\n"),
             end == End::closed);
     }
-}
-
-TEST(LauncherEntry, showsProgressAndHidesIt)
-{
-    const Programs programs; // and a bus
-    const standins::Listener listener;
-    LauncherEntry entry;
-    entry.hideProgress();
-    entry.showProgress(0.25);
-    entry.showProgress(0.5); // too soon after the other to be seen
-    entry.showProgress(0.75);
-    const std::string program = "application://org.parcelo.Parcelo.desktop ";
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return listener.heard == program + "0.25\n" + program + "0.75\n"; }));
-    entry.hideProgress();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return listener.heard.ends_with(program + "hidden\n"); }))
-        << listener.heard;
 }

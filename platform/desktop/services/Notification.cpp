@@ -1,53 +1,24 @@
 #include "platform/desktop/services/Notification.h"
 
-#include "platform/base/bundle/Bundle.h"
 #include "platform/desktop/services/BusCall.h"
-#include "platform/desktop/services/UriList.h"
+#include "platform/desktop/services/NotificationCall.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QVariantMap>
 
 #include <array>
 #include <chrono>
 #include <utility>
 
+using NotificationCall::objectPath;
+using NotificationCall::service;
+
 namespace
 {
 
-const QString service = QStringLiteral("org.freedesktop.Notifications");
-const QString objectPath = QStringLiteral("/org/freedesktop/Notifications");
-
 constexpr std::chrono::seconds replyTimeout{5}; // it may have to start first
-
-struct Manner {
-    const char* category;
-    uchar urgency; // 0 low, 1 normal
-    int expiry; // in milliseconds; -1: as the desktop has it, 0: never
-    bool isTransient; // nothing to be kept in a list
-};
-
-const Manner& mannerOf(Notification::Kind kind)
-{
-    static const std::array<Manner, 3> manners{Manner{"transfer", 0, 0, true},
-        Manner{"transfer.complete", 1, -1, false}, Manner{"transfer.error", 1, -1, false}};
-    return manners.at(static_cast<std::size_t>(kind));
-}
-
-// The program's own picture, which needs no icon theme.
-QString icon()
-{
-    const auto file = Bundle::main().pathForResource(Bundle::bundleIdentifier, "png");
-    return file ? QString::fromStdString(UriList::fileUri(*file))
-                : QString::fromLatin1(Bundle::bundleIdentifier);
-}
-
-QDBusMessage callOf(const QString& method)
-{
-    return QDBusMessage::createMethodCall(service, objectPath, service, method);
-}
 
 } // namespace
 
@@ -65,7 +36,8 @@ void Notification::close()
     if (_isAsking || _shownId == 0)
         return;
     _isAsking = true;
-    BusCall::send(callOf(QStringLiteral("CloseNotification")) << std::exchange(_shownId, 0U),
+    BusCall::send(
+        NotificationCall::of(QStringLiteral("CloseNotification")) << std::exchange(_shownId, 0U),
         replyTimeout, this, [this](const QDBusPendingCall& /*answer*/) { _takeAnswer(); });
 }
 
@@ -77,12 +49,12 @@ void Notification::_sendNext()
     _isAsking = true;
     _isToClose = false;
     if (!_capabilities) {
-        BusCall::send(callOf(QStringLiteral("GetCapabilities")), replyTimeout, this,
+        BusCall::send(NotificationCall::of(QStringLiteral("GetCapabilities")), replyTimeout, this,
             [this](const QDBusPendingCall& answer) { _takeCapabilities(answer); });
         return;
     }
     const Content content = *std::exchange(_next, std::nullopt);
-    BusCall::send(_notify(content), replyTimeout, this,
+    BusCall::send(NotificationCall::notify(content, _shownId, *_capabilities), replyTimeout, this,
         [this](const QDBusPendingCall& answer) { _takeId(answer); });
 }
 
@@ -134,27 +106,6 @@ void Notification::_listen()
         = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForUnregistration, this);
     connect(
         watcher, &QDBusServiceWatcher::serviceUnregistered, this, &Notification::_takeEndOfService);
-}
-
-QDBusMessage Notification::_notify(const Content& content) const
-{
-    const Manner& manner = mannerOf(content.kind);
-    QVariantMap hints{
-        {QStringLiteral("desktop-entry"), QString::fromLatin1(Bundle::bundleIdentifier)},
-        {QStringLiteral("category"), QString::fromLatin1(manner.category)},
-        {QStringLiteral("urgency"), QVariant::fromValue(manner.urgency)},
-        {QStringLiteral("transient"), manner.isTransient}};
-    if (content.percent)
-        hints.insert(QStringLiteral("value"), *content.percent);
-    QStringList actions;
-    if (_capabilities->contains(QLatin1String("actions")))
-        for (const auto& [name, title] : content.actions)
-            actions << name << title;
-    const bool hasMarkup = _capabilities->contains(QLatin1String("body-markup"));
-    return callOf(QStringLiteral("Notify"))
-        << QString::fromLatin1(Bundle::name) << _shownId << icon() << content.title
-        << (hasMarkup ? content.text.toHtmlEscaped() : content.text) << actions << hints
-        << manner.expiry;
 }
 
 void Notification::_takeAction(uint id, const QString& action)

@@ -13,8 +13,6 @@
 #include <utility>
 #include <vector>
 
-class QDBusMessage;
-
 class Notification : public QObject
 {
     Q_OBJECT
@@ -58,7 +56,6 @@ private:
     void _takeId(const QDBusPendingCall& answer);
     void _takeAnswer();
     void _listen();
-    [[nodiscard]] QDBusMessage _notify(const Content& content) const;
 
     std::optional<QStringList> _capabilities; // of the service, once it has told them
     std::optional<Content> _next; // to be shown
