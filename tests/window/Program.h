@@ -91,7 +91,7 @@ protected:
         EXPECT_TRUE(waitForFocus());
         QTest::keyClick(&window(), keys.key(), keys.keyboardModifiers());
     }
-    bool drop(const char* format, const QByteArray& bytes)
+    bool drop(const QByteArray& bytes, const char* format = "text/uri-list")
     {
         QMimeData data;
         data.setData(QLatin1String(format), bytes);
@@ -106,7 +106,7 @@ protected:
         QByteArray list;
         for (const Path& file : files)
             list += QByteArray::fromStdString(UriList::fileUri(file) + "\r\n");
-        EXPECT_TRUE(drop("text/uri-list", list));
+        EXPECT_TRUE(drop(list));
     }
     // Serves events until the condition holds; false when it never does.
     static bool waitFor(const std::function<bool()>& condition)

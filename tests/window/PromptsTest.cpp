@@ -10,20 +10,18 @@ using Help = Program;
 
 TEST_F(Prompts, openAPageAndAskNoMoreOnceTheyAreAnsweredForGood)
 {
-    const std::tuple<const char*, void (AppController::*)(), const char*> prompts[] = {
-        {"SellSendora", &AppController::sellSendora, PARCELO_SITE "sendora/?kvw5"},
-        {"AskToShareOnFacebook", &AppController::runShareOnFacebookSheet,
-            PARCELO_SITE "parcelo/fb/"},
-        {"AskToRateOnAppStore", &AppController::runRateOnAppStoreSheet,
-            PARCELO_SITE "parcelo/mas/"},
-    };
+    const std::tuple<const char*, void (AppController::*)(), const char*> prompts[]
+        = {{"SellSendora", &AppController::sellSendora, "sendora/?kvw5"},
+            {"AskToShareOnFacebook", &AppController::runShareOnFacebookSheet, "parcelo/fb/"},
+            {"AskToRateOnAppStore", &AppController::runRateOnAppStoreSheet, "parcelo/mas/"}};
     start();
     readMessages();
     for (const auto& [key, action, page] : prompts) {
         SCOPED_TRACE(key);
         // Maybe next time; never again: it presses what has the focus; the first, wherever it is.
-        for (const auto& [with, staysOpen, opened] : {std::tuple(Qt::Key_Escape, true, Texts()),
-                 {Qt::Key_Enter, false, Texts()}, {Qt::Key_Return, false, Texts{page}}}) {
+        for (const auto& [with, staysOpen, opened] :
+            {std::tuple(Qt::Key_Escape, true, Texts()), {Qt::Key_Enter, false, Texts()},
+                {Qt::Key_Return, false, Texts{std::string(PARCELO_SITE) + page}}}) {
             store(key, true);
             answer = with;
             for (const bool comes : {true, staysOpen}) {

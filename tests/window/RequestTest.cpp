@@ -9,35 +9,9 @@
 #include <QMessageBox>
 #include <QProgressBar>
 
-#include <span>
-
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 namespace fs = std::filesystem;
-
-namespace
-{
-
-// Of this process and its children, as a disk that is full ends a file.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t size)
-    {
-        ::getrlimit(RLIMIT_FSIZE, &_former);
-        const rlimit limit{.rlim_cur = size, .rlim_max = _former.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &_former); }
-
-private:
-    rlimit _former{};
-};
-
-} // namespace
 
 class Request : public Program
 {
@@ -53,20 +27,14 @@ protected:
         EXPECT_TRUE(waitFor([&] { return find<QAction>("paste")->isEnabled() && !sheet(); }));
         EXPECT_TRUE(box().files().empty());
     }
-    // What an archive is known by: its inode, its time and its content.
-    static auto identityOf(const Path& archive)
-    {
-        struct stat status = {};
-        EXPECT_EQ(::lstat(archive.c_str(), &status), 0);
-        return std::tuple(status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec,
-            support::readFile(archive));
-    }
-    // Confirms the save panel, also that a file be replaced.
+    // Confirms the save panel, also that a file be replaced; noted when that is asked.
     void save()
     {
         QDialog* panel = waitForSheet("savePanel");
-        QTimer::singleShot(0, panel, [] {
-            if (auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+        hasAsked = false;
+        QTimer::singleShot(0, panel, [this] {
+            auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if ((hasAsked = question != nullptr))
                 question->button(QMessageBox::Yes)->click();
         });
         QTest::keyClick(panel, Qt::Key_Return);
@@ -80,7 +48,8 @@ protected:
         });
     }
 
-    const Path source = folder.path() / "source";
+    const Path source = folder / "source";
+    bool hasAsked = false;
 };
 
 TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
@@ -123,7 +92,6 @@ TEST_F(Request, takesANameAsItStandsAndAsksBeforeItReplaces)
         {"folder", false, "folder", "...zip", nullptr, false},
         {"folder", false, "folder", ".zip", nullptr, false},
     };
-    bool hasAsked = false;
     start();
     for (const auto& [dropped, keeps, proposed, typed, file, asks] : cases) {
         SCOPED_TRACE(typed);
@@ -134,13 +102,7 @@ TEST_F(Request, takesANameAsItStandsAndAsksBeforeItReplaces)
         find<QLineEdit>("fileNameEdit")->setText(QLatin1String(typed));
         Path chosen; // instead of making it
         panel->beginSheetModalForWindow(&window(), [&](int, const Path& path) { chosen = path; });
-        hasAsked = false;
-        QTimer::singleShot(0, panel, [&] {
-            auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if ((hasAsked = question != nullptr))
-                question->button(QMessageBox::Yes)->click();
-        });
-        QTest::keyClick(panel, Qt::Key_Return);
+        save();
         EXPECT_EQ(hasAsked, asks);
         EXPECT_EQ(panel->isVisible(), file == nullptr);
         EXPECT_EQ(chosen, file == nullptr ? Path() : source / file);
@@ -171,7 +133,6 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     support::writeFile(archive, "an older file");
 
     // The program waits for this sheet, so that what happens in it is told in advance.
-    bool hasAsked = false;
     whenSheetIsUp([&] {
         hasAsked = true;
         auto* name = find<QLineEdit>("nameField");
@@ -209,42 +170,43 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
 TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
 {
     enum Fault { cancelled, sourceGone, noRoom };
-    const std::string toolFailed = "The archive could not be made. A tool failed (";
-    const std::string unreadable
-        = "The archive could not be made. '@' cannot be read (No such file or directory).";
+    const std::string failed = "The archive could not be made. ";
+    const Path item = source / "item";
     // What is made, what happens, what is said of it.
-    const std::tuple<ArchiveType, Fault, Texts> cases[] = {
-        {ArchiveTypePlainZip, cancelled, {"Unable to write to '@.zip'"}}, // which is intended
-        {ArchiveTypeMacZip, cancelled, {}},
-        {ArchiveTypeTarGz, noRoom, {toolFailed + "tar ended with status 2: cannot write"}},
-        {ArchiveTypeMacZip, sourceGone, {unreadable}},
-        {ArchiveTypePlainZip, noRoom, {toolFailed + "zip ended with status 14: cannot write"}},
-        {ArchiveTypePlainZip, sourceGone, {unreadable}},
-        {ArchiveTypeMacZip, noRoom, {toolFailed + "ditto ended with status 2: cannot write"}},
-        {ArchiveTypeTarGz, cancelled, {}},
-        {ArchiveTypeTarGz, sourceGone, {unreadable}},
+    const std::tuple<ArchiveType, Fault, std::string> cases[] = {
+        {ArchiveTypePlainZip, cancelled, "Unable to write to '" + item.native() + ".zip'"}, // meant
+        {ArchiveTypeMacZip, cancelled, ""},
+        {ArchiveTypeTarGz, noRoom, failed + "A tool failed (tar ended with status 2: cannot write"},
+        {ArchiveTypePlainZip, noRoom,
+            failed + "A tool failed (zip ended with status 14: cannot write"},
+        {ArchiveTypeMacZip, sourceGone,
+            failed + "'" + item.native() + "' cannot be read (No such file or directory)."},
     };
-    const bool takesAll = std::getenv("PARCELO_ALL_TESTS") != nullptr;
+    rlimit limit{};
+    ::getrlimit(RLIMIT_FSIZE, &limit);
+    const auto limitFiles = [&](rlim_t size) { // as a disk that is full ends a file
+        limit.rlim_cur = std::min(size, limit.rlim_max);
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    };
     start({{"RevealWhenComplete", false}});
     readMessages();
-    for (const auto& [type, fault, said] :
-        std::span(cases).first(takesAll ? std::size(cases) : 4)) {
+    for (const auto& [type, fault, said] : cases) {
         SCOPED_TRACE(testing::Message() << type << " " << fault);
-        const Path item = source / "item";
         support::writeFile(item, support::randomBytes(4'000'000, 1));
         if (fault == cancelled)
             fs::resize_file(item, std::uintmax_t{40} << 30); // takes the tool many seconds
         const Path archive = source / (type == ArchiveTypeTarGz ? "item.tar.gz" : "item.zip");
         support::writeFile(archive, "an older file");
-        const auto older = identityOf(archive);
+        const Path older = folder / "older";
+        fs::create_hard_link(archive, older);
         told.clear();
         store("ArchiveType", type);
         drop({item});
         (void)waitForSheet("savePanel");
         if (fault == sourceGone)
             fs::remove(item);
-        // What windows are drawn in may be files, too.
-        const FileSizeLimit limit(fault == noRoom ? 3'000'000 : RLIM_INFINITY);
+        if (fault == noRoom)
+            limitFiles(3'000'000); // what windows are drawn in may be files, too
         save();
         if (fault == cancelled) {
             QDialog* progress = waitForSheet("ProgressWindow");
@@ -254,17 +216,15 @@ TEST_F(Request, anOlderArchiveStandsWhateverFailsAndItIsSaid)
             }));
             EXPECT_TRUE(progress->isVisible()) << "until the job has ended";
         }
-        EXPECT_TRUE(waitFor([&] { return told.size() == said.size() && box().files().empty(); }));
+        EXPECT_TRUE(waitFor([&] { return told.empty() == said.empty() && box().files().empty(); }));
         waitForTheEnd();
-        ASSERT_EQ(told.size(), said.size());
-        for (std::string expected : said) {
-            if (const auto at = expected.find('@'); at != std::string::npos)
-                expected.replace(at, 1, item);
-            const std::string text = told.front().substr(told.front().find('|') + 1);
-            EXPECT_EQ(text.substr(0, expected.size()), expected);
-        }
-        EXPECT_EQ(identityOf(archive), older);
+        limitFiles(RLIM_INFINITY);
+        ASSERT_EQ(told.empty(), said.empty());
+        EXPECT_TRUE(said.empty() || told.front().find(said) != told.front().npos) << told.front();
+        EXPECT_EQ(support::readFile(archive), "an older file");
+        EXPECT_TRUE(fs::equivalent(archive, older));
         fs::remove(archive);
+        fs::remove(older);
         fs::remove(item);
         EXPECT_EQ(support::namesIn(source), (Texts{"one.txt", "three.txt", "two.txt"}));
     }
@@ -292,14 +252,11 @@ TEST_F(Request, namesWhatIsMissingFromTheArchive)
 
 TEST_F(Request, tellsWhatKeepsItFromBeginning)
 {
-    const std::tuple<const char*, int, const char*> cases[] = {
-        {"..", ArchiveTypeMacZip, "'..'"},
-        {"Demo", ArchiveTypeDiskImage, "/usr/bin/hdiutil"},
-        {"Demo", 7, "no such type of archive"},
-    };
     start({{"SelectedDestination", DestinationTagEmail}});
     readMessages();
-    for (const auto& [name, type, reason] : cases) {
+    for (const auto& [name, type, reason] : {std::tuple("..", int{ArchiveTypeMacZip}, "'..'"),
+             {"Demo", ArchiveTypeDiskImage, "/usr/bin/hdiutil"},
+             {"Demo", 7, "no such type of archive"}}) {
         store("ArchiveType", type);
         told.clear();
         answerWith(name);
@@ -320,7 +277,7 @@ TEST_F(Request, tellsWhatIsLeftOutAndWhatTheDesktopCouldNotDo)
         EXPECT_TRUE(told.front().ends_with("\n" + end)) << told.front();
         told.erase(told.begin());
     };
-    drop("text/uri-list", "file:///no/such\r\nsftp://host/far\r\nfile://other/file\r\n");
+    drop("file:///no/such\r\nsftp://host/far\r\nfile://other/file\r\n");
     endSheet("savePanel");
     nextIs("Not everything can be archived", "sftp://host/far\nfile://other/file");
     drop({source / "one.txt"}); // nothing is told again
