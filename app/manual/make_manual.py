@@ -11,6 +11,7 @@ headings, pictures, texts of the window and commands, section by section, or els
 import base64
 import re
 import sys
+from collections import Counter
 from itertools import zip_longest
 from pathlib import Path
 from xml.etree import ElementTree
@@ -83,16 +84,18 @@ def outline(text):
     """What every page has in common: of each section its heading, pictures, texts of the window,
     commands, rows and items."""
     sections = re.split(r"^## .*(?=\{#)", re.sub(r"<kbd>.*?</kbd>", "", text), flags=re.MULTILINE)
-    return [sorted(re.findall(r"\{[^{}]+\}|\]\([^)]*\)|`[^`]+`|^\||^- |^    \S+", section,
+    return [Counter(re.findall(r"\{[^{}]+\}|\]\([^)]*\)|`[^`]+`|^\||^- |^    \S+", section,
         re.MULTILINE)) for section in sections]
 
 
 def main(folder):
     sources = {each: (HERE / f"{each}.md").read_text(encoding="utf-8") for each in LANGUAGES}
     for language, text in sources.items():
-        for own, english in zip_longest(outline(text), outline(sources["en"])):
+        for own, english in zip_longest(
+                outline(text), outline(sources["en"]), fillvalue=Counter()):
             if own != english:
-                sys.exit(f"{language}.md and en.md differ in a section: {own} and {english}")
+                sys.exit(f"in one section, {language}.md alone has {list(own - english)}, en.md alone "
+                    f"{list(english - own)}")
     folder.mkdir(parents=True, exist_ok=True)
     for language, text in sources.items():
         (folder / f"{language}.html").write_text(page(text, language), encoding="utf-8")
