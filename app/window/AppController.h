@@ -14,6 +14,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -275,7 +276,9 @@ private:
     void _attend(const ArchiveJob::Result& result);
     ArchiveJob::Events _events();
     void _work();
-    void _performOnMainThread(std::function<void()> block);
+    void _performOnMainThread(
+        std::function<void()> block, std::chrono::nanoseconds after = std::chrono::nanoseconds(0));
+    void _countLines();
     void _deliver(const Path& archive);
     void _tellToAttach(const Path& archive);
     void _fail(const ArchiveProblem& problem);
