@@ -6,6 +6,7 @@
 #include "platform/desktop/services/PortalRequest.h"
 #include "platform/desktop/services/UriList.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QGuiApplication>
 
@@ -19,9 +20,12 @@ QString folderTitle()
     return QCoreApplication::translate("OpenPanel", "Choose a Folder");
 }
 
-void beginForFolderWithQt(QWidget* window, const std::filesystem::path& startingIn,
+// Begins in the nearest folder that is there and that Qt can name.
+void beginForFolderWithQt(QWidget* window, std::filesystem::path startingIn,
     OpenPanel::CompletionHandler completionHandler)
 {
+    while (startingIn.has_relative_path() && !QDir(PathText::textOf(startingIn)).exists())
+        startingIn = startingIn.parent_path();
     auto* panel = new QFileDialog(window, folderTitle(), PathText::textOf(startingIn));
     panel->setObjectName(QStringLiteral("chooseFolderPanel"));
     panel->setFileMode(QFileDialog::Directory);
