@@ -130,7 +130,7 @@ ArchiveJob::Request CommandLineJob::_request() const
 
 ArchiveJob::Events CommandLineJob::_events()
 {
-    return {
+    ArchiveJob::Events events{
         .setNumberOfFiles =
             [this](int count) {
                 // Of staged items it is the links that were counted, while the tool tells of the
@@ -143,6 +143,9 @@ ArchiveJob::Events CommandLineJob::_events()
             },
         .progressBy = [this](int lines) { _progress.advanceBy(lines); },
     };
+    if (_progress.isShown())
+        events.progressed = [this](const JobProgress& progress) { _progress.advanceTo(progress); };
+    return events;
 }
 
 void CommandLineJob::_makeArchive(const Path& workingFolder)

@@ -188,9 +188,14 @@ void ArchiveJob::_makeIn(const Path& folder)
     const ScopeExit restoring([&] { _engine.setWorkingDirectory(usualFolder); });
     std::optional<ScratchFolder> links;
     const std::vector<Path> items = _distinctItems(links);
+    if (_events.progressed)
+        _reading.emplace(_request.items, _request.type, _request.excludeDSStore);
     _engine.setDelegate(_delegate());
     _engine.setArchiveInAlerts(_request.archive);
-    const ScopeExit lettingGo([this] { _engine.setDelegate(std::nullopt); });
+    const ScopeExit lettingGo([this] {
+        _engine.setDelegate(std::nullopt);
+        _reading.reset();
+    });
     const auto made = _engine.archiveFiles({.files = items,
         .name = nameOf(_request),
         .type = _request.type,
@@ -247,6 +252,10 @@ void ArchiveJob::_deliver(const Path& made)
     }
     _result.isMade = true;
     _result.archive = _place.path();
+    if (_reading) {
+        _reading->finish();
+        _events.progressed(_reading->progress());
+    }
     if (_place.movedAside())
         _messages.add("'" + _request.archive.native()
             + "' was put there by somebody else meanwhile, and is '" + _place.movedAside()->native()
@@ -309,7 +318,7 @@ bool ArchiveJob::_makeLink(const Path& link, const Path& toItem)
 
 ArchiverDelegate ArchiveJob::_delegate()
 {
-    return {
+    ArchiverDelegate delegate{
         .setNumberOfFiles =
             [this](int count) {
                 _heedStop();
@@ -336,10 +345,18 @@ ArchiverDelegate ArchiveJob::_delegate()
                 return _stop != Stop::asked; // then it alerts, too
             },
     };
+    if (_reading)
+        delegate.toolIsRunning = [this](pid_t tool) {
+            _reading->look(tool);
+            _events.progressed(_reading->progress());
+        };
+    return delegate;
 }
 
 void ArchiveJob::_noteStatus(int status)
 {
+    if (_reading)
+        _reading->toolHasEnded();
     auto [text, warnings] = _messages.taskCompleted(status);
     if (status == 0)
         return;
