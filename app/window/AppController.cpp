@@ -6,6 +6,7 @@
 #include "app/window/AdvertTextView.h"
 #include "app/window/DropView.h"
 #include "app/window/PreferenceController.h"
+#include "app/window/ProgressSheet.h"
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/ScratchFolder.h"

@@ -12,6 +12,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -25,6 +26,7 @@ class AboutController;
 class AdvertTextView;
 class DropView;
 class PreferenceController;
+class ProgressSheet;
 class QDialog;
 class QKWindow;
 class QLabel;
@@ -67,7 +69,7 @@ public:
         AdvertTextView* advertTextView = nullptr;
         QDialog* emailWindow = nullptr; // asks for the name of an archive to be mailed
         QWidget* accessoryView = nullptr; // of the save panel
-        QDialog* progressWindow = nullptr;
+        ProgressSheet* progressWindow = nullptr;
         QProgressBar* progress = nullptr;
         QLabel* statusTF = nullptr;
         DropView* saveDropView = nullptr;
@@ -173,6 +175,7 @@ public:
     // What the job tells of the engine, on the worker thread.
     void setNumberOfFiles(int count);
     void progressBy(int lines);
+    void progressed(const JobProgress& progress);
     void archiverCompletedWithStatus(int status);
 
     // Made on first use.
@@ -289,6 +292,7 @@ private:
     SavePanel* _savePanel = nullptr; // the main window's child
     std::int32_t _runCount = -1; // not read yet
 
+    std::atomic<int> _uncountedLines = 0; // of the tools, for the progress bar
     std::deque<Message> _untold; // for a time without a sheet
 
     Path _notMade; // the archive of the last request, when that ended without

@@ -1,6 +1,7 @@
 // What becomes of an archive: shown in the file manager or mailed; and what there is to say of it.
 
 #include "app/window/AppController.h"
+#include "app/window/ProgressSheet.h"
 #include "platform/base/files/FileMove.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/AppleScript.h"

@@ -5,6 +5,7 @@
 #include "app/window/AdvertTextView.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
+#include "app/window/ProgressSheet.h"
 #include "platform/base/files/FileTree.h"
 #include "platform/base/seams/MainQueue.h"
 #include "platform/desktop/panels/SavePanel.h"
@@ -138,6 +139,7 @@ ArchiveJob::Events AppController::_events()
     return {
         .setNumberOfFiles = [this](int count) { setNumberOfFiles(count); },
         .progressBy = [this](int lines) { progressBy(lines); },
+        .progressed = [this](const JobProgress& progress) { progressed(progress); },
         .completedWithStatus = [this](int status) { archiverCompletedWithStatus(status); },
     };
 }
@@ -148,8 +150,7 @@ void AppController::_work()
 {
     _job->sleepFor(pauseBeforeProgress);
     _performOnMainThread([this] {
-        _interface.statusTF->clear();
-        _interface.progress->setValue(0);
+        _interface.progressWindow->restart();
         Sheets::begin(_interface.progressWindow, _interface.mainWindow);
     });
     _performOnMainThread([this, result = _job->run()] {
@@ -201,13 +202,23 @@ void AppController::setNumberOfFiles(int count)
     _performOnMainThread([this, count] { _interface.progress->setMaximum(std::max(count, 1)); });
 }
 
+// The tool of a small item is done sooner than the main thread has shown that: what it has not come
+// to is one block.
 void AppController::progressBy(int lines)
 {
-    _performOnMainThread([this, lines] {
+    if (_uncountedLines.fetch_add(lines) > 0)
+        return;
+    _performOnMainThread([this] {
+        const int count = _uncountedLines.exchange(0);
         QProgressBar& bar = *_interface.progress;
         _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
-        bar.setValue(bar.value() + std::min(lines, bar.maximum() - bar.value()));
+        bar.setValue(bar.value() + std::min(count, bar.maximum() - bar.value()));
     });
+}
+
+void AppController::progressed(const JobProgress& progress)
+{
+    _performOnMainThread([this, progress] { _interface.progressWindow->advanceTo(progress); });
 }
 
 void AppController::archiverCompletedWithStatus(int status)
@@ -218,6 +229,7 @@ void AppController::archiverCompletedWithStatus(int status)
         else if (status == 1)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Cancelled"));
         _interface.progress->setValue(_interface.progress->maximum());
+        _interface.progressWindow->finish();
     });
     if (_job)
         _job->sleepFor(pauseAfterCompletion);

@@ -53,8 +53,7 @@ MainInterface::MainInterface(AppController& controller)
     Ui::EmailWindow email;
     email.setupUi(_emailWindow);
     email.nameField->setValidator(new ArchiveNameValidator(_emailWindow));
-    Ui::ProgressWindow progress;
-    progress.setupUi(_progressWindow);
+    const Ui::ProgressWindow& progress = _progressWindow->form();
     Ui::AccessoryView accessory;
     accessory.setupUi(_accessoryView);
     _accessoryView->hide(); // until the panel takes it in

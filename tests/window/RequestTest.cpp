@@ -97,6 +97,8 @@ TEST_F(Request, makesTheArchiveBesideTheSourceAsTheSettingsSay)
     store("SelectedDestination", DestinationTagEmail); // by another program of ours, say
     EXPECT_TRUE(waitFor([&] { return textOf("statusTF") == "Completed"; }));
     EXPECT_EQ(find<QProgressBar>("progress")->text(), QStringLiteral("100%"));
+    EXPECT_TRUE(textOf("sizeTF").starts_with("100 kB of 100 kB")) << textOf("sizeTF");
+    EXPECT_FALSE(sheet()->findChild<QPushButton*>("cancelButton")->isEnabled());
     waitForTheEnd();
     const Path archive = source / "New.v2.zip";
     EXPECT_EQ(support::inspectZip(archive).names(), (Texts{"folder/", "folder/text", "one.txt"}))

@@ -748,6 +748,37 @@ Vielen Dank!</translation>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%1 von %2 (%3/s)</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>Noch wenige Sekunden</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Noch etwa %1 Sekunden</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Noch etwa eine Minute</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Noch etwa %1 Minuten</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>Noch etwa %1 Stunden</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>

@@ -748,6 +748,37 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 de %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%1 de %2 (%3/s)</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>Quedan unos segundos</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Quedan unos %1 segundos</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Queda un minuto aproximadamente</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Quedan unos %1 minutos</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>Quedan unas %1 horas</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>

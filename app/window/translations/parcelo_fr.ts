@@ -748,6 +748,37 @@ Merci !</translation>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 sur %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%1 sur %2 (%3/s)</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>Quelques secondes restantes</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Environ %1 secondes restantes</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Environ une minute restante</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Environ %1 minutes restantes</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>Environ %1 heures restantes</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>

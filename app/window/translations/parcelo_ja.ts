@@ -748,6 +748,37 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%2中%1</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%2中%1（%3/秒）</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>残り数秒</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>残り約%1秒</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>残り約1分</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>残り約%1分</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>残り約%1時間</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>
