@@ -62,15 +62,18 @@ std::ptrdiff_t SourceFile::_fill(std::span<std::byte> buffer)
     while (filled < buffer.size()) {
         const std::uint64_t at = _offset + filled;
         const std::span<std::byte> rest = buffer.subspan(filled);
-        const auto samplesAt = at / _stride * sampleSize;
         const std::uint64_t inSample = at % _stride;
-        if (samplesAt < _samples.size() && inSample < sampleSize) {
-            const auto size = std::min<std::size_t>(rest.size(), sampleSize - inSample);
-            std::copy_n(_samples.begin() + samplesAt + inSample, size, rest.data());
+        const std::uint64_t sampledAt = at / _stride * sampleSize + inSample;
+        if (inSample < sampleSize && sampledAt < _samples.size()) {
+            const auto size = std::min<std::size_t>(
+                {rest.size(), sampleSize - inSample, _samples.size() - sampledAt});
+            std::copy_n(_samples.begin() + sampledAt, size, rest.data());
             filled += size;
             continue;
         }
-        const auto size = std::min<std::size_t>(rest.size(), _stride - inSample);
+        const bool isBeforeSample = (at / _stride + 1) * sampleSize < _samples.size();
+        const auto size
+            = isBeforeSample ? std::min<std::size_t>(rest.size(), _stride - inSample) : rest.size();
         const std::ptrdiff_t count = FileBytes::readFullyAt(_file.number(), at, rest.first(size));
         if (count < 0)
             return -1;
@@ -83,17 +86,20 @@ std::ptrdiff_t SourceFile::_fill(std::span<std::byte> buffer)
 
 bool SourceFile::looksIncompressible()
 {
-    if (remaining() < sampleCount * sampleSize)
+    const std::uint64_t most = std::min<std::uint64_t>(size(), sampleCount * sampleSize);
+    const std::uint64_t count = most / sampleSize;
+    if (count == 0)
         return false;
-    _stride = (remaining() - sampleSize) / (sampleCount - 1);
-    (void)_samples.room(sampleCount * sampleSize);
-    for (std::size_t sample = 0; sample < sampleCount; ++sample) {
-        const std::span<std::byte> bytes = _samples.room(sampleSize);
-        const std::ptrdiff_t count
-            = FileBytes::readFullyAt(_file.number(), sample * _stride, bytes);
-        if (count != static_cast<std::ptrdiff_t>(sampleSize))
+    // Of a smaller file all is looked at.
+    _stride = size() == most ? sampleSize : (size() - sampleSize) / (count - 1);
+    (void)_samples.room(most);
+    for (std::uint64_t sample = 0; sample < count; ++sample) {
+        const bool isLast = sample + 1 == count;
+        const std::span<std::byte> bytes
+            = _samples.room(isLast ? most - _samples.size() : sampleSize);
+        if (FileBytes::readFullyAt(_file.number(), sample * _stride, bytes) != std::ssize(bytes))
             return false;
-        _samples.keep(sampleSize);
+        _samples.keep(bytes.size());
         if (!::looksIncompressible(bytes))
             return false;
     }
