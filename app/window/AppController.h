@@ -13,6 +13,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -255,7 +256,9 @@ private:
     void _setAcceptsFiles(bool flag);
     ArchiveJob::Events _events();
     void _work();
-    void _performOnMainThread(std::function<void()> block);
+    void _performOnMainThread(
+        std::function<void()> block, std::chrono::nanoseconds after = std::chrono::nanoseconds(0));
+    void _countLines();
     void _deliver(const Path& archive);
     void _fail(const ArchiveProblem& problem);
     void _tellWhatIsMissing(const LeftOut& leftOut);

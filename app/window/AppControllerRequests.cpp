@@ -34,6 +34,8 @@ constexpr std::chrono::duration<double> pauseBeforeProgress = 1s;
 constexpr std::chrono::duration<double> pauseAfterCompletion = 1s;
 constexpr double sheetCloseDelay = 0.2;
 
+constexpr std::chrono::milliseconds drawingInterval = 40ms; // of the progress bar
+
 const QString archiveTypeKey = QStringLiteral("ArchiveType");
 
 } // namespace
@@ -170,13 +172,13 @@ void AppController::_work()
     });
 }
 
-void AppController::_performOnMainThread(std::function<void()> block)
+void AppController::_performOnMainThread(
+    std::function<void()> block, std::chrono::nanoseconds after)
 {
-    MainQueue::dispatchAfter(std::chrono::nanoseconds::zero(),
-        [self = QPointer(this), job = _job, task = std::move(block)] {
-            if (self && !(job && job->isAbandoned()))
-                task();
-        });
+    MainQueue::dispatchAfter(after, [self = QPointer(this), job = _job, task = std::move(block)] {
+        if (self && !(job && job->isAbandoned()))
+            task();
+    });
 }
 
 bool AppController::acceptsFiles() const
@@ -202,18 +204,22 @@ void AppController::setNumberOfFiles(int count)
     _performOnMainThread([this, count] { _interface.progress->setMaximum(std::max(count, 1)); });
 }
 
-// The tool of a small item is done sooner than the main thread has shown that: what it has not come
-// to is one block.
+// The tools of small items write a thousand lines a second: drawing each would take the processor
+// from them.
 void AppController::progressBy(int lines)
 {
-    if (_uncountedLines.fetch_add(lines) > 0)
-        return;
-    _performOnMainThread([this] {
-        const int count = _uncountedLines.exchange(0);
-        QProgressBar& bar = *_interface.progress;
-        _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
-        bar.setValue(bar.value() + std::min(count, bar.maximum() - bar.value()));
-    });
+    if (_uncountedLines.fetch_add(lines) == 0)
+        _performOnMainThread([this] { _countLines(); }, drawingInterval);
+}
+
+void AppController::_countLines()
+{
+    const int lines = _uncountedLines.exchange(0);
+    if (lines == 0)
+        return; // the job has ended meanwhile
+    QProgressBar& bar = *_interface.progress;
+    _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
+    bar.setValue(bar.value() + std::min(lines, bar.maximum() - bar.value()));
 }
 
 void AppController::progressed(const JobProgress& progress)
@@ -224,6 +230,7 @@ void AppController::progressed(const JobProgress& progress)
 void AppController::archiverCompletedWithStatus(int status)
 {
     _performOnMainThread([this, status] {
+        _countLines();
         if (status == 0)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Completed"));
         else if (status == 1)
