@@ -222,7 +222,11 @@ void AppController::_countLines()
 
 void AppController::progressed(const JobProgress& progress)
 {
-    _performOnMainThread([this, progress] { _interface.progressWindow->advanceTo(progress); });
+    _performOnMainThread([this, progress] {
+        _interface.progressWindow->advanceTo(progress);
+        if (progress.fraction)
+            _attention->advanceTo(*progress.fraction);
+    });
 }
 
 void AppController::archiverCompletedWithStatus(int status)

@@ -115,8 +115,8 @@ void HereJob::_begin()
     ArchiveJob::Request request = _request();
     _archive = request.archive;
     _job = std::make_unique<ArchiveJob>(*_engine, std::move(request),
-        ArchiveJob::Events{.setNumberOfFiles = [this](int count) { _total = count; },
-            .progressBy = [this](int lines) { _done += lines; }});
+        ArchiveJob::Events{.progressed
+            = [this](const JobProgress& progress) { _fraction = progress.fraction.value_or(0); }});
     _worker = std::async(std::launch::async, [this] {
         ArchiveJob::Result result = _job->run();
         QMetaObject::invokeMethod(
@@ -158,7 +158,7 @@ void HereJob::_abandonUntilEnded()
 void HereJob::_showProgress()
 {
     constexpr int whole = 100;
-    const double fraction = std::min(1.0, static_cast<double>(_done) / std::max<int>(_total, 1));
+    const double fraction = _fraction;
     _launcherEntry.showProgress(fraction);
     _notice.showProgress(_archive, static_cast<int>(fraction * whole));
     _untilShown.setInterval(progressInterval);

@@ -69,8 +69,7 @@ private:
     std::unique_ptr<ScratchFolder> _workingFolder;
     std::unique_ptr<Archiver> _engine;
     std::unique_ptr<ArchiveJob> _job;
-    std::atomic<int> _total = 0;
-    std::atomic<int> _done = 0;
+    std::atomic<double> _fraction = 0; // of the work
     bool _isStopped = false;
     bool _hasEnded = false;
 

@@ -35,6 +35,7 @@ JobAttention::~JobAttention()
 void JobAttention::begin()
 {
     _isUnderWay = true;
+    _knowsFraction = false;
     _time.start();
     _untilHeldOff.start(_thresholds.untilHeldOff);
     _launcherEntry.showProgress(0); // the bar may still show the job before
@@ -56,9 +57,16 @@ void JobAttention::end(const ArchiveJob::Result& result, JobNotice::Leads leads)
     }
 }
 
+void JobAttention::advanceTo(double fraction)
+{
+    _knowsFraction = true;
+    if (_isUnderWay)
+        _launcherEntry.showProgress(fraction);
+}
+
 void JobAttention::_showProgress()
 {
-    if (_isUnderWay)
+    if (_isUnderWay && !_knowsFraction)
         _launcherEntry.showProgress(
             static_cast<double>(_progress.value()) / std::max(_progress.maximum(), 1));
 }

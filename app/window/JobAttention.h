@@ -33,6 +33,7 @@ public:
     ~JobAttention() override;
 
     void begin();
+    void advanceTo(double fraction); // 0 to 1; until it is known the bar's lines tell
 
     // What the notification leads to is up to whoever knows where the archive is and whether the
     // program stays.
@@ -48,6 +49,7 @@ private:
     const QProgressBar& _progress;
     const Thresholds _thresholds;
     bool _isUnderWay = false;
+    bool _knowsFraction = false;
     bool _leads = false; // the notification, to where there is something as long as we are
     QElapsedTimer _time;
     QTimer _untilHeldOff;
