@@ -79,7 +79,7 @@ std::string shownName(std::string_view name)
 std::string fittingName(std::string_view name, std::size_t columns)
 {
     constexpr std::string_view gap = "...";
-    const std::string shown = shownName(name);
+    std::string shown = shownName(name);
     if (shown.size() <= columns)
         return shown;
     const std::size_t room = (columns - gap.size()) / 2;

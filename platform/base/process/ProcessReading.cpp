@@ -71,7 +71,8 @@ std::optional<std::uint64_t> ProcessReading::bytesRead(pid_t process)
     const auto at = counts.find(label);
     if (at == std::string::npos)
         return std::nullopt;
-    auto most = numberAt<std::uint64_t>(std::string_view(counts).substr(at + label.size()));
+    const std::string_view number(counts.data() + at + label.size());
+    auto most = numberAt<std::uint64_t>(number);
     for (const pid_t child : childrenOf(process))
         most = std::max(most, bytesRead(child));
     return most;

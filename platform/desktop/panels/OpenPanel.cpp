@@ -79,8 +79,8 @@ void OpenPanel::beginForFiles(
     Sheets::begin(chooser, window);
 }
 
-void OpenPanel::beginForFolder(
-    QWidget* window, const std::filesystem::path& startingIn, CompletionHandler completionHandler)
+void OpenPanel::beginForFolder(QWidget* window, const std::filesystem::path& startingIn,
+    const CompletionHandler& completionHandler)
 {
     if (window->findChild<PortalRequest*>(QString(), Qt::FindDirectChildrenOnly) != nullptr)
         return completionHandler({});

@@ -23,7 +23,7 @@ void beginForFiles(
 
 // One folder, by the desktop's own panel where its portal has one; new ones can be made in the
 // panel. One question at a time for each window: another is as good as cancelled.
-void beginForFolder(
-    QWidget* window, const std::filesystem::path& startingIn, CompletionHandler completionHandler);
+void beginForFolder(QWidget* window, const std::filesystem::path& startingIn,
+    const CompletionHandler& completionHandler);
 
 } // namespace OpenPanel

@@ -37,10 +37,10 @@ bool isDevice(std::string_view stem)
     constexpr std::string_view ports[] = {"COM", "LPT"};
     constexpr std::size_t lettersOfPort = 3;
     std::string name(stem.substr(0, stem.find('.')));
-    std::ranges::transform(
-        name, name.begin(), [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
+    std::ranges::transform(name, name.begin(),
+        [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
     if (name.size() == lettersOfPort + 1 && name.back() >= '1' && name.back() <= '9')
-        return std::ranges::count(ports, std::string_view(name).substr(0, lettersOfPort)) > 0;
+        return std::ranges::count(ports, name.substr(0, lettersOfPort)) > 0;
     return std::ranges::count(devices, name) > 0;
 }
 

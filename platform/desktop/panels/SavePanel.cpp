@@ -47,7 +47,7 @@ QString shownCharacter(char character)
     constexpr char del = 0x7F;
     if (character == del)
         return QStringLiteral("\u2421");
-    return character < firstPrintable ? QString(QChar(char16_t(pictures + character)))
+    return character < firstPrintable ? QString(QChar(static_cast<char16_t>(pictures + character)))
                                       : QString(QLatin1Char(character));
 }
 
