@@ -285,6 +285,29 @@ def items_section(data, work, notes, runs):
     shares = [100 * results[count, "parcelo"].size / (count * 100_000) for count in [few, many]]
     print(f"\n{many} items take {times:.2f} times what {few} take, wanted at most 4.4; they become "
           f"{shares[1]:.1f} % and {shares[0]:.1f} % of their size")
+    small_items_table(data, work, runs)
+
+
+def small_items_table(data, work, runs):
+    """What an item costs that is hardly anything to compress, and whether that grows."""
+    folder = work / "small"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir()
+    text = next((data / "items").iterdir()).read_bytes()
+    names = [f"small item {number:04}.txt" for number in range(5000)]
+    for number, name in enumerate(names):
+        (folder / name).write_bytes(text[number:number + 2000])
+    out = work / "out/archive.zip"
+    counts = [1000, 2000, 5000]
+    tasks = {count: (program_command("zip", out, names[:count]), folder) for count in counts}
+    print("\n### items of 2 KB, a run of the tool for each\n")
+    print("| items | ms for each | processor ms for each | times that of the fewest | wanted |")
+    print("|---:|---:|---:|---:|---:|")
+    results = measure(tasks, out, runs)
+    each = {count: 1000 * result.seconds / count for count, result in results.items()}
+    for count, result in results.items():
+        print(f"| {count} | {each[count]:.2f} | {1000 * result.processor_seconds / count:.2f} "
+              f"| {each[count] / each[counts[0]]:.2f} | 1.0 ms, 1.10 |", flush=True)
 
 
 def scale_section(data, work, notes, runs):

@@ -30,8 +30,8 @@ Problem setLevel(CommandLine& line, const std::string& value)
     return {};
 }
 
-// What the window program takes, which see (app/window/WindowedProgram).
-constexpr std::array windowOptions{"--email", "--preferences", "--gapplication-service"};
+// What the window program takes, which see (app/window/main.cpp).
+constexpr std::array windowOptions{"--email", "--here", "--preferences", "--gapplication-service"};
 
 struct Option {
     std::string_view word;
@@ -126,7 +126,7 @@ void dropExtension(std::string& name, std::string_view extension)
 Problem checkName(const std::string& name, std::string_view extension)
 {
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
-        return "'" + name + "' is no name for a file";
+        return "'" + name + "' cannot be the name of a file";
     if (name.size() + extension.size() > FileName::longestInBytes)
         return "the name is too long";
     return {};
@@ -159,6 +159,8 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
         == arguments.size();
     if (line.problem.empty() && hasWindowOption && !isForWindow)
         line.problem = "the option " + line.windowOption + " goes with files alone";
+    if (line.problem.empty() && line.windowOption == "--here" && line.files.empty())
+        line.problem = "there is no FILE";
     if (line.problem.empty() && line.request == Request::window && !isForWindow) {
         line.request = Request::archive;
         line.problem = checkArchive(line);
@@ -173,11 +175,15 @@ std::string CommandLine::usage()
     return R"(Usage:
   parcelo [--email] [--] [FILE...]
   parcelo --preferences
+  parcelo --here [--] FILE...
   parcelo --to FOLDER [OPTION...] [--] FILE...
 
 The first opens the window, and proposes an archive of the files: for a new message with --email;
-the second shows its preferences. The third makes one archive of the files and folders and prints
-its path. An archive of the same name in FOLDER is replaced.
+a FILE may be a file:// address. The second shows its preferences. The others make one archive of
+the files and folders without a window and print its path. With --here it is made as the preferences
+say, beside the files or in the folder chosen there, under the next free name, and the desktop's
+notifications tell of it; here, too, a FILE may be a file:// address. With --to an archive of the same
+name in FOLDER is replaced.
 
   --to FOLDER       where to put the archive
   --name NAME       its name without extension; otherwise that of the one FILE, or Untitled

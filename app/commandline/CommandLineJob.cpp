@@ -2,16 +2,15 @@
 
 #include "app/job/DocumentPath.h"
 #include "app/job/ProposedName.h"
+#include "app/job/StandardReport.h"
 #include "platform/base/files/ScratchFolder.h"
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/FileManagerArchiverConvenience.h"
 #include "system/LastError.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <iostream>
 #include <thread>
 #include <utility>
 
@@ -27,16 +26,7 @@ namespace
 constexpr auto redrawInterval = 100ms; // quick enough to look alive
 constexpr auto abandonInterval = 200ms; // a tool may need several interrupts
 
-enum ExitStatus : int { exitMade = 0, exitFailed = 1, exitInterrupted = 130 };
-
-// Always false, for the checks that end with it.
-bool complain(std::string message)
-{
-    // Control bytes of a name could move the cursor of a terminal, or worse.
-    std::ranges::replace_if(message, ToolMessages::isControl, '?');
-    std::cerr << "parcelo: " << message << "\n" << std::flush;
-    return false;
-}
+using StandardReport::complain;
 
 bool complain(const fs::path& path, const std::error_code& reason)
 {
@@ -54,14 +44,14 @@ CommandLineJob::CommandLineJob(CommandLine line)
 int CommandLineJob::run()
 {
     if (!_resolveFiles() || !_chooseArchive())
-        return exitFailed;
+        return StandardReport::exitFailed;
     if (_line.passwordFromInput && !_readPassword())
-        return exitFailed;
+        return StandardReport::exitFailed;
     if (!_interrupted.stop_requested()) {
         const ScratchFolder workingFolder;
         _makeArchive(workingFolder.path());
     }
-    return _report();
+    return StandardReport::tell(_result, _interrupted.stop_requested());
 }
 
 bool CommandLineJob::_resolveFiles()
@@ -130,7 +120,7 @@ ArchiveJob::Request CommandLineJob::_request() const
 
 ArchiveJob::Events CommandLineJob::_events()
 {
-    return {
+    ArchiveJob::Events events{
         .setNumberOfFiles =
             [this](int count) {
                 // Of staged items it is the links that were counted, while the tool tells of the
@@ -143,6 +133,9 @@ ArchiveJob::Events CommandLineJob::_events()
             },
         .progressBy = [this](int lines) { _progress.advanceBy(lines); },
     };
+    if (_progress.isShown())
+        events.progressed = [this](const JobProgress& progress) { _progress.advanceTo(progress); };
+    return events;
 }
 
 void CommandLineJob::_makeArchive(const Path& workingFolder)
@@ -183,25 +176,4 @@ void CommandLineJob::_drawUntilEnded()
         return;
     _progress.draw();
     _loop.submitAfter(redrawInterval, [this] { _drawUntilEnded(); });
-}
-
-int CommandLineJob::_report() const
-{
-    if (_interrupted.stop_requested() && !_result.isMade) {
-        complain("interrupted");
-        return exitInterrupted;
-    }
-    for (const std::string& line : _result.messages)
-        complain(line);
-    // What a tool said of itself is among the messages.
-    if (_result.problem && _result.problem->kind != ArchiveProblem::Kind::toolFailed)
-        complain(_result.problem->line());
-    if (!_result.isMade) {
-        complain("no archive was made");
-        return exitFailed;
-    }
-    std::cout << _result.archive->native() << "\n" << std::flush;
-    if (!std::cout)
-        complain("cannot write to standard output");
-    return _result.isWhole && std::cout ? exitMade : exitFailed;
 }

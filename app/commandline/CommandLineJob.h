@@ -35,7 +35,6 @@ private:
     void _makeArchive(const Path& workingFolder);
     void _abandonUntilEnded(ArchiveJob& job);
     void _drawUntilEnded();
-    int _report() const;
 
     const CommandLine _line;
     std::vector<Path> _files; // absolute

@@ -3,7 +3,9 @@
 // written. A line never reaches the last column, so it never wraps.
 #pragma once
 
-#include <atomic>
+#include "app/job/JobProgress.h"
+
+#include <mutex>
 #include <string>
 
 class TerminalProgress
@@ -13,20 +15,28 @@ public:
     explicit TerminalProgress(bool quiet);
 
     [[nodiscard]] bool isShown() const { return _isShown; }
-    void setTotal(int total) { _total = total; }
-    void advanceBy(int count) { _done += count; }
+    void setTotal(int total);
+    void advanceBy(int count);
+    void advanceTo(const JobProgress& progress);
 
     void draw();
     void clear();
 
-    // The bar in at most that many columns: "[####    ]  50% 6 of 12"; of that what fits.
-    static std::string text(long done, long total, int columns);
+    struct State {
+        long done = 0; // files
+        long total = 0; // 0: not known yet
+        JobProgress read = {};
+    };
+
+    // In at most that many columns what fits of this, by bytes once these are known:
+    // "[####    ]  50% 6 of 12, 312 MB of 2.0 GB, 35 s left, 48 MB/s  name".
+    static std::string text(const State& state, int columns);
 
 private:
     void _show(const std::string& text);
 
     const bool _isShown;
     std::string _drawn;
-    std::atomic<long> _total = 0; // 0: not known yet
-    std::atomic<long> _done = 0;
+    std::mutex _mutex; // protects the state, which the job's thread changes
+    State _state;
 };

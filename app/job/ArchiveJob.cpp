@@ -80,7 +80,7 @@ ArchiveJob::ArchiveJob(Archiver& engine, Request request, Events events)
     , _request(std::move(request))
     , _events(std::move(events))
     , _messages(toolOf(_request.type))
-    , _place(_request.archive, extensionOf(_request.type))
+    , _place(_request.archive, extensionOf(_request.type), _request.mayReplace)
 {
 }
 
@@ -89,6 +89,8 @@ ArchiveJob::Result ArchiveJob::run()
     _result.problem = _obstacle();
     if (!_result.problem)
         _make();
+    if (_stop == Stop::asked)
+        _result.problem.reset();
     _result.messages = _messages.lines();
     _result.isWhole = _result.isMade && _result.leftOut.count() == 0;
     if (_engineStatus && _events.completedWithStatus)
@@ -145,7 +147,7 @@ std::optional<ArchiveProblem> ArchiveJob::_obstacleOf(const Path& item) const
         return _problem(nameless, item);
     if (::lstat(item.c_str(), &status) != 0)
         return _problem(unreadable, item, lastError().message());
-    if (areSame(item, _request.archive))
+    if (_request.mayReplace && areSame(item, _request.archive))
         return _problem(replacesItem, item);
     const bool isLinkToKeep = _request.type == ArchiveTypeMacZip && S_ISLNK(status.st_mode);
     if (_request.type == ArchiveTypePlainZip || isLinkToKeep)
@@ -188,9 +190,14 @@ void ArchiveJob::_makeIn(const Path& folder)
     const ScopeExit restoring([&] { _engine.setWorkingDirectory(usualFolder); });
     std::optional<ScratchFolder> links;
     const std::vector<Path> items = _distinctItems(links);
+    if (_events.progressed)
+        _reading.emplace(_request.items, _request.type, _request.excludeDSStore);
     _engine.setDelegate(_delegate());
     _engine.setArchiveInAlerts(_request.archive);
-    const ScopeExit lettingGo([this] { _engine.setDelegate(std::nullopt); });
+    const ScopeExit lettingGo([this] {
+        _engine.setDelegate(std::nullopt);
+        _reading.reset();
+    });
     const auto made = _engine.archiveFiles({.files = items,
         .name = nameOf(_request),
         .type = _request.type,
@@ -247,11 +254,15 @@ void ArchiveJob::_deliver(const Path& made)
     }
     _result.isMade = true;
     _result.archive = _place.path();
+    if (_reading) {
+        _reading->finish();
+        _events.progressed(_reading->progress());
+    }
     if (_place.movedAside())
         _messages.add("'" + _request.archive.native()
             + "' was put there by somebody else meanwhile, and is '" + _place.movedAside()->native()
             + "' now");
-    else if (_place.path() != _request.archive)
+    else if (_place.path() != _request.archive && _request.mayReplace)
         _messages.add("'" + _request.archive.native()
             + "' was put there by somebody else meanwhile and stays; this archive is '"
             + _place.path().native() + "'");
@@ -309,7 +320,7 @@ bool ArchiveJob::_makeLink(const Path& link, const Path& toItem)
 
 ArchiverDelegate ArchiveJob::_delegate()
 {
-    return {
+    ArchiverDelegate delegate{
         .setNumberOfFiles =
             [this](int count) {
                 _heedStop();
@@ -336,10 +347,18 @@ ArchiverDelegate ArchiveJob::_delegate()
                 return _stop != Stop::asked; // then it alerts, too
             },
     };
+    if (_reading)
+        delegate.toolIsRunning = [this](pid_t tool) {
+            _reading->look(tool);
+            _events.progressed(_reading->progress());
+        };
+    return delegate;
 }
 
 void ArchiveJob::_noteStatus(int status)
 {
+    if (_reading)
+        _reading->toolHasEnded();
     auto [text, warnings] = _messages.taskCompleted(status);
     if (status == 0)
         return;

@@ -9,7 +9,9 @@
 
 #include "app/job/ArchivePlace.h"
 #include "app/job/ArchiveProblem.h"
+#include "app/job/JobProgress.h"
 #include "app/job/LeftOut.h"
+#include "app/job/ReadProgress.h"
 #include "app/job/ToolMessages.h"
 #include "platform/base/files/ScratchFolder.h"
 #include "shared/Library/Archiver/Archiver.h"
@@ -35,12 +37,16 @@ public:
         int compressionLevel = 6;
         bool excludeDSStore = true;
         std::optional<std::string> password = std::nullopt;
+        bool mayReplace = true; // what stands there; else the archive gets the next free name
     };
 
     // On the thread that runs the job; an empty one is not called.
     struct Events {
         std::function<void(int count)> setNumberOfFiles = {};
         std::function<void(int lines)> progressBy = {};
+        // How far it is, ten times a second while a tool is at work, and once an archive is made.
+        // Costs a look at all items, which a job does without when nobody listens.
+        std::function<void(const JobProgress& progress)> progressed = {};
         // The outcome is settled, and nothing can stop it any more: 1 when the job was stopped,
         // else 0, as the engine has it. Not sent when the engine could not go on.
         std::function<void(int status)> completedWithStatus = {};
@@ -105,6 +111,7 @@ private:
     Result _result;
     ToolMessages _messages;
     ArchivePlace _place;
+    std::optional<ReadProgress> _reading; // when somebody listens
     std::optional<int> _engineStatus; // of its completion
     std::error_code _engineFailure; // in moving what was made
     bool _hasNoRoomToStage = false;

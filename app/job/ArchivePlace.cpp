@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -40,10 +41,10 @@ std::error_code swap(const std::filesystem::path& one, const std::filesystem::pa
 
 } // namespace
 
-ArchivePlace::ArchivePlace(Path path, std::string_view extension)
+ArchivePlace::ArchivePlace(Path path, std::string_view extension, bool mayReplace)
     : _path(std::move(path))
     , _extension(extension)
-    , _former(::open(_path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC))
+    , _former(mayReplace ? ::open(_path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC) : -1)
 {
 }
 
@@ -61,10 +62,20 @@ bool ArchivePlace::_isFormer(const Path& path) const
         && isSameFile(former, now);
 }
 
+// An archive that only some may read is not opened to all by being made anew. Where the permissions
+// cannot be set, those that the tool gave have to do.
+void ArchivePlace::_keepPermissions(const Path& made) const
+{
+    FileStatus former{};
+    if (_former && ::fstat(_former.number(), &former) == 0 && S_ISREG(former.st_mode))
+        ::chmod(made.c_str(), former.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO));
+}
+
 std::error_code ArchivePlace::put(const Path& made)
 {
     if (const auto failure = flushContents(made))
         return failure;
+    _keepPermissions(made);
     std::error_code failure = _former ? _exchange(made) : _takeFreeName(made, _path);
     if (!failure)
         flushFolder(_path.parent_path());

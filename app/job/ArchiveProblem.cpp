@@ -22,7 +22,7 @@ const std::map<Kind, Words> table{
         {QT_TRANSLATE_NOOP("ArchiveProblem", "this system has no tool for that type (%1)")}},
     {Kind::cannotRunTool,
         {QT_TRANSLATE_NOOP("ArchiveProblem", "a tool could not be started (%2)")}},
-    {Kind::badName, {QT_TRANSLATE_NOOP("ArchiveProblem", "'%1' is no name for an archive")}},
+    {Kind::badName, {QT_TRANSLATE_NOOP("ArchiveProblem", "'%1' cannot be the name of an archive")}},
     {Kind::nothingGiven,
         {QT_TRANSLATE_NOOP("ArchiveProblem", "there is nothing to archive"), true}},
     {Kind::nameless,
@@ -84,6 +84,7 @@ const std::map<Kind, Words> table{
     QT_TRANSLATE_NOOP("ArchiveProblem", "links in a circle; stored as a link"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "links to a folder it lies in; stored as a link"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "does not tell its size; stored empty"),
+    QT_TRANSLATE_NOOP("ArchiveProblem", "no file of this computer"),
 };
 
 // In one pass: a mark within what is filled in is none.

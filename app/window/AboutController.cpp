@@ -9,6 +9,8 @@
 #include <QApplication>
 #include <QScreen>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -27,14 +29,24 @@ AboutController::AboutController(std::int32_t productId)
 {
 }
 
-AboutController::~AboutController() = default;
+AboutController::~AboutController()
+{
+    delete _window;
+}
 
 void AboutController::_loadWindow()
 {
-    _window = std::make_unique<QDialog>();
+    _window = new QDialog(_mainWindow);
     Ui::About about;
-    about.setupUi(_window.get());
-    Bindings::bindAll(_window.get(), this);
+    about.setupUi(_window);
+    Bindings::bindAll(_window, this);
+    about.librariesLabel->setText(about.librariesLabel->text().arg(
+        QStringLiteral("Qt %1 (LGPL 3), libplist (LGPL 2.1), libdeflate (MIT)")
+            .arg(QLatin1String(qVersion()))));
+    about.creditsView->setAccessibleName(about.creditsView->toPlainText());
+    _window->setAccessibleDescription(QStringList{
+        about.creditsView->toPlainText(), about.licenceLabel->text(), about.librariesLabel->text()}
+                                          .join(QLatin1Char('\n')));
     about.iconLabel->setPixmap(QApplication::windowIcon().pixmap(iconSize));
     connect(about.sendMail, &QPushButton::clicked, this, [this] { sendMail(sender()); });
     connect(about.visitWebsite, &QPushButton::clicked, this, [this] { visitWebsite(sender()); });
@@ -47,13 +59,23 @@ void AboutController::showWindow(QObject* /*sender*/)
     if (!_window)
         _loadWindow();
     _window->adjustSize();
-    const QRect screen = _window->screen()->availableGeometry();
-    _window->move(screen.center() - _window->rect().center());
+    _window->move(_place());
     _window->show();
     _window->raise();
     _window->activateWindow();
     _window->setFocusPolicy(Qt::ClickFocus); // takes the focus from its buttons
     _window->setFocus();
+}
+
+QPoint AboutController::_place() const
+{
+    const QWidget* over = _mainWindow ? _mainWindow.data() : _window.data();
+    const QRect screen = over->screen()->availableGeometry();
+    const QRect place = _mainWindow ? _mainWindow->frameGeometry() : screen;
+    const QPoint last = screen.bottomRight() - _window->rect().bottomRight();
+    const QPoint wanted = place.center() - _window->rect().center();
+    return {std::max(screen.left(), std::min(wanted.x(), last.x())),
+        std::max(screen.top(), std::min(wanted.y(), last.y()))};
 }
 
 QString AboutController::appNameAndVersion()

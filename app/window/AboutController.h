@@ -2,9 +2,9 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 
 #include <cstdint>
-#include <memory>
 
 class AboutController : public QObject
 {
@@ -18,7 +18,10 @@ public:
     explicit AboutController(std::int32_t productId);
     ~AboutController() override;
 
-    // In the middle of the screen, with nothing in it focused.
+    // The window that the About window stays over; borrowed. The screen is that window's.
+    void setMainWindow(QWidget* window) { _mainWindow = window; }
+
+    // In the middle of the main window or else of the screen, with nothing in it focused.
     void showWindow(QObject* sender);
 
     // The names under which the bundle knows its executable and its version.
@@ -33,7 +36,9 @@ public:
 
 private:
     void _loadWindow();
+    [[nodiscard]] QPoint _place() const;
 
     std::int32_t _productId;
-    std::unique_ptr<QDialog> _window; // loaded when first shown
+    QPointer<QWidget> _mainWindow;
+    QPointer<QDialog> _window; // loaded when first shown; goes with the main window at the latest
 };

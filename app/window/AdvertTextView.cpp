@@ -27,9 +27,7 @@ AdvertTextView::AdvertTextView(QWidget* parent)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     setFocusPolicy(Qt::TabFocus);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    policy.setRetainSizeWhenHidden(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     setAccessibleName(tr("About the maker's products"));
@@ -62,16 +60,61 @@ void AdvertTextView::setProductId(std::int32_t productId)
 void AdvertTextView::setProductName(const std::optional<QString>& name,
     const std::optional<QString>& directory, const std::optional<QString>& blurp)
 {
+    _name = name;
+    _directory = directory;
+    _behindTheLink = QLatin1String(" - ") + blurp.value_or(missingObject);
+    _build(_behindTheLink);
+    setAccessibleDescription(toPlainText()); // all of it, also where it is cut
+    _fit();
+}
+
+void AdvertTextView::_build(const QString& behindTheLink)
+{
     clear();
     QTextCursor line(document());
     if (!_shortVersion)
         line.insertText(tr("Brought to you by "), _attributes);
-    if (const auto link = _linkStringForProductName(name, directory))
+    if (const auto link = _linkStringForProductName(_name, _directory))
         line.insertFragment(*link);
-    line.insertText(QLatin1String(" - ") + blurp.value_or(missingObject), _attributes);
+    line.insertText(behindTheLink, _attributes);
     QTextBlockFormat centred;
     centred.setAlignment(Qt::AlignCenter);
     line.setBlockFormat(centred); // last: a fragment at the beginning brings its own
+}
+
+// Only where it is seen.
+void AdvertTextView::_fit()
+{
+    if (!isVisible())
+        return;
+    if (!toolTip().isEmpty())
+        _build(_behindTheLink);
+    const QString whole = toPlainText();
+    const double excess = document()->idealWidth() - viewport()->width();
+    setToolTip(excess > 0 ? whole : QString());
+    if (excess > 0) {
+        const double room = fontMetrics().horizontalAdvance(_behindTheLink) - excess;
+        _build(fontMetrics().elidedText(_behindTheLink, Qt::ElideRight, static_cast<int>(room)));
+    }
+}
+
+void AdvertTextView::changeEvent(QEvent* event)
+{
+    QTextBrowser::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        _fit();
+}
+
+void AdvertTextView::resizeEvent(QResizeEvent* event)
+{
+    QTextBrowser::resizeEvent(event);
+    _fit();
+}
+
+void AdvertTextView::showEvent(QShowEvent* event)
+{
+    QTextBrowser::showEvent(event);
+    _fit();
 }
 
 std::optional<QTextDocumentFragment> AdvertTextView::_linkStringForProductName(

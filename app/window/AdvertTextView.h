@@ -1,5 +1,6 @@
 // The line at the foot of the main window that names one of the maker's products as a link, with a
-// blurb behind it. Dragging it moves the window. When hidden it keeps its text and its place.
+// blurb behind it, of which a window that is too narrow shows the beginning and a tooltip the
+// whole. Dragging it moves the window. When hidden it keeps its text.
 #pragma once
 
 #include <QTextBrowser>
@@ -34,16 +35,25 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
+    void _build(const QString& behindTheLink);
+    void _fit();
+
     // Nothing for a directory that cannot stand in an address.
     [[nodiscard]] std::optional<QTextDocumentFragment> _linkStringForProductName(
         const std::optional<QString>& productName, const std::optional<QString>& directory) const;
     static std::optional<QString> _blurpForProductId(std::int32_t productId);
 
+    std::optional<QString> _name;
+    std::optional<QString> _directory;
+    QString _behindTheLink; // all of it
     QTextCharFormat _attributes;
     std::int32_t _productId = 0;
     bool _shortVersion = false;

@@ -5,7 +5,9 @@
 #include "app/window/AboutController.h"
 #include "app/window/AdvertTextView.h"
 #include "app/window/DropView.h"
+#include "app/window/JobAttention.h"
 #include "app/window/PreferenceController.h"
+#include "app/window/ProgressSheet.h"
 #include "platform/base/bundle/Bundle.h"
 #include "platform/base/files/FileTree.h"
 #include "platform/base/files/ScratchFolder.h"
@@ -18,6 +20,7 @@
 #include "shared/Library/Extras/QKWindow.h"
 #include "shared/Library/Extras/UserDefaultsExtras.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QMenuBar>
 #include <QPointer>
@@ -101,6 +104,9 @@ AppController::~AppController()
 void AppController::awakeFromNib(const Interface& interface)
 {
     _interface = interface;
+    _attention = std::make_unique<JobAttention>(
+        *_interface.mainWindow, *_interface.progress, JobAttention::Thresholds{});
+    connect(_attention.get(), &JobAttention::windowWanted, this, &AppController::windowWanted);
     _interface.destinationPop->setAutoenablesItems(true);
     _followSettings();
     setupDestinations();
@@ -145,8 +151,23 @@ bool AppController::windowShouldClose(QObject* sender)
 
 void AppController::terminate(QObject* /*sender*/)
 {
-    if (_mayLeaveMessages())
+    if (_mayStopJob() && _mayForgetWaiting() && _mayLeaveMessages())
         terminateNow();
+}
+
+// Escape and a closed question keep going.
+bool AppController::_mayStopJob()
+{
+    if (!_job || _isTerminating)
+        return true;
+    if (QApplication::activeModalWidget() != nullptr)
+        return false; // one question at a time
+    _interface.mainWindow->setWindowState(
+        _interface.mainWindow->windowState() & ~Qt::WindowMinimized);
+    return _interface.mainWindow->runPromptSheetWithTitle(tr("An archive is being made"),
+               tr("If you quit now, it will not be made. Your files stay as they are."),
+               tr("&Keep Going"), {}, tr("&Stop and Quit"))
+        == PromptResultOther;
 }
 
 // While a job ends the event loop goes on, so that no question of a block that is still waiting can
@@ -156,6 +177,7 @@ void AppController::terminateNow()
     if (std::exchange(_isTerminating, true))
         return;
     Q_EMIT terminating();
+    _forgetWaiting();
     if (_job) {
         // Windows that no longer answer would look like a hang.
         _interface.progressWindow->hide();

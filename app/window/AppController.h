@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/job/ArchiveJob.h"
+#include "platform/desktop/panels/FolderMenu.h"
 #include "platform/desktop/panels/PopUpButton.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "system/FileDescriptor.h"
@@ -12,6 +13,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -24,7 +27,9 @@
 class AboutController;
 class AdvertTextView;
 class DropView;
+class JobAttention;
 class PreferenceController;
+class ProgressSheet;
 class QDialog;
 class QKWindow;
 class QLabel;
@@ -67,7 +72,7 @@ public:
         AdvertTextView* advertTextView = nullptr;
         QDialog* emailWindow = nullptr; // asks for the name of an archive to be mailed
         QWidget* accessoryView = nullptr; // of the save panel
-        QDialog* progressWindow = nullptr;
+        ProgressSheet* progressWindow = nullptr;
         QProgressBar* progress = nullptr;
         QLabel* statusTF = nullptr;
         DropView* saveDropView = nullptr;
@@ -127,6 +132,9 @@ public:
     // The folder that a request begins with, expanded.
     std::optional<Path> destinationDirectory();
 
+    // What the save panel offers: the source's and the remembered ones.
+    std::vector<FolderMenu::Folder> foldersToSaveIn();
+
     Q_INVOKABLE void addDestination(QObject* sender);
     void addDestinationPath(const QString& path);
     Q_INVOKABLE void removeDestination(QObject* sender);
@@ -146,12 +154,21 @@ public:
     // One of them. All that arrive within 0.05 s become one archive.
     bool applicationOpenFile(const Path& path);
 
+    // Files that are dropped during a request wait like documents. What came with them is told.
+    void droppedMeanwhile(const std::vector<Path>& files, const QStringList& leftOut);
+
+    // What waits, in words; empty when nothing does.
+    [[nodiscard]] QString waitingText() const;
+
+    // How to begin without a drag, until the first archive is made.
+    [[nodiscard]] static QString hint();
+
     // Tells that documents to be opened are not there, or no files of this computer.
     void couldNotOpen(const QStringList& names);
 
     // Files without a drag: chosen in a panel, or pasted.
     void chooseFiles(QObject* sender);
-    void chooseFolder(QObject* sender);
+    void chooseFilesForEmail(); // whatever the destination menu says
     void paste(QObject* sender);
 
     // --- A request, from the name to the archive (AppControllerRequests.cpp) ---
@@ -173,6 +190,7 @@ public:
     // What the job tells of the engine, on the worker thread.
     void setNumberOfFiles(int count);
     void progressBy(int lines);
+    void progressed(const JobProgress& progress);
     void archiverCompletedWithStatus(int status);
 
     // Made on first use.
@@ -220,11 +238,13 @@ public:
 Q_SIGNALS:
     void terminating(); // nothing more is begun
     void terminated(); // the program may end now
+    void windowWanted(const QByteArray& activationToken); // by a click on a notification
     void filenameChanged();
     void previewTextChanged();
     void selectedDestinationChanged();
     void archiveTypeChanged();
     void acceptsFilesChanged();
+    void waitingChanged();
 
 private:
     struct Prompt;
@@ -243,6 +263,9 @@ private:
     void _afterDelay(double seconds, std::function<void()> runBlock);
 
     void _terminateWhenIdle();
+    bool _mayStopJob();
+    bool _mayForgetWaiting();
+    void _forgetWaiting();
     bool _mayLeaveMessages();
     bool _keepMailedArchives(const Path& inFolder);
     void _followSettings();
@@ -250,12 +273,17 @@ private:
     void _endRequest();
     void _tellWhatIsLeftOut();
     void _setAcceptsFiles(bool flag);
+    void _attend(const ArchiveJob::Result& result);
     ArchiveJob::Events _events();
     void _work();
-    void _performOnMainThread(std::function<void()> block);
+    void _performOnMainThread(
+        std::function<void()> block, std::chrono::nanoseconds after = std::chrono::nanoseconds(0));
+    void _countLines();
     void _deliver(const Path& archive);
+    void _tellToAttach(const Path& archive);
     void _fail(const ArchiveProblem& problem);
     void _tellWhatIsMissing(const LeftOut& leftOut);
+    void _choose(std::function<void(const std::vector<Path>& paths)> then);
     void _chose(const std::vector<Path>& paths);
     void _runPrompt(const Prompt& prompt);
     [[nodiscard]] static QString _listed(const QStringList& lines, std::size_t count = 0);
@@ -276,6 +304,7 @@ private:
     bool _opensForEmail = false; // the documents opened last
     bool _mailsArchive = false; // the request under way, whatever the menu says by now
     QString _filename; // of the archive being asked for
+    Path _folderToChooseIn; // files
 
     // Made on first use, kept for the process.
     std::optional<Path> _tmpFolder;
@@ -286,9 +315,11 @@ private:
     std::unique_ptr<Archiver> _archiver;
     std::unique_ptr<SUUpdater> _updater;
     std::unique_ptr<AboutController> _aboutController;
+    std::unique_ptr<JobAttention> _attention; // from the waking up on
     SavePanel* _savePanel = nullptr; // the main window's child
     std::int32_t _runCount = -1; // not read yet
 
+    std::atomic<int> _uncountedLines = 0; // of the tools, for the progress bar
     std::deque<Message> _untold; // for a time without a sheet
 
     Path _notMade; // the archive of the last request, when that ended without

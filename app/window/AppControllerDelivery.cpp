@@ -1,6 +1,9 @@
 // What becomes of an archive: shown in the file manager or mailed; and what there is to say of it.
 
 #include "app/window/AppController.h"
+#include "app/window/JobAttention.h"
+#include "app/window/ProgressSheet.h"
+#include "app/window/ResultText.h"
 #include "platform/base/files/FileMove.h"
 #include "platform/desktop/panels/Sheets.h"
 #include "platform/desktop/services/AppleScript.h"
@@ -45,21 +48,6 @@ std::string mailScript(const std::string& path)
           "end tell\n";
 }
 
-// Reasons come in the words of the system and of our tools.
-std::string translated(const char* text)
-{
-    return QCoreApplication::translate("ArchiveProblem", text).toStdString();
-}
-
-// Without its middle, when it could make a sheet wider than the screen.
-QString shortened(const QString& line)
-{
-    constexpr qsizetype longest = 120;
-    if (line.size() <= longest)
-        return line;
-    return line.left(longest / 2) + QStringLiteral("…") + line.right(longest / 2);
-}
-
 // The user's downloads, where there is such a folder.
 std::filesystem::path folderToKeepIn()
 {
@@ -85,7 +73,8 @@ void AppController::composeEmailWithAttachment(const Path& path)
 {
     _hasMailed = true;
     AppleScript script = AppleScript::initWithSource(mailScript(path.native()));
-    script.executeAndReturnError();
+    if (!script.executeAndReturnError())
+        _tellToAttach(path); // a quote in the path ends the text in the script
 
     const QString key = QStringLiteral("EmailCount");
     auto& defaults = UserDefaults::standardUserDefaults();
@@ -95,13 +84,25 @@ void AppController::composeEmailWithAttachment(const Path& path)
         sellSendora();
 }
 
+void AppController::_tellToAttach(const Path& archive)
+{
+    std::error_code missing;
+    if (!std::filesystem::exists(archive, missing))
+        return; // what was cancelled has nothing to attach
+    Workspace::sharedWorkspace().selectFile(archive);
+    _tell({.title = tr("The message could not be made"),
+        .text = tr("No mail program took the archive. You can attach it yourself; it stays "
+                   "until you quit:\n%1")
+                    .arg(PathText::textOf(archive))});
+}
+
 // What was made for messages lies in the scratch folder, which goes with the program.
 bool AppController::_mayLeaveMessages()
 {
     std::error_code missing;
     if (!_hasMailed || _isTerminating || std::filesystem::is_empty(tmpFolder(), missing) || missing)
         return true;
-    if (Sheets::attachedSheet(_interface.mainWindow) != nullptr)
+    if (QApplication::activeModalWidget() != nullptr)
         return false; // one question at a time
     const Path folder = folderToKeepIn();
     _interface.mainWindow->setWindowState(
@@ -148,26 +149,14 @@ bool AppController::_keepMailedArchives(const Path& inFolder)
 void AppController::_fail(const ArchiveProblem& problem)
 {
     _interface.progressWindow->hide();
-    QString consequence = QString::fromStdString(problem.consequence(translated));
-    if (consequence.isEmpty())
-        consequence = tr("The archive could not be made");
-    QString cause = QString::fromStdString(problem.cause(translated));
-    cause.replace(0, 1, cause.left(1).toUpper());
-    _afterDelay(nextSheetDelay, [this, text = tr("%1. %2.").arg(consequence, cause)] {
-        _tell({.title = tr("Error"), .text = text});
-    });
+    const QString text = ResultText::sentencesOf(problem, tr("The archive could not be made"));
+    _afterDelay(nextSheetDelay, [this, text] { _tell({.title = tr("Error"), .text = text}); });
 }
 
 // Of an archive that is made all the same.
 void AppController::_tellWhatIsMissing(const LeftOut& leftOut)
 {
-    QStringList lines;
-    for (const LeftOut::Item& item : leftOut.items) {
-        const QString name = QString::fromStdString(item.name);
-        lines.append(item.reason.empty()
-                ? name
-                : tr("%1: %2").arg(name, QString::fromStdString(translated(item.reason.c_str()))));
-    }
+    const QStringList lines = ResultText::linesOf(leftOut);
     const QString more = leftOut.more == 0 ? QString() : tr("… and %1 more").arg(leftOut.more);
     _afterDelay(nextSheetDelay, [this, lines, more, count = leftOut.count()] {
         _tell({.title = tr("Not everything is in the archive"),
@@ -181,13 +170,14 @@ void AppController::_tellWhatIsMissing(const LeftOut& leftOut)
 QString AppController::_listed(const QStringList& lines, std::size_t count)
 {
     constexpr qsizetype most = 10;
-    QStringList shown;
-    for (const QString& line : lines.mid(0, most))
-        shown.append(shortened(line));
-    count = std::max(count, static_cast<std::size_t>(lines.size()));
-    if (count > most)
-        shown.append(tr("… and %1 more").arg(count - most));
-    return shown.join(QLatin1Char('\n'));
+    return ResultText::listed(lines, most, count);
+}
+
+// Whoever uses another program is told by the desktop. What is mailed shows itself.
+void AppController::_attend(const ArchiveJob::Result& result)
+{
+    const bool stays = !_shouldAutoQuit;
+    _attention->end(result, {.toWindow = stays, .toArchive = stays && !_mailsArchive});
 }
 
 void AppController::_tell(const Message& message)
@@ -219,16 +209,7 @@ void AppController::_tellNext()
 void AppController::_hearDesktop()
 {
     connect(&MailComposer::sharedComposer(), &MailComposer::couldNotAttach, this,
-        [this](const Path& archive) {
-            std::error_code missing;
-            if (!std::filesystem::exists(archive, missing))
-                return; // what was cancelled has nothing to attach
-            Workspace::sharedWorkspace().selectFile(archive);
-            _tell({.title = tr("The message could not be made"),
-                .text = tr("No mail program took the archive. You can attach it yourself; it stays "
-                           "until you quit:\n%1")
-                            .arg(PathText::textOf(archive))});
-        });
+        [this](const Path& archive) { _tellToAttach(archive); });
     connect(&MailComposer::sharedComposer(), &MailComposer::attached, this,
         [this](const Path& archive, bool isCertain) {
             if (!isCertain)

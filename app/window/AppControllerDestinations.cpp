@@ -4,6 +4,7 @@
 #include "app/window/AppController.h"
 #include "app/window/Destinations.h"
 #include "app/window/DropView.h"
+#include "app/window/RequestSettings.h"
 #include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/services/PathText.h"
 #include "platform/desktop/settings/UserDefaults.h"
@@ -70,7 +71,7 @@ void AppController::setupDestinations()
     addItemWithTitle(menu, QString(), this, "dummy");
     int tag = DestinationTagFirstFolder;
     for (const QString& folder : folders)
-        addItemWithTitle(menu, Destinations::abbreviatedWithTilde(folder), tag++);
+        addItemWithTitle(menu, PathText::abbreviatedWithTilde(folder), tag++);
     if (!folders.isEmpty())
         addItemWithTitle(menu, QString(), this, "dummy"); // takes the place of the first blank
     addItemWithTitle(menu, tr("Remove Selected Entry"), this, "removeDestination");
@@ -98,13 +99,9 @@ void AppController::_followSettings()
         });
 }
 
-// A tag left by a longer list falls back to the source's folder; a negative one stays as it is.
 int AppController::selectedDestination() const
 {
-    const auto tag = static_cast<std::int32_t>(
-        UserDefaults::standardUserDefaults().integerForKey(selectedDestinationKey));
-    const auto count = static_cast<int>(storedDestinations().size());
-    return tag < count + DestinationTagFirstFolder ? tag : int{DestinationTagSameAsSource};
+    return RequestSettings::selectedDestination();
 }
 
 void AppController::setSelectedDestination(int tag)
@@ -114,21 +111,26 @@ void AppController::setSelectedDestination(int tag)
 
 std::optional<AppController::Path> AppController::destinationDirectory()
 {
-    std::optional<Path> folder;
-    switch (const int tag = selectedDestination()) {
+    switch (selectedDestination()) {
     case DestinationTagEmail:
-        folder = tmpFolder();
-        break;
+        return tmpFolder();
     case DestinationTagSameAsSource:
-        folder = _interface.saveDropView->folder();
-        break;
+        return _interface.saveDropView->folder();
     default:
-        if (tag >= DestinationTagFirstFolder)
-            folder = PathText::pathOf(storedDestinations().value(tag - DestinationTagFirstFolder));
+        return RequestSettings::rememberedFolder();
     }
-    if (folder)
-        folder = PathString::stringByExpandingTildeInPath(folder->native());
-    return folder;
+}
+
+std::vector<FolderMenu::Folder> AppController::foldersToSaveIn()
+{
+    std::vector<FolderMenu::Folder> folders;
+    if (const auto source = _interface.saveDropView->folder())
+        folders.push_back({tr("Same as source: %1")
+                               .arg(PathText::abbreviatedWithTilde(PathText::textOf(*source))),
+            *source});
+    for (const QString& folder : storedDestinations())
+        folders.push_back({folder, PathString::stringByExpandingTildeInPath(folder.toStdString())});
+    return folders;
 }
 
 QString AppController::_destinationDirectoryText()
@@ -155,7 +157,7 @@ void AppController::addDestinationPath(const QString& path)
 {
     UserDefaults::standardUserDefaults().synchronize(); // another program may have added one
     QStringList folders = storedDestinations();
-    folders.prepend(Destinations::abbreviatedWithTilde(path));
+    folders.prepend(PathText::abbreviatedWithTilde(path));
     storeDestinations(folders);
     setSelectedDestination(DestinationTagFirstFolder);
 }

@@ -1,14 +1,21 @@
 // How files come to the box besides a drop: opened with the program's icon, chosen, or pasted.
 
+#include "app/job/StandardReport.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
+#include "platform/base/seams/AlertPanel.h"
 #include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/services/PathText.h"
+#include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QLocale>
 #include <QMimeData>
+
+#include <utility>
 
 namespace
 {
@@ -24,7 +31,33 @@ constexpr double windowDelay = 0.5;
 void AppController::openDocuments(Documents documents)
 {
     _waiting.push_back(std::move(documents));
+    Q_EMIT waitingChanged();
     _openNext();
+}
+
+void AppController::droppedMeanwhile(const std::vector<Path>& files, const QStringList& leftOut)
+{
+    if (!leftOut.isEmpty())
+        couldNotOpen(leftOut);
+    if (!files.empty())
+        openDocuments({.files = files});
+}
+
+QString AppController::waitingText() const
+{
+    QStringList names;
+    for (const Documents& documents : _waiting)
+        for (const Path& file : documents.files)
+            names.append(PathText::textOf(file.filename()));
+    return names.isEmpty() ? QString() : tr("Next: %1").arg(QLocale().createSeparatedList(names));
+}
+
+QString AppController::hint()
+{
+    const auto& defaults = UserDefaults::standardUserDefaults();
+    return defaults.integerForKey(QStringLiteral("UsageCount")) > 0
+        ? QString()
+        : tr("or press Space to choose, Ctrl+V to paste");
 }
 
 // Not into what is being asked for or made: that would be added to it, or go with it.
@@ -38,6 +71,7 @@ void AppController::_openNext()
     }
     const Documents documents = std::move(_waiting.front());
     _waiting.pop_front();
+    Q_EMIT waitingChanged();
     // What is left of a request that was given up takes them in, and is not proposed anew.
     if (_interface.saveDropView->files().empty()) {
         _isUnderWay = true;
@@ -54,6 +88,34 @@ void AppController::_endRequest()
     _opensForEmail = false;
     if (!_waiting.empty())
         _afterDelay(windowDelay, [this] { _openNext(); });
+}
+
+// Above the sheet of the request that they wait for.
+bool AppController::_mayForgetWaiting()
+{
+    QStringList names;
+    for (const Documents& documents : _waiting)
+        for (const Path& file : documents.files)
+            names.append(PathText::textOf(file.filename()));
+    if (names.isEmpty())
+        return true;
+    const int answer = AlertPanel::runAlertPanel(
+        {.title = tr("Files still waiting: %1").arg(names.size()).toStdString(),
+            .message = tr("They came while another archive was being made, and get none if you "
+                          "quit:\n%1")
+                           .arg(_listed(names))
+                           .toStdString(),
+            .defaultButton = tr("Cancel").toStdString(),
+            .otherButton = tr("&Quit Anyway").toStdString()});
+    return answer == AlertPanel::answerOther;
+}
+
+// Nobody is asked any more.
+void AppController::_forgetWaiting()
+{
+    for (const Documents& documents : std::exchange(_waiting, {}))
+        for (const Path& file : documents.files)
+            StandardReport::complain("'" + file.native() + "' was still waiting: no archive of it");
 }
 
 bool AppController::applicationOpenFile(const Path& path)
@@ -78,22 +140,39 @@ void AppController::_tellWhatIsLeftOut()
     const QStringList leftOut = _interface.saveDropView->leftOut();
     if (!leftOut.isEmpty())
         _interface.mainWindow->runMessageSheetWithTitle(tr("Not everything can be archived"),
-            tr("These are no files of this computer, and will be left out:\n%1")
+            tr("These are not files on this computer and will be left out:\n%1")
                 .arg(_listed(leftOut)));
 }
 
 void AppController::chooseFiles(QObject* /*sender*/)
 {
-    if (acceptsFiles())
-        OpenPanel::beginForFiles(
-            _interface.mainWindow, [this](const auto& paths) { _chose(paths); });
+    _choose([this](const auto& paths) { _chose(paths); });
 }
 
-void AppController::chooseFolder(QObject* /*sender*/)
+void AppController::chooseFilesForEmail()
 {
-    if (acceptsFiles())
-        OpenPanel::beginForFolder(
-            _interface.mainWindow, {}, [this](const auto& paths) { _chose(paths); });
+    _choose([this](const auto& paths) {
+        if (paths.empty())
+            return;
+        if (!_isUnderWay)
+            _interface.saveDropView->clearFiles(); // of a request that was given up
+        openDocuments({.files = paths, .forEmail = true});
+    });
+}
+
+// Where the last choice was made; at first where the program was started.
+void AppController::_choose(std::function<void(const std::vector<Path>& paths)> then)
+{
+    if (!acceptsFiles())
+        return;
+    std::error_code gone;
+    if (!std::filesystem::is_directory(_folderToChooseIn, gone))
+        _folderToChooseIn = std::filesystem::current_path(gone);
+    OpenPanel::beginForFiles(_interface.mainWindow, _folderToChooseIn,
+        [this, then = std::move(then)](const auto& paths, const Path& folder) {
+            _folderToChooseIn = folder;
+            then(paths);
+        });
 }
 
 void AppController::_chose(const std::vector<Path>& paths)

@@ -191,6 +191,7 @@ void AppController::showAbout(QObject* /*sender*/)
 {
     if (!_aboutController)
         _aboutController = std::make_unique<AboutController>(ownProduct);
+    _aboutController->setMainWindow(_interface.mainWindow);
     _aboutController->showWindow(this);
 }
 
@@ -201,8 +202,10 @@ void AppController::showPreference(QObject* /*sender*/)
 
 void AppController::preferenceDidChange()
 {
-    _interface.advertTextView->setVisible(
-        !UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("HideAdvert")));
+    const bool isShown
+        = !UserDefaults::standardUserDefaults().boolForKey(QStringLiteral("HideAdvert"));
+    _interface.advertTextView->setVisible(isShown);
+    _interface.advertTextView->parentWidget()->setVisible(isShown); // the bar it stands on
 }
 
 std::int32_t AppController::randomProductId()

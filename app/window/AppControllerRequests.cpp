@@ -1,10 +1,12 @@
 // A request: proposed name, panel or name sheet, worker thread, progress sheet.
 
 #include "app/job/ArchiveKind.h"
-#include "app/job/ProposedName.h"
 #include "app/window/AdvertTextView.h"
 #include "app/window/AppController.h"
 #include "app/window/DropView.h"
+#include "app/window/JobAttention.h"
+#include "app/window/ProgressSheet.h"
+#include "app/window/RequestSettings.h"
 #include "platform/base/files/FileTree.h"
 #include "platform/base/seams/MainQueue.h"
 #include "platform/desktop/panels/SavePanel.h"
@@ -12,7 +14,6 @@
 #include "platform/desktop/panels/Tag.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "shared/Library/Extras/QKWindow.h"
-#include "system/PathString.h"
 
 #include <QCoreApplication>
 #include <QLabel>
@@ -33,6 +34,8 @@ constexpr std::chrono::duration<double> pauseBeforeProgress = 1s;
 constexpr std::chrono::duration<double> pauseAfterCompletion = 1s;
 constexpr double sheetCloseDelay = 0.2;
 
+constexpr std::chrono::milliseconds drawingInterval = 40ms; // of the progress bar
+
 const QString archiveTypeKey = QStringLiteral("ArchiveType");
 
 } // namespace
@@ -43,10 +46,8 @@ void AppController::startProcessing(QObject* /*sender*/)
         return;
     _isUnderWay = true;
     _tellWhatIsLeftOut();
-    const bool keepsExtension = UserDefaults::standardUserDefaults().boolForKey(
-        QStringLiteral("KeepExtensionForDefaultName"));
-    const QString name = QString::fromStdString(
-        proposedName(_interface.saveDropView->files(), keepsExtension, ".zip"));
+    const QString name
+        = QString::fromStdString(RequestSettings::nameFor(_interface.saveDropView->files()));
     if (selectedDestination() != DestinationTagEmail && !_opensForEmail) {
         runSavePanelSheet(name);
         return;
@@ -66,6 +67,7 @@ void AppController::runSavePanelSheet(const std::optional<QString>& proposedName
     setFilename(proposedName.value_or(QString()));
     SavePanel& panel = savePanel();
     panel.setNameFieldStringValue(_filename);
+    panel.setFolders(foldersToSaveIn());
     if (const auto folder = destinationDirectory())
         panel.setDirectoryURL(*folder);
     panel.beginSheetModalForWindow(_interface.mainWindow, [this](int answer, const Path& path) {
@@ -87,6 +89,13 @@ SavePanel& AppController::savePanel()
         _savePanel->setAccessoryView(_interface.accessoryView);
         _savePanel->setPrompt(tr("OK"));
         _savePanel->setAllowedFileType(QStringLiteral("zip"));
+        const auto showExtension = [this] {
+            const auto type = UserDefaults::standardUserDefaults().integerForKey(archiveTypeKey);
+            if (const auto* kind = ArchiveKind::ofType(static_cast<int>(type)))
+                _savePanel->setFinalExtension(QString::fromStdString(std::string(kind->extension)));
+        };
+        connect(this, &AppController::archiveTypeChanged, _savePanel, showExtension);
+        showExtension();
     }
     return *_savePanel;
 }
@@ -110,21 +119,12 @@ void AppController::dismissSheet(QObject* sender)
 // drop.
 void AppController::archiveToPath(const Path& path)
 {
-    const auto& defaults = UserDefaults::standardUserDefaults();
-    const auto type = static_cast<int>(defaults.integerForKey(archiveTypeKey));
-    const ArchiveKind* kind = ArchiveKind::ofType(type);
-    std::string name = PathString::stringByDeletingPathExtension(path.filename().native());
-    if (kind != nullptr)
-        name += kind->extension;
-    ArchiveJob::Request request{.items = _interface.saveDropView->files(),
-        .archive = path.parent_path() / name,
-        .type = type,
-        .compressionLevel
-        = static_cast<int>(defaults.integerForKey(QStringLiteral("CompressionLevel")))};
+    auto request = RequestSettings::request(_interface.saveDropView->files(), path);
     try {
         _job = std::make_shared<ArchiveJob>(archiver(), std::move(request), _events());
         _worker = std::async(std::launch::async, [this] { _work(); });
         _setAcceptsFiles(false);
+        _attention->begin();
     } catch (const std::exception&) {
         _job.reset();
         _fail({.kind = ArchiveProblem::Kind::noWorkingFolder, .path = tmpdirString()});
@@ -138,6 +138,7 @@ ArchiveJob::Events AppController::_events()
     return {
         .setNumberOfFiles = [this](int count) { setNumberOfFiles(count); },
         .progressBy = [this](int lines) { progressBy(lines); },
+        .progressed = [this](const JobProgress& progress) { progressed(progress); },
         .completedWithStatus = [this](int status) { archiverCompletedWithStatus(status); },
     };
 }
@@ -148,9 +149,8 @@ void AppController::_work()
 {
     _job->sleepFor(pauseBeforeProgress);
     _performOnMainThread([this] {
-        _interface.statusTF->clear();
-        _interface.progress->setValue(0);
-        Sheets::begin(_interface.progressWindow, _interface.mainWindow);
+        _interface.progressWindow->restart();
+        Sheets::beginOverOpenWindow(_interface.progressWindow, _interface.mainWindow);
     });
     _performOnMainThread([this, result = _job->run()] {
         _notMade = result.isMade ? Path() : result.archive.value_or(Path());
@@ -160,6 +160,7 @@ void AppController::_work()
             _fail(*result.problem);
         else if (result.isMade && !result.isWhole)
             _tellWhatIsMissing(result.leftOut);
+        _attend(result);
         _interface.saveDropView->clearFiles();
         incrementUsageCount();
         _job.reset();
@@ -169,13 +170,13 @@ void AppController::_work()
     });
 }
 
-void AppController::_performOnMainThread(std::function<void()> block)
+void AppController::_performOnMainThread(
+    std::function<void()> block, std::chrono::nanoseconds after)
 {
-    MainQueue::dispatchAfter(std::chrono::nanoseconds::zero(),
-        [self = QPointer(this), job = _job, task = std::move(block)] {
-            if (self && !(job && job->isAbandoned()))
-                task();
-        });
+    MainQueue::dispatchAfter(after, [self = QPointer(this), job = _job, task = std::move(block)] {
+        if (self && !(job && job->isAbandoned()))
+            task();
+    });
 }
 
 bool AppController::acceptsFiles() const
@@ -201,23 +202,43 @@ void AppController::setNumberOfFiles(int count)
     _performOnMainThread([this, count] { _interface.progress->setMaximum(std::max(count, 1)); });
 }
 
+// The tools of small items write a thousand lines a second: drawing each would take the processor
+// from them.
 void AppController::progressBy(int lines)
 {
-    _performOnMainThread([this, lines] {
-        QProgressBar& bar = *_interface.progress;
-        _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
-        bar.setValue(bar.value() + std::min(lines, bar.maximum() - bar.value()));
+    if (_uncountedLines.fetch_add(lines) == 0)
+        _performOnMainThread([this] { _countLines(); }, drawingInterval);
+}
+
+void AppController::_countLines()
+{
+    const int lines = _uncountedLines.exchange(0);
+    if (lines == 0)
+        return; // the job has ended meanwhile
+    QProgressBar& bar = *_interface.progress;
+    _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
+    bar.setValue(bar.value() + std::min(lines, bar.maximum() - bar.value()));
+}
+
+void AppController::progressed(const JobProgress& progress)
+{
+    _performOnMainThread([this, progress] {
+        _interface.progressWindow->advanceTo(progress);
+        if (progress.fraction)
+            _attention->advanceTo(*progress.fraction);
     });
 }
 
 void AppController::archiverCompletedWithStatus(int status)
 {
     _performOnMainThread([this, status] {
+        _countLines();
         if (status == 0)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Completed"));
         else if (status == 1)
             _interface.statusTF->setText(QCoreApplication::translate("Localizable", "Cancelled"));
         _interface.progress->setValue(_interface.progress->maximum());
+        _interface.progressWindow->finish();
     });
     if (_job)
         _job->sleepFor(pauseAfterCompletion);

@@ -1,17 +1,8 @@
 #include "app/window/Destinations.h"
 
-#include "system/PathString.h"
+#include "platform/desktop/services/PathText.h"
 
 #include <map>
-
-QString Destinations::abbreviatedWithTilde(const QString& path)
-{
-    const QString home = QString::fromStdString(PathString::stringByExpandingTildeInPath("~"));
-    if (path == home)
-        return QStringLiteral("~");
-    const bool isInside = home.size() > 1 && path.startsWith(home + QLatin1Char('/'));
-    return isInside ? QLatin1Char('~') + path.mid(home.size()) : path;
-}
 
 QStringList Destinations::removeDuplicatesAndAbbreviateWithTilde(const QStringList& paths)
 {
@@ -24,7 +15,7 @@ QStringList Destinations::removeDuplicatesAndAbbreviateWithTilde(const QStringLi
     for (const QString& path : paths) {
         const auto fixed = abbreviations.find(path);
         const QString folder
-            = fixed == abbreviations.end() ? abbreviatedWithTilde(path) : fixed->second;
+            = fixed == abbreviations.end() ? PathText::abbreviatedWithTilde(path) : fixed->second;
         if (!folder.isEmpty() && !cleaned.contains(folder))
             cleaned.append(folder);
     }

@@ -6,9 +6,6 @@
 namespace Destinations
 {
 
-// "~" in place of the home folder that a path begins with.
-[[nodiscard]] QString abbreviatedWithTilde(const QString& path);
-
 // Each folder abbreviated, the first of equal ones, no empty ones; the order is kept.
 [[nodiscard]] QStringList removeDuplicatesAndAbbreviateWithTilde(const QStringList& paths);
 

@@ -13,6 +13,9 @@
 #include <QPointer>
 #include <QSysInfo>
 
+#include <algorithm>
+#include <cmath>
+
 namespace
 {
 
@@ -23,6 +26,8 @@ constexpr double lineWidth = 2;
 constexpr double dashLength = 20;
 constexpr double gapLength = 4;
 constexpr int captionSize = 20;
+constexpr int hintGap = 6;
+constexpr int largestHint = 16; // it stays the smaller line
 constexpr double focusInset = 4; // outside the outline
 constexpr float focusRadius = 6;
 
@@ -45,6 +50,31 @@ UriList::FilePaths filesIn(const QMimeData& pasteboard)
     return UriList::copiedFilePaths(pasteboard.data(copiedFilesType).toStdString(), hostName);
 }
 
+QStringList linesOf(const std::vector<UriList::RefusedLine>& refused)
+{
+    QStringList lines;
+    for (const UriList::RefusedLine& each : refused)
+        lines.append(QString::fromStdString(each.line));
+    return lines;
+}
+
+// Of two colours, from 1 to 21, as the Web Content Accessibility Guidelines define it. What has to
+// be seen, but not read, needs 3.
+constexpr double leastContrast = 3;
+
+double contrast(const QColor& one, const QColor& other)
+{
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+            + 0.0722 * linear(color.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
 QColor grey(float white)
 {
     return QColor::fromRgbF(white, white, white);
@@ -57,6 +87,7 @@ DropView::DropView(QWidget* parent)
 {
     setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setText(tr("Drop Files Here"));
     setAccessibleName(text());
     setAccessibleDescription(tr("Drop files and folders here, or press to choose files"));
@@ -99,6 +130,12 @@ void DropView::setFiles(Files files)
     _leftOut.clear();
 }
 
+void DropView::setHint(const QString& hint)
+{
+    _hint = hint;
+    update();
+}
+
 QSize DropView::sizeHint() const
 {
     return {380, 220};
@@ -115,11 +152,8 @@ void DropView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(event->rect(), _animate ? hbgColor() : bgColor());
-    const Caption caption = dropHereString();
-    painter.setFont(caption.font);
-    painter.setPen(caption.color);
-    painter.drawText(rect(), Qt::AlignCenter, caption.text);
+    painter.fillRect(event->rect(), _isHighlighted() ? hbgColor() : bgColor());
+    _drawTexts(painter);
     if (_animate) {
         _phase += phaseStep;
         QKUtility::afterDelay(passDelayInSeconds, [view = QPointer(this)] {
@@ -136,22 +170,48 @@ DropView::Caption DropView::dropHereString() const
 {
     QFont font(QStringLiteral("Helvetica"));
     font.setPixelSize(captionSize);
-    return {text(), font, _animate ? hfgColor() : fgColor()};
+    return {text(), font, _isHighlighted() ? hfgColor() : fgColor()};
+}
+
+void DropView::_drawTexts(QPainter& painter) const
+{
+    const Caption caption = dropHereString();
+    painter.setFont(caption.font);
+    painter.setPen(caption.color);
+    painter.drawText(rect(), Qt::AlignCenter, caption.text);
+    if (_hint.isEmpty())
+        return;
+    // A grey of the caption's would be too faint for small letters: this one has a contrast of 5.
+    static const QColor hintColor = grey(0.43F);
+    const int below = rect().center().y() + painter.fontMetrics().height() / 2 + hintGap;
+    const QRect place = rect()
+                            .adjusted(2 * outlineInset, 0, -2 * outlineInset, -outlineInset)
+                            .intersected(QRect(0, below, width(), height()));
+    QFont hintFont = font();
+    hintFont.setPixelSize(std::min(QFontInfo(hintFont).pixelSize(), largestHint));
+    painter.setFont(hintFont);
+    painter.setPen(_isHighlighted() ? caption.color : hintColor);
+    constexpr int wrapped = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
+    if (place.contains(painter.boundingRect(place, wrapped, _hint))) // else the box is too small
+        painter.drawText(place, wrapped, _hint);
 }
 
 // Some styles would fill the whole box.
 void DropView::_drawFocus(QPainter& painter) const
 {
     const QRectF box = QRectF(rect()).adjusted(focusInset, focusInset, -focusInset, -focusInset);
-    painter.strokePath(BezierPathExtras::bezierPathWithRoundRectInRect(box, focusRadius),
-        QPen(palette().color(QPalette::Active, QPalette::Highlight), lineWidth));
+    QColor ring = palette().color(QPalette::Active, QPalette::Highlight);
+    while (contrast(ring, bgColor()) < leastContrast) // dark palettes have light ones
+        ring = ring.darker(110);
+    painter.strokePath(
+        BezierPathExtras::bezierPathWithRoundRectInRect(box, focusRadius), QPen(ring, lineWidth));
 }
 
 void DropView::drawDashedBoxWithPhase(QPainter& painter, float phase) const
 {
     const QRectF box
         = QRectF(rect()).adjusted(outlineInset, outlineInset, -outlineInset, -outlineInset);
-    QPen pen(_animate ? hfgColor() : fgColor(), lineWidth);
+    QPen pen(_isHighlighted() ? hfgColor() : fgColor(), lineWidth);
     pen.setCapStyle(Qt::FlatCap);
     // Qt counts dashes in line widths.
     pen.setDashPattern({dashLength / lineWidth, gapLength / lineWidth});
@@ -192,8 +252,7 @@ bool DropView::performDragOperation(const QMimeData& pasteboard)
 {
     UriList::FilePaths found = filesIn(pasteboard);
     setFiles(std::move(found.paths));
-    for (const UriList::RefusedLine& refused : found.refused)
-        _leftOut.append(QString::fromStdString(refused.line));
+    _leftOut = linesOf(found.refused);
     return true;
 }
 
@@ -249,6 +308,12 @@ void DropView::dropEvent(QDropEvent* event)
         return;
     }
     event->accept();
-    if (prepareForDragOperation() && performDragOperation(*event->mimeData()))
+    if (!prepareForDragOperation())
+        return;
+    if (!acceptDrops()) {
+        UriList::FilePaths found = filesIn(*event->mimeData());
+        Q_EMIT droppedMeanwhile(found.paths, linesOf(found.refused));
+    } else if (performDragOperation(*event->mimeData())) {
         concludeDragOperation();
+    }
 }

@@ -1,7 +1,8 @@
 // The box onto which files are dragged. It shows a drag that hovers by inverted greys and a
-// marching outline, holds the list of dropped files for the rest of the program, and a moment after
-// a drop asks the controller to start processing. Pressing it stands for choosing files. Main
-// thread only.
+// marching outline, a press by the greys alone, holds the list of dropped files for the rest of the
+// program, and a moment after a drop asks the controller to start processing. Pressing it stands
+// for choosing files. While it is shut, which is when it does not accept drops, it hands on what is
+// dropped beside it (DropArea). Main thread only.
 #pragma once
 
 #include <QAbstractButton>
@@ -31,6 +32,9 @@ public:
     void setFiles(Files files);
     void addFileWithPath(const std::filesystem::path& path) { _files.push_back(path); }
     void clearFiles() { setFiles({}); }
+
+    // A smaller line under the caption; none when it is empty.
+    void setHint(const QString& hint);
 
     // What came with the files, by its address, and is no file of this computer.
     [[nodiscard]] const QStringList& leftOut() const { return _leftOut; }
@@ -74,19 +78,25 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
-Q_SIGNALS:
-    // A moment after a drop.
-    void filesDropped();
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
+Q_SIGNALS:
+    // A moment after a drop.
+    void filesDropped();
+
+    // While the box is shut: its own files stay as they are.
+    void droppedMeanwhile(const DropView::Files& files, const QStringList& leftOut);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
+    [[nodiscard]] bool _isHighlighted() const { return _animate || isDown(); }
+    void _drawTexts(QPainter& painter) const;
     void _drawFocus(QPainter& painter) const;
 
     bool _animate = false;
@@ -94,4 +104,5 @@ private:
     float _phase = 0;
     Files _files;
     QStringList _leftOut;
+    QString _hint;
 };

@@ -2,12 +2,15 @@
 
 #include "app/window/AppController.h"
 #include "app/window/ArchiveNameValidator.h"
+#include "app/window/DropArea.h"
 #include "platform/desktop/settings/Bindings.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "ui_AccessoryView.h"
 #include "ui_EmailWindow.h"
 #include "ui_MainWindow.h"
 #include "ui_ProgressWindow.h"
+
+#include <QShortcut>
 
 namespace
 {
@@ -17,7 +20,6 @@ void connectMenus(const Ui::MainWindow& form, AppController& controller, QKWindo
     using Action = void (AppController::*)(QObject*);
     const std::pair<QAction*, Action> actions[] = {
         {form.chooseFiles, &AppController::chooseFiles},
-        {form.chooseFolder, &AppController::chooseFolder},
         {form.terminate, &AppController::terminate},
         {form.debug, &AppController::debug},
         {form.paste, &AppController::paste},
@@ -41,6 +43,29 @@ void connectMenus(const Ui::MainWindow& form, AppController& controller, QKWindo
         [&window, item = form.performZoom] { window.zoom(item); });
 }
 
+// What the box and the line under it say besides a drag, and the box's keyboard focus.
+void connectBox(const Ui::MainWindow& form, AppController& controller)
+{
+    DropView* box = form.saveDropView;
+    QObject::connect(box, &DropView::filesDropped, &controller,
+        [&controller, box] { controller.startProcessing(box); });
+    QObject::connect(
+        box, &DropView::clicked, &controller, [&controller, box] { controller.chooseFiles(box); });
+    QObject::connect(
+        box, &DropView::droppedMeanwhile, &controller, &AppController::droppedMeanwhile);
+    const auto showLines = [&controller, box, line = form.waitingLabel] {
+        box->setHint(AppController::hint());
+        line->setText(controller.waitingText());
+        line->setVisible(!line->text().isEmpty());
+    };
+    QObject::connect(&controller, &AppController::waitingChanged, box, showLines);
+    QObject::connect(&controller, &AppController::acceptsFilesChanged, box, showLines);
+    QObject::connect(
+        &controller, &AppController::acceptsFilesChanged, box, [box] { box->setFocus(); },
+        Qt::QueuedConnection); // it lost it when it was shut
+    showLines();
+}
+
 } // namespace
 
 MainInterface::MainInterface(AppController& controller)
@@ -53,8 +78,7 @@ MainInterface::MainInterface(AppController& controller)
     Ui::EmailWindow email;
     email.setupUi(_emailWindow);
     email.nameField->setValidator(new ArchiveNameValidator(_emailWindow));
-    Ui::ProgressWindow progress;
-    progress.setupUi(_progressWindow);
+    const Ui::ProgressWindow& progress = _progressWindow->form();
     Ui::AccessoryView accessory;
     accessory.setupUi(_accessoryView);
     _accessoryView->hide(); // until the panel takes it in
@@ -65,12 +89,17 @@ MainInterface::MainInterface(AppController& controller)
         int{ArchiveTypeMacZip});
 
     connectMenus(window, controller, _window);
+    QObject::connect(window.showManual, &QAction::triggered, &_manual, [this] { _manual.show(); });
     _window.setDelegate({.windowShouldClose
         = [&controller](QObject* sender) { return controller.windowShouldClose(sender); }});
-    QObject::connect(window.saveDropView, &DropView::filesDropped, &controller,
-        [&controller, box = window.saveDropView] { controller.startProcessing(box); });
-    QObject::connect(window.saveDropView, &DropView::clicked, &controller,
-        [&controller, box = window.saveDropView] { controller.chooseFiles(box); });
+    connectBox(window, controller);
+    auto* wholeWindow = new DropArea(*window.saveDropView);
+    wholeWindow->add(&_window);
+    wholeWindow->add(_progressWindow);
+    // The keys of both windows work in either.
+    _progressWindow->addActions({window.performClose, window.terminate});
+    QObject::connect(new QShortcut(Qt::Key_Escape, &_window), &QShortcut::activated, &controller,
+        [&controller] { controller.cancel(nullptr); });
     for (QPushButton* button : {email.confirmButton, email.cancelButton})
         QObject::connect(button, &QPushButton::clicked, &controller,
             [&controller, button] { controller.dismissSheet(button); });

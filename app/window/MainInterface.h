@@ -2,6 +2,7 @@
 // save panel's accessory view, connected with each other and with the controller.
 #pragma once
 
+#include "app/window/Manual.h"
 #include "app/window/ProgressSheet.h"
 #include "shared/Library/Extras/QKWindow.h"
 
@@ -22,7 +23,8 @@ public:
     [[nodiscard]] QKWindow& window() { return _window; }
 
 private:
-    QKWindow _window; // first: the sheets and the panel become its children
+    Manual _manual;
+    QKWindow _window; // before the sheets and the panel, which become its children
     QDialog* _emailWindow;
     ProgressSheet* _progressWindow;
     QWidget* _accessoryView;

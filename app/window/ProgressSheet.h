@@ -1,27 +1,47 @@
-// The sheet of the progress bar. Escape does not close it: it asks for a cancel, and the sheet goes
-// when the job has ended.
+// The sheet of the progress bar: beside what is counted, the file that is being read, how much of
+// how much, how fast and how long still. Escape does not close it: it asks for a cancel, and the
+// sheet goes when the job has ended.
 #pragma once
 
+#include "app/job/JobProgress.h"
+
 #include <QDialog>
+
+#include <memory>
+
+namespace Ui
+{
+class ProgressWindow;
+} // namespace Ui
 
 class ProgressSheet : public QDialog
 {
     Q_OBJECT
 
 public:
-    using QDialog::QDialog;
+    explicit ProgressSheet(QWidget* parent);
+    ~ProgressSheet() override;
+
+    [[nodiscard]] const Ui::ProgressWindow& form() const { return *_form; }
+
+    // For a job that begins, of which nothing is known.
+    void restart();
+    void advanceTo(const JobProgress& progress);
+    // There is nothing more to be cancelled.
+    void finish();
 
     void reject() override { Q_EMIT cancelled(); }
 
 protected:
-    // It comes up by itself: keys meant for what was there before must not press Cancel.
-    void showEvent(QShowEvent* event) override
-    {
-        QDialog::showEvent(event);
-        setFocusPolicy(Qt::ClickFocus);
-        setFocus();
-    }
+    void showEvent(QShowEvent* event) override;
 
 Q_SIGNALS:
     void cancelled();
+
+private:
+    [[nodiscard]] static QString _sizes(const JobProgress& progress);
+    [[nodiscard]] static QString _timeLeft(std::chrono::seconds time);
+    void _makeRoom();
+
+    const std::unique_ptr<Ui::ProgressWindow> _form;
 };

@@ -1,6 +1,7 @@
 #include "app/window/WindowedProgram.h"
 
 #include "app/job/DocumentPath.h"
+#include "app/job/StandardReport.h"
 #include "app/window/AppController.h"
 #include "app/window/MainInterface.h"
 #include "app/window/Translations.h"
@@ -66,6 +67,14 @@ QByteArray takeActivationToken()
     return token;
 }
 
+// Some file managers name files so. A file may be named like an address, too.
+bool isAddress(const fs::path& file)
+{
+    std::error_code missing;
+    return file.native().find(":/") != std::string::npos
+        && !fs::exists(fs::symlink_status(file, missing));
+}
+
 ApplicationService::Request requestOf(const WindowedProgram::Start& start)
 {
     ApplicationService::Request request{.activationToken = takeActivationToken()};
@@ -75,6 +84,10 @@ ApplicationService::Request requestOf(const WindowedProgram::Start& start)
         request.action = preferencesAction;
     for (const fs::path& file : start.files) {
         std::error_code missing;
+        if (isAddress(file)) {
+            request.addAddress(QString::fromStdString(file.native()));
+            continue;
+        }
         const fs::path document = documentPath(file, missing);
         request.files.push_back(missing ? fs::absolute(file, missing) : document);
     }
@@ -110,13 +123,14 @@ void Requests::take(const ApplicationService::Request& request)
     _comeToFront(request.activationToken);
     if (!std::exchange(_isLaunched, true))
         _controller.applicationDidFinishLaunching();
-    if (QApplication::activeModalWidget() != nullptr)
+    if (QApplication::activeModalWidget() != nullptr || !_controller.acceptsFiles())
         return; // one question at a time
     if (request.action == preferencesAction)
         _controller.showPreference(nullptr);
-    else if (request.action == chooseAction
-        || (request.action == emailAction && request.files.empty()))
+    else if (request.action == chooseAction)
         _controller.chooseFiles(nullptr);
+    else if (request.action == emailAction && request.files.empty() && request.refused.empty())
+        _controller.chooseFilesForEmail();
 }
 
 void Requests::_open(const ApplicationService::Request& request)
@@ -129,7 +143,7 @@ void Requests::_open(const ApplicationService::Request& request)
             documents.files.push_back(file);
             continue;
         }
-        std::cerr << "parcelo: '" << file.native() << "': " << missing.message() << "\n";
+        StandardReport::complain("'" + file.native() + "': " + missing.message());
         unusable.append(PathText::textOf(file));
     }
     if (!documents.files.empty())
@@ -152,6 +166,30 @@ void Requests::_comeToFront(const QByteArray& activationToken)
     (sheet != nullptr ? sheet : &_window)->activateWindow();
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
+
+// The session's end comes as a wish to quit that Qt would pass on to each window as a wish to
+// close. Ours asks then, and nobody is there to answer.
+class SessionEnd : public QObject
+{
+public:
+    explicit SessionEnd(AppController& controller)
+        : _controller(controller)
+    {
+        qApp->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (object != qApp || event->type() != QEvent::Quit)
+            return false;
+        _controller.terminateNow();
+        return true;
+    }
+
+private:
+    AppController& _controller;
+};
 
 } // namespace
 
@@ -186,12 +224,15 @@ int WindowedProgram::run(char* programName, const Start& start)
     // quit() would ask the windows first, and the progress sheet does not close.
     QObject::connect(&controller, &AppController::terminated, &application,
         [] { QCoreApplication::exit(EXIT_SUCCESS); });
+    const SessionEnd sessionEnd(controller);
     QSocketNotifier interrupted(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&interrupted, &QSocketNotifier::activated, &controller, [&] {
         if (signals.take())
             controller.terminateNow();
     });
     requests = std::make_unique<Requests>(controller, interface.window());
+    QObject::connect(&controller, &AppController::windowWanted, &application,
+        [&](const QByteArray& token) { requests->take({.activationToken = token}); });
     if (start.option != serviceOption)
         requests->take(asked);
     else

@@ -1,3 +1,4 @@
+#include "app/window/HereProgram.h"
 #include "app/window/WindowedProgram.h"
 #include "platform/base/process/StandardStreams.h"
 
@@ -34,7 +35,10 @@ try {
     StandardStreams::open();
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away must not cost the clean-up
     const std::span<char*> all(argv, static_cast<std::size_t>(argc));
-    return WindowedProgram::run(argv[0], startFor(all.subspan(all.empty() ? 0 : 1)));
+    const WindowedProgram::Start start = startFor(all.subspan(all.empty() ? 0 : 1));
+    if (start.option == "--here" && !start.files.empty())
+        return HereProgram::run(argv[0], start.files);
+    return WindowedProgram::run(argv[0], start);
 } catch (const std::exception& failure) {
     std::cerr << "parcelo: " << failure.what() << "\n";
     return EXIT_FAILURE;

@@ -11,7 +11,7 @@ _parcelo()
         --type) words="zip mac-zip tar.gz dmg" ;;
         --level) words="0 1 2 3 4 5 6 7 8 9" ;;
         *) [[ $current != -* ]] || words="--to --name --type --level --keep-ds-store --password-stdin
-            --quiet --email --preferences --help --version" ;;
+            --quiet --here --email --preferences --help --version" ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }

@@ -6,6 +6,7 @@ complete -c parcelo -l level -x -a '0 1 2 3 4 5 6 7 8 9' -d 'How hard to compres
 complete -c parcelo -l keep-ds-store -d 'Do not leave .DS_Store files out'
 complete -c parcelo -l password-stdin -d 'Encrypt a dmg with the first line of standard input'
 complete -c parcelo -l quiet -d 'Show no progress'
+complete -c parcelo -l here -d 'Make the archive without a window, as the preferences say'
 complete -c parcelo -l email -d 'Propose an archive for a new message'
 complete -c parcelo -l preferences -d 'Show the preferences'
 complete -c parcelo -l help -d 'Print how to use it'

@@ -1,12 +1,9 @@
 #include "app/commandline/CommandLine.h"
 
-#include "app/job/ProposedName.h"
 #include "app/job/ToolMessages.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 using Request = CommandLine::Request;
-using Lines = std::vector<std::string>;
 
 TEST(CommandLine, tellsRequestsFromWrongUsage)
 {
@@ -17,6 +14,7 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         {{"--email", "--", "a"}, Request::window, ""},
         {{"--email", "--to=d", "a"}, Request::wrongUsage,
             "the option --email goes with files alone"},
+        {{"--here", "--"}, Request::wrongUsage, "there is no FILE"},
         {{"--quiet", "a"}, Request::wrongUsage, "there is no --to FOLDER"},
         {{"--to", "d"}, Request::wrongUsage, "there is no FILE"},
         {{"--to"}, Request::wrongUsage, "the option --to needs a value"},
@@ -27,9 +25,10 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         {{"--to=d", "--type", "rar", "a"}, Request::wrongUsage, "no such type: 'rar'"},
         {{"--to=d", "--password-stdin", "a"}, Request::wrongUsage,
             "only the type dmg takes a password"},
-        {{"--to=d", "--name=", "a"}, Request::wrongUsage, "'' is no name for a file"},
-        {{"--to=d", "--name=...zip", "a"}, Request::wrongUsage, "'..' is no name for a file"},
-        {{"--to=d", "--name=a/b", "a"}, Request::wrongUsage, "'a/b' is no name for a file"},
+        {{"--to=d", "--name=", "a"}, Request::wrongUsage, "'' cannot be the name of a file"},
+        {{"--to=d", "--name=...zip", "a"}, Request::wrongUsage,
+            "'..' cannot be the name of a file"},
+        {{"--to=d", "--name=a/b", "a"}, Request::wrongUsage, "'a/b' cannot be the name of a file"},
         {{"--to=d", "--name", longName, "a"}, Request::archive, ""},
         {{"--to=d", "--name", longName + "n", "a"}, Request::wrongUsage, "the name is too long"},
     };
@@ -38,32 +37,6 @@ TEST(CommandLine, tellsRequestsFromWrongUsage)
         EXPECT_EQ(line.problem, problem);
         EXPECT_EQ(line.request, request) << testing::PrintToString(arguments);
     }
-}
-
-TEST(CommandLine, namesArchivesThatFitAFileName)
-{
-    std::string accents;
-    while (accents.size() < 254)
-        accents += "\u00e9";
-    const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
-        // The type, a name or the item /x/ITEM whose it is to be like, and what it is.
-        {"tar.gz", "Demo.tar.gz", "", "Demo"},
-        {"zip", ".zip", "", ".zip"},
-        {"zip", "", ".bashrc", ".bashrc"},
-        {"tar.gz", "", "a.tar.gz", "a.tar"},
-        {"zip", "", accents, accents.substr(0, 250)}, // 251 bytes would cut a letter in half
-        {"tar.gz", "", accents, accents.substr(0, 248)},
-        {"zip", "", std::string(255, '\x80'), std::string(251, '\x80')},
-    };
-    for (const auto& [type, name, item, expected] : cases) {
-        Lines arguments{"--to=d", "--type", type, "x"};
-        if (!name.empty())
-            arguments.push_back("--name=" + name);
-        const CommandLine line = CommandLine::parse(arguments);
-        EXPECT_EQ(
-            line.name.value_or(proposedName({"/x/" + item}, false, line.extension())), expected);
-    }
-    EXPECT_EQ(proposedName({"/"}, false, ".zip"), "Untitled");
 }
 
 TEST(ToolMessages, keepsTheWordsOfToolsAndTheirStatuses)

@@ -1,16 +1,7 @@
 // The whole program, installed in a folder of the test's own with stand-ins for its tools.
 
 #include "tests/support/Test.h"
-#include "tests/support/Tools.h"
-
-#include <csignal>
-#include <regex>
-
-#include <sys/xattr.h>
-
-using namespace support;
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
+#include "tests/support/ZipInspector.h"
 
 namespace
 {
@@ -42,17 +33,14 @@ protected:
     // The stand-ins make an archive after the script, in which "$item" is what they are to add.
     void makes(const std::string& script = "", const std::string& afterwards = "") const
     {
-        writeFile(folder / "tmp/plan",
-            R"(for argument; do case "$argument" in
+        const std::string begin = R"(for argument; do case "$argument" in
             */*.zip | */*.tar.gz) archive="$argument" ;;
             ./*) item="$argument" ;; esac; done
             : "${item:=$argument}"
-            [ "${0##*/} $1" != "hdiutil convert" ] || archive="$(pwd)/$argument.dmg"
-            )" + script
-                + R"(
-            if [ -n "$archive" ]; then printf '%s|' "$item" >>"$archive"; fi
-            )" + afterwards
-                + "\n");
+            [ "${0##*/} $1" != "hdiutil convert" ] || archive="$(pwd)/$argument.dmg")";
+        const std::string make = R"([ -z "$archive" ] || printf '%s|' "$item" >>"$archive")";
+        writeFile(
+            folder / "tmp/plan", begin + "\n" + script + "\n" + make + "\n" + afterwards + "\n");
     }
 
     Lines command(const Lines& arguments, const Lines& environment = {}) const
@@ -91,7 +79,10 @@ protected:
 
 TEST_F(Program, printsThePathOfWhatItMade)
 {
-    const std::string own = folder.path().filename();
+    const std::string own = folder.path().filename(), bytes(255, '\x80');
+    std::string accents; // of two bytes each
+    while (accents.size() < 254)
+        accents += "\u00e9";
     const std::tuple<Lines, std::string, std::string> cases[] = {
         // What is asked for, the archive's name and its content.
         {{"one.txt"}, "one.zip", "./one.txt|"},
@@ -104,10 +95,20 @@ TEST_F(Program, printsThePathOfWhatItMade)
         {{"--type=tar.gz", "one.txt"}, "one.tar.gz", "one|"},
         {{"--name=\xff\xfe", "\xff.txt"}, "\xff\xfe.zip", "./\xff.txt|"},
         {{"--name=-x", "--", "--help"}, "-x.zip", "./--help|"},
+        {{"--type=tar.gz", "--name=Demo.tar.gz", "one.txt"}, "Demo.tar.gz", "Demo|"},
+        {{"--name=.zip", "one.txt"}, ".zip.zip", "./one.txt|"},
+        {{".bashrc"}, ".bashrc.zip", "./.bashrc|"},
+        {{"--type=tar.gz", "a.tar.gz"}, "a.tar.tar.gz", "a.tar|"},
+        // As much as fits; another byte would cut a letter in half.
+        {{accents}, accents.substr(0, 250) + ".zip", "./" + accents + "|"},
+        {{"--type=tar.gz", accents}, accents.substr(0, 248) + ".tar.gz",
+            accents.substr(0, 248) + "|"},
+        {{bytes}, bytes.substr(4) + ".zip", "./" + bytes + "|"},
     };
     fs::create_symlink("/none", folder / "in/link");
-    writeFile(folder / "in/\xff.txt", "");
-    writeFile(folder / "in/--help", "");
+    for (const std::string& name :
+        {"\xff.txt"s, "--help"s, ".bashrc"s, "a.tar.gz"s, accents, bytes})
+        writeFile(folder / "in" / name, "");
     for (const auto& [arguments, archive, content] : cases) {
         const RunResult result = parcelo(joined({"--to", "../out"}, arguments));
         EXPECT_EQ(result.status, 0);
@@ -185,6 +186,7 @@ TEST_F(Program, tellsWhatHappensAndReplacesAnOlderArchiveByAWholeOneOnly)
     };
     const Case cases[] = {
         {all, "echo 'warning: x: kept as x 2'", 0, {"%: warning: x: kept as x 2"}, true},
+        {all, "rm \"$TMPDIR/../out/\"*", 0, {}, true}, // the older one, by somebody else
         {{"zip"}, "echo '  adding: a'; echo 'warning: m: Permission denied' >&2; exit 18", 1,
             {"% ended with status 18: warning: m: Permission denied"}, true},
         {{"tar.gz"}, "exit 1", 1, {"% ended with status 1"}, true},
@@ -215,9 +217,11 @@ TEST_F(Program, tellsWhatHappensAndReplacesAnOlderArchiveByAWholeOneOnly)
             const std::string tool = type == "zip" ? "zip" : type == "tar.gz" ? "tar" : "ditto";
             const fs::path archive = folder / (tool == "tar" ? "out/Demo.tar.gz" : "out/Demo.zip");
             writeFile(archive, "older");
+            chmod(archive.c_str(), S_IRUSR | S_IWUSR);
             const auto identity = [&] {
                 struct stat status = {};
                 EXPECT_EQ(stat(archive.c_str(), &status), 0);
+                EXPECT_EQ(status.st_mode, S_IFREG | S_IRUSR | S_IWUSR);
                 return std::tuple(status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec,
                     readFile(archive));
             };
@@ -245,38 +249,6 @@ TEST_F(Program, tellsWhatHappensAndReplacesAnOlderArchiveByAWholeOneOnly)
         }
 }
 
-// With the tool itself, on a folder that contains the folder for temporary files.
-TEST_F(Program, aMacZipHoldsWhatCouldBeStagedAndNamesTheRest)
-{
-    useTools();
-    makeFifo(folder / "in/pipe");
-    fs::rename(folder / "tmp", folder / "in/tmp");
-    fs::create_directory_symlink(folder / "in/tmp", folder / "tmp");
-    const bool hasAttributes = setxattr((folder / "in/one.txt").c_str(), "user.k", "v", 1, 0) == 0;
-    const RunResult result = parcelo(demo({"--type=mac-zip", "two.txt", "../in"}));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err,
-        "parcelo: '" + (folder / "in/../in/pipe").native()
-            + "' is left out: Operation not supported\n");
-    EXPECT_EQ(result.out, (folder / "out/Demo.zip").native() + "\n");
-    Lines names{"Demo/", "Demo/in/", "Demo/in/one.txt", "Demo/in/three.txt", "Demo/in/tmp/",
-        "Demo/in/tmp/plan", "Demo/in/two.txt", "Demo/two.txt"};
-    if (hasAttributes)
-        names.emplace_back("__MACOSX/Demo/in/._one.txt");
-    Lines listed = linesOf(run({"unzip", "-Z1", folder / "out/Demo.zip"}).out);
-    std::ranges::sort(listed);
-    EXPECT_EQ(listed, names);
-    EXPECT_EQ(scratch(), Lines{});
-
-    fs::remove(folder / "in/pipe");
-    const Lines again{"--to=../out", "--type=mac-zip", "."};
-    EXPECT_EQ(parcelo(again).status, 0);
-    const Lines full{"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"};
-    const Lines untraced{"ASAN_OPTIONS=detect_leaks=0"}; // which no tracer allows
-    EXPECT_TRUE(contains(run(joined(full, command(again, untraced)), options()).err,
-        "the disk of that folder is full"));
-}
-
 TEST_F(Program, aMacZipIsMadeOfLinksWhereItsItemsAre)
 {
     makes(R"(pwd >"$TMPDIR/where"; [ Demo/in/one.txt -ef ')" + (folder / "in/one.txt").native()
@@ -302,47 +274,56 @@ TEST_F(Program, aMacZipIsMadeOfLinksWhereItsItemsAre)
     }
 }
 
-// With the tools themselves and foreign readers.
-TEST_F(Program, nothingIsLostOfItemsOfOneName)
+// With the tools themselves and a foreign reader: items of one name, and one that contains the
+// destination and the working folder. Those that are a job's own are no files of the user's.
+TEST_F(Program, nothingIsLostAndNothingOfItsOwnIsAdded)
 {
     useTools();
-    writeFile(folder / "in/a/x.txt", "first");
-    writeFile(folder / "in/b/x.txt", "second");
-    writeFile(folder / "in/c/x 2.txt", "third");
-    writeFile(folder / "in/d/a/inside", "fourth");
-    const std::pair<const char*, Lines> cases[]
-        = {{"tar.gz", {"tar", "-xzf", "../out/Demo.tar.gz", "-C", "../read"}},
-            {"mac-zip", {"unzip", "-q", "../out/Demo.zip", "-d", "../read"}}};
-    for (const auto& [type, reader] : cases) {
-        SCOPED_TRACE(type);
-        fs::create_directory(folder / "read");
-        const RunResult result
-            = parcelo(demo({"--type", type, "a/x.txt", "b/x.txt", "c/x 2.txt", "a", "d/a"}));
-        EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.err.find("/b/x.txt' is kept as 'x 2.txt'"), std::string::npos);
-        EXPECT_EQ(run(reader, options()).status, 0);
-        EXPECT_EQ(run({"sh", "-c", "cd ../read/Demo; grep -r '' . | LC_ALL=C sort"}, options()).out,
-            "./a 2/inside:fourth\n./a/x.txt:first\n./x 2 2.txt:third\n./x 2.txt:second\n"
-            "./x.txt:first\n"); // and no links
-        EXPECT_EQ(scratch(), Lines{});
-        fs::remove_all(folder / "read");
+    std::set<std::string> expected{"./a 2/inside:d/a/inside", "./a/x.txt:a/x.txt",
+        "./x 2 2.txt:c/x 2.txt", "./x 2.txt:b/x.txt", "./x.txt:a/x.txt",
+        "./in/.org.parcelo.Parcelo-mine"};
+    for (const std::string file : {"a/x.txt", "b/x.txt", "c/x 2.txt", "d/a/inside", "one.txt",
+             "two.txt", "three.txt", ".org.parcelo.Parcelo-mine/x"}) {
+        writeFile(folder / "in" / file, file);
+        expected.insert("./in/" + file + ":" + file);
     }
-}
-
-// Neither the private folder nor what is in it is a file of the user's.
-TEST_F(Program, anItemMayContainTheDestination)
-{
-    useTools();
-    fs::create_directory(folder / "in/.org.parcelo.Parcelo-mine"); // of no job: a folder like any
-    for (const char* type : {"zip", "mac-zip", "tar.gz"}) {
-        ASSERT_EQ(parcelo({"--to=.", "--name=Demo", "--type", type, "../in"}).status, 0);
-        const fs::path archive
-            = folder / "in" / (std::string(type) == "tar.gz" ? "Demo.tar.gz" : "Demo.zip");
-        const RunResult listing = run({"bsdtar", "-tf", archive});
-        EXPECT_EQ(std::ranges::count(listing.out, '\n'), type[0] == 'z' ? 5 : 6) << listing.out;
-        EXPECT_NE(listing.out.find("in/.org.parcelo.Parcelo-mine/\n"), std::string::npos);
+    fs::remove_all(folder / "tmp");
+    fs::create_directory(folder / "in/tmp");
+    fs::create_directory_symlink("in/tmp", folder / "tmp");
+    const bool hasAttributes = setxattr((folder / "in/one.txt").c_str(), "user.k", "v", 1, 0) == 0;
+    const std::tuple<std::string, bool, std::string> cases[] = {
+        // A type, whether there is a pipe, and how a new name is told.
+        {"mac-zip", true, "/b/x.txt' is kept as 'x 2.txt'"},
+        {"mac-zip", false, "/b/x.txt' is kept as 'x 2.txt'"},
+        {"tar.gz", false, "/b/x.txt' is kept as 'x 2.txt'"}, {"zip", false, "stored as x 2.txt"}};
+    for (const auto& [type, hasPipe, told] : cases) {
+        SCOPED_TRACE(type);
+        if (hasPipe)
+            makeFifo(folder / "in/pipe");
+        const RunResult result = parcelo({"--to=.", "--name=Demo", "--type", type, "../in",
+            "a/x.txt", "b/x.txt", "c/x 2.txt", "a", "d/a"});
+        EXPECT_EQ(fs::remove(folder / "in/pipe"), result.status == 1);
+        EXPECT_EQ(contains(result.err, "pipe' is left out: Operation not supported\n"), hasPipe);
+        EXPECT_TRUE(contains(result.err, told)) << result.err;
+        const fs::path archive = linesOf(result.out).at(0);
+        const fs::path read = folder / "read";
+        fs::create_directory(read);
+        EXPECT_EQ(run({"bsdtar", "-xf", archive}, {.folder = read}).status, 0);
+        EXPECT_EQ(
+            fs::exists(read / "__MACOSX/Demo/in/._one.txt"), hasAttributes && type == "mac-zip");
+        const Lines found = linesOf(run({"sh", "-c", "grep -r '' .; find . -name '*org.parcelo*'"},
+            {.folder = type == "zip" ? read : read / "Demo"})
+                                        .out);
+        EXPECT_EQ(std::set(found.begin(), found.end()), expected);
+        EXPECT_EQ(scratch(), Lines{});
+        fs::remove_all(read);
         fs::remove(archive);
     }
+    const Lines full{"strace", "-f", "-o", "/dev/null", "-e", "inject=mkdirat:error=ENOSPC"};
+    const Lines again = command({"--to=../out", "--type=mac-zip", "."},
+        {"ASAN_OPTIONS=detect_leaks=0"}); // which no tracer allows
+    EXPECT_TRUE(
+        contains(run(joined(full, again), options()).err, "the disk of that folder is full"));
 }
 
 TEST_F(Program, whatIsAskedForReachesTheTools)
@@ -383,31 +364,6 @@ TEST_F(Program, isOnTheDiskBeforeItHasItsName)
     EXPECT_NE(trace.find("<" + out + ">) = 0", named), std::string::npos) << trace;
 }
 
-TEST_F(Program, aFileThatCameMeanwhileStays)
-{
-    const std::string archive = folder / "out/Demo.zip";
-    // What is there before, what happens before the tool makes the archive, and what it is then.
-    const std::tuple<const char*, std::string, const char*> cases[] = {
-        {"", "printf theirs >'" + archive + "'", "out/Demo 2.zip"},
-        {"older", "printf theirs >x; mv x '" + archive + "'", "out/Demo 2.zip"},
-        {"older", "rm '" + archive + "'", "out/Demo.zip"},
-    };
-    for (const auto& [before, meanwhile, own] : cases) {
-        SCOPED_TRACE(meanwhile);
-        fs::remove_all(folder / "out");
-        fs::create_directory(folder / "out");
-        if (*before != '\0')
-            writeFile(archive, before);
-        makes(meanwhile);
-        const RunResult result = parcelo(demo({"one.txt"}));
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.out, (folder / own).native() + "\n");
-        EXPECT_EQ(readFile(folder / own), "./one.txt|");
-        EXPECT_EQ(readFile(archive), folder / own == archive ? "./one.txt|" : "theirs");
-        EXPECT_EQ(made().size(), folder / own == archive ? 1U : 2U);
-    }
-}
-
 TEST_F(Program, anInterruptEndsTheWaitForAPassword)
 {
     makeFifo(folder / "tmp/input");
@@ -422,6 +378,72 @@ TEST_F(Program, anInterruptEndsTheWaitForAPassword)
     EXPECT_EQ(result.status, 130);
     EXPECT_EQ(result.err, "parcelo: interrupted\n");
     EXPECT_EQ(made(), Lines{});
+}
+
+class Here : public Program
+{
+protected:
+    void SetUp() override
+    {
+        if (!fs::exists(PARCELO_WINDOW_PROGRAM))
+            GTEST_SKIP() << "the window is not built";
+    }
+    Lines here(const Lines& files) const
+    {
+        return joined(
+            command({"--here"}, {"HOME=/", "XDG_CONFIG_HOME=" + folder.path().native()}), files);
+    }
+};
+
+TEST_F(Here, itIsMadeWithoutAQuestionWhereTheSettingsSayAndReplacesNothing)
+{
+    const std::string in = (folder / "in/").native();
+    const std::string out = (folder / "out/").native();
+    const std::string chosen = "Destinations=/, " + out + "\nSelectedDestination=3";
+    const std::string none = "'none': No such file or directory\n";
+    const std::string remote = "'sftp://h/x': no file of this computer\n";
+    writeFile(folder / "in/two.ZIP", "");
+    // A line of the settings, the files, the archive, what is complained of, and its names.
+    const std::tuple<std::string, Lines, std::string, std::string, Lines> cases[] = {
+        {"", {"one.txt"}, in + "one.zip", "", {"one.txt"}},
+        {"", {in + "one.txt", "two.txt"}, in + "Untitled.zip", "", {"one.txt", "two.txt"}},
+        {"SelectedDestination=1", {"one.txt"}, in + "one 2.zip", "", {"one.txt"}},
+        {"ArchiveType=0", {"one.txt"}, in + "one.tar.gz", "", {}},
+        {"KeepExtensionForDefaultName=true", {"two.ZIP"}, in + "two.zip", "", {"two.ZIP"}},
+        {"KeepExtensionForDefaultName=true", {"two.zip"}, in + "two 2.zip", "", {"two.zip"}},
+        {chosen, {"file://" + in + "on%65.txt", "none", "sftp://h/x"}, out + "one.zip",
+            none + remote, {"one.txt"}},
+        {chosen, {"none"}, "", none + "'none' cannot be read (No such file or directory)\n", {}},
+        {"Destinations=/none, /\nSelectedDestination=2", {"one.txt"}, "",
+            "Unable to write to '/none/one.zip': that folder cannot be used (No such file or "
+            "directory)\n",
+            {}},
+    };
+    for (const auto& [settings, files, archive, complaints, names] : cases) {
+        writeFile(folder / "parcelo/parcelo.conf", "[General]\n" + settings + "\n");
+        const RunResult result = run(here(files), options());
+        EXPECT_EQ(result.out, archive.empty() ? "" : archive + "\n");
+        EXPECT_EQ(std::regex_replace(result.err, std::regex("parcelo: "), ""),
+            archive.empty() ? complaints + "no archive was made\n" : complaints);
+        EXPECT_EQ(result.status, complaints.empty() ? 0 : 1);
+        EXPECT_EQ(names.empty() ? names : inspectZip(archive).names(), names);
+    }
+    EXPECT_EQ(scratch(), Lines{});
+}
+
+TEST_F(Here, whoeverEndsItLeavesNothing)
+{
+    writeFile(folder / "in/large", "");
+    fs::resize_file(folder / "in/large", std::uintmax_t{40} << 30); // takes the tool many seconds
+    const Lines before = namesIn(folder / "in");
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        RunningProgram running(here({"large"}), options());
+        ASSERT_TRUE(waitUntil([&] { return namesIn(folder / "in") != before; }));
+        running.signal(signal);
+        EXPECT_EQ(running.wait().status, signal == SIGTERM ? 130 : 128 + SIGKILL);
+        EXPECT_TRUE(waitUntil([&] { return namesIn(folder / "in") == before; }));
+        EXPECT_TRUE(waitUntil([&] { return scratch().empty(); }));
+    }
 }
 
 TEST_F(Program, drawsOneLineThatNeverWraps)

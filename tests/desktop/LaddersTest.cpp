@@ -1,10 +1,12 @@
 // What is tried, one after another, to show a file and to send one by mail.
 
+#include "platform/desktop/panels/OpenPanel.h"
+#include "platform/desktop/services/DefaultApplication.h"
 #include "platform/desktop/services/MailComposer.h"
+#include "platform/desktop/services/ProgramLauncher.h"
 #include "platform/desktop/services/Workspace.h"
 #include "tests/desktop/StandIns.h"
 
-namespace fs = std::filesystem;
 using standins::Programs;
 using enum standins::Answer;
 
@@ -54,11 +56,11 @@ std::unique_ptr<QObject> reveal(const fs::path& file, std::string& told)
 void expect(const Case& each, Ask ask, const std::string& type)
 {
     SCOPED_TRACE(each.defaultId + ": " + each.calls);
-    const support::TestFolder folder;
+    const TestFolder folder;
     // Quotes, separators and escapes of every form, and a byte that is no UTF-8.
     const fs::path file = folder / "it's, 50%&#=\"\\ \xe9.zip";
     if (each.isThere)
-        support::writeFile(file, "");
+        writeFile(file, "");
     const Programs programs;
     for (const char* name : {"nautilus", "dolphin", "thunar", "xdg-open", "thunderbird",
              "evolution", "kmail", "claws-mail", "balsa", "xdg-email"})
@@ -134,6 +136,30 @@ TEST(MailComposer, attachesByTheFirstMeansThatWorks)
         expect(each, mail, "x-scheme-handler/mailto");
 }
 
+TEST(OpenPanel, letsTheDesktopChooseAFolderElseQt)
+{
+    const Programs programs;
+    for (const auto answer : {done, cancelled, none}) {
+        const auto portal = standins::serve("org.freedesktop.portal.Desktop", answer, programs);
+        QDialog sheet;
+        bool isQts = false;
+        std::optional<std::vector<fs::path>> chosen;
+        OpenPanel::beginForFolder(&sheet, "/tmp", [&](const auto& paths) { chosen = paths; });
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            if (auto* panel = sheet.findChild<QDialog*>("chooseFolderPanel")) {
+                isQts = true;
+                panel->reject();
+            }
+            return chosen.has_value();
+        }));
+        EXPECT_EQ(isQts, answer == none);
+        // What it names is no folder: a portal older than the option.
+        const std::vector<fs::path> expected{"/no/caf\xe9"};
+        EXPECT_EQ(*chosen, answer == done ? expected : std::vector<fs::path>());
+    }
+    EXPECT_NE(programs.calls().find("directory="), std::string::npos);
+}
+
 TEST(Workspace, opensAddresses)
 {
     const Programs programs;
@@ -143,4 +169,47 @@ TEST(Workspace, opensAddresses)
     EXPECT_TRUE(workspace.openURL(QUrl("http://parcelo.example/a b?c=%26#d")));
     EXPECT_TRUE(QTest::qWaitFor([&] { return programs.calls().ends_with('\n'); }, 20000));
     EXPECT_EQ(programs.calls(), "xdg-open <http://parcelo.example/a%20b?c=%26#d>\n");
+}
+
+TEST(Workspace, opensAPageWhereABrowserIsInstalled)
+{
+    const Programs programs;
+    for (const auto& [browser, status, calls] :
+        {std::tuple("", 0, ""), {"firefox.desktop", 0, "xdg-open <file:///a%20b.html>\n"},
+            {"firefox.desktop", 4, "xdg-open <file:///a%20b.html>\n"}}) {
+        programs.addScript("xdg-mime",
+            std::string("[ \"$*\" != 'query default x-scheme-handler/http' ] || echo ") + browser);
+        programs.add("xdg-open", status);
+        std::optional<bool> works;
+        QObject context;
+        Workspace().openPage("/a b.html", &context, [&](bool does) { works = does; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return works.has_value(); }, 20000));
+        EXPECT_EQ(works, *calls != 0 && status == 0);
+        EXPECT_TRUE(programs.calls().ends_with(calls));
+    }
+}
+
+TEST(ProgramLauncher, tellsOnceWhetherTheProgramWorksIfAnybodyStillWantsToKnow)
+{
+    const std::tuple<std::string, bool, int> cases[]
+        = {{"exit 0", true, 20000}, {"exit 4", false, 20000}, {"kill -9 $$", false, 20000},
+            // Runs until its file is gone; nobody waits for that.
+            {"while [ -e \"$0\" ]; do /bin/sleep 0.1; done; exit 1", true, 50}};
+    for (const auto& [script, works, milliseconds] : cases) {
+        const Programs programs;
+        programs.addScript("program", script);
+        for (const std::string program : {"program", "not there"}) {
+            std::vector<bool> told;
+            QObject context;
+            auto isGoneSoon = std::make_unique<QObject>();
+            for (QObject* each : {isGoneSoon.get(), &context})
+                ProgramLauncher::launch(
+                    {.program = program}, each, [&](bool itWorks) { told.push_back(itWorks); },
+                    std::chrono::milliseconds(milliseconds));
+            isGoneSoon.reset();
+            EXPECT_TRUE(told.empty()) << "told before the call returned";
+            EXPECT_TRUE(standins::waitForEndOf(context));
+            EXPECT_EQ(told, std::vector{works && program == "program"}) << script;
+        }
+    }
 }

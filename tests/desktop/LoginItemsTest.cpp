@@ -2,8 +2,6 @@
 
 #include "tests/support/qt/QtTest.h"
 
-using namespace support;
-
 namespace
 {
 
@@ -13,7 +11,7 @@ struct LoginItemsTest : ::testing::Test {
     {
         const auto path = folder / "programs" / name;
         writeFile(path, "");
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        fs::permissions(path, fs::perms::owner_all);
         return path;
     }
 
@@ -46,11 +44,11 @@ TEST_F(LoginItemsTest, leaveEverythingElseAsItIs)
     const std::string end = "Exec=" + one + " %u\nX-Other = a\\sb\n\n[Group]\nHidden=true\n";
     writeFile(kept, start + "Hidden=true\n" + end);
     writeFile(folder / "users/autostart/other.desktop", "[Desktop Entry]\nExec=" + one + " -c x");
-    std::filesystem::create_symlink(kept, own);
+    fs::create_symlink(kept, own);
     const std::vector<LoginItems::Record> others{{one, false}};
     EXPECT_EQ(LoginItems::list(), others);
     EXPECT_TRUE(LoginItems::add(one, true));
-    EXPECT_TRUE(std::filesystem::is_symlink(own));
+    EXPECT_TRUE(fs::is_symlink(own));
     const std::string entry = readFile(kept);
     EXPECT_TRUE(entry.starts_with(start + "Hidden=false\n")) << entry;
     EXPECT_NE(entry.find("\nX-Other = a\\sb\n"), entry.npos) << entry;

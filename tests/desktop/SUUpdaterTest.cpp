@@ -9,7 +9,7 @@
 
 #include <QPlainTextEdit>
 
-using Feed = support::FeedServer;
+using Feed = FeedServer;
 
 namespace
 {
@@ -68,7 +68,7 @@ struct SUUpdaterTest : testing::Test {
     QWidget window;
     QMap<QString, QVariant> defaults;
     QVariant& lastCheck = defaults["SULastCheckTime"];
-    support::NotingWorkspace workspace;
+    NotingWorkspace workspace;
     std::unique_ptr<Feed> server;
     SUUpdater updater{{[this](const QString& key) { return defaults[key]; },
                           [this](const QString& key, const QVariant& to) { defaults[key] = to; }},

@@ -1,5 +1,6 @@
 #include "tests/desktop/StandIns.h"
 
+#include "system/FileDescriptor.h"
 #include "tests/support/PrivateBus.h"
 
 #include <QDBusArgument>
@@ -9,23 +10,17 @@
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
+#include <QSocketNotifier>
 
-namespace fs = std::filesystem;
+#include <array>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 using standins::Answer;
 
 namespace
 {
-
-class BusForAllTests : public ::testing::Environment
-{
-    void SetUp() override
-    {
-        static const support::PrivateBus bus; // to the end of the process
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
-    }
-};
-
-const auto* const busForAllTests = ::testing::AddGlobalTestEnvironment(new BusForAllTests);
 
 using Descriptors = QList<QDBusUnixFileDescriptor>;
 
@@ -34,8 +29,12 @@ std::string textOf(const QVariant& value)
     if (value.userType() == qMetaTypeId<QDBusUnixFileDescriptor>())
         return fs::read_symlink("/proc/self/fd/"
             + std::to_string(value.value<QDBusUnixFileDescriptor>().fileDescriptor()));
+    if (value.userType() == QMetaType::UChar)
+        return std::to_string(value.toInt());
     if (value.userType() != qMetaTypeId<QDBusArgument>())
-        return value.toStringList().join(u' ').toStdString();
+        return (value.userType() == QMetaType::QStringList ? value.toStringList().join(u' ')
+                                                           : value.toString())
+            .toStdString();
     std::string text;
     if (value.value<QDBusArgument>().currentSignature() == u"ah")
         for (const auto& file : qdbus_cast<Descriptors>(value))
@@ -76,10 +75,35 @@ public:
         _programs.note(call);
         if (_answer == Answer::error)
             return _bus.send(message.createErrorReply(QDBusError::Failed, "by the test"));
-        return _answer == Answer::yes ? _bus.send(message.createReply()) : _answerAsPortal(message);
+        if (_answer == Answer::yes || message.member() == u"Close")
+            return _bus.send(message.createReply(_valueOf(message.member())));
+        return _answerAsPortal(message);
     }
 
 private:
+    // What its method gives, of those that give anything.
+    QVariantList _valueOf(const QString& method)
+    {
+        if (method == u"GetCapabilities")
+            return {QStringList{"actions", "body", "body-markup"}};
+        if (method == u"Notify")
+            return {7U};
+        if (method != u"Inhibit")
+            return {};
+        if (_bus.name() != u"org.freedesktop.login1")
+            return {5U};
+        std::array<int, 2> ends{}; // of a pipe, whose end is that of what is inhibited
+        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        const FileDescriptor held(ends[1]);
+        auto* letGo = new QSocketNotifier(ends[0], QSocketNotifier::Read, this);
+        QObject::connect(letGo, &QSocketNotifier::activated, this, [this, letGo](int end) {
+            _programs.note("let go");
+            letGo->setEnabled(false);
+            ::close(end);
+        });
+        return {QVariant::fromValue(QDBusUnixFileDescriptor(held.number()))};
+    }
+
     bool _answerAsPortal(const QDBusMessage& message)
     {
         const auto options = qdbus_cast<QVariantMap>(message.arguments().constLast());
@@ -87,7 +111,8 @@ private:
             + message.service().mid(1).replace(u'.', u'_') + u'/'
             + options["handle_token"].toString();
         auto told = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
-        told << (_answer <= Answer::failed ? static_cast<uint>(_answer) : 0U) << QVariantMap();
+        told << (_answer <= Answer::failed ? static_cast<uint>(_answer) : 0U)
+             << QVariantMap{{"uris", QStringList{"file:///no/caf%E9/file"}}};
         if (_answer == Answer::doneBefore)
             _bus.send(told);
         _bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(path))));
@@ -107,4 +132,31 @@ std::unique_ptr<QObject> standins::serve(
     const QString& name, Answer answer, const Programs& programs)
 {
     return answer == Answer::none ? nullptr : std::make_unique<Service>(name, answer, programs);
+}
+
+std::string standins::sessionBus()
+{
+    static const PrivateBus bus; // to the end of the process
+    return bus.address();
+}
+
+void standins::signal(const char* name, const QVariantList& arguments)
+{
+    auto told = QDBusMessage::createSignal(
+        "/org/freedesktop/Notifications", "org.freedesktop.Notifications", name);
+    told.setArguments(arguments);
+    EXPECT_TRUE(QDBusConnection::sessionBus().send(told));
+}
+
+standins::Listener::Listener()
+{
+    QDBusConnection::sessionBus().connect({}, {}, "com.canonical.Unity.LauncherEntry", "Update",
+        this, SLOT(_update(QString, QVariantMap)));
+}
+
+void standins::Listener::_update(const QString& program, const QVariantMap& state)
+{
+    const bool isVisible = state["progress-visible"].toBool();
+    heard += program.toStdString() + " "
+        + (isVisible ? state["progress"].toString().toStdString() : "hidden") + "\n";
 }

@@ -7,8 +7,6 @@
 
 #include <QSlider>
 
-using namespace support;
-
 namespace
 {
 
@@ -17,12 +15,12 @@ struct UserDefaultsTest : testing::Test {
     std::unique_ptr<UserDefaults> readAgain()
     {
         const auto copy = folder / std::to_string(++copies);
-        std::filesystem::copy_file(file, copy);
+        fs::copy_file(file, copy);
         return std::make_unique<UserDefaults>(copy);
     }
 
     const TestFolder folder;
-    const std::filesystem::path file = folder / "new/parcelo/parcelo.conf";
+    const fs::path file = folder / "new/parcelo/parcelo.conf";
     UserDefaults defaults{file};
     int copies = 0;
 };
@@ -73,7 +71,7 @@ TEST_F(UserDefaultsTest, tellsOfEachChangeOnceAndWritesNoFallbacks)
 
 TEST_F(UserDefaultsTest, aFileOfAnyKindDoesNoHarm)
 {
-    std::filesystem::create_directories(folder / "folder");
+    fs::create_directories(folder / "folder");
     writeFile(folder / "random", randomBytes(100000, 1));
     writeFile(folder / "wrong", "[[\n=%%\nkey\n\\x\n@Variant(\\0\\0");
     writeFile(folder / "other", "[General]\nkey=@Variant(\\x7f)");
@@ -124,18 +122,14 @@ TEST(UserDefaultsProcess, DISABLED_writer)
 
 TEST_F(UserDefaultsTest, processesDoNotLoseEachOthersKeys)
 {
-    std::vector<std::unique_ptr<RunningProgram>> writers;
-    for (const std::string key : {"a", "b", "c"}) {
-        const RunOptions options{.environment
-            = {{"DEFAULTS_FILE=" + file.native(), "DEFAULTS_KEY=" + key, "PATH=/usr/bin:/bin"}}};
-        const std::vector<std::string> writer{"/proc/self/exe", "--gtest_also_run_disabled_tests",
-            "--gtest_filter=UserDefaultsProcess.DISABLED_writer"};
-        writers.push_back(std::make_unique<RunningProgram>(writer, options));
-    }
-    for (const auto& writer : writers)
-        EXPECT_EQ(writer->wait().status, 0) << writer->out() << writer->err();
+    const EnvironmentVariable theirs("DEFAULTS_FILE", file);
+    const RunResult writers = run({"sh", "-c", R"(for key in a b c; do
+        DEFAULTS_KEY=$key "$0" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_writer &
+        all="$all $!"; done; for one in $all; do wait $one || exit; done)",
+        fs::read_symlink("/proc/self/exe")});
+    EXPECT_EQ(writers.status, 0) << writers.out;
     for (const QString key : {"a", "b", "c"})
         for (int round = 0; round < 40; ++round)
             EXPECT_EQ(readAgain()->integerForKey(key + QString::number(round)), round);
-    EXPECT_EQ(namesIn(file.parent_path()), std::vector<std::string>{"parcelo.conf"});
+    EXPECT_EQ(namesIn(file.parent_path()), Names{"parcelo.conf"});
 }

@@ -2,7 +2,6 @@
 
 #include "tests/display/Desktop.h"
 #include "tests/support/ForeignReaders.h"
-#include "tests/support/ZipInspector.h"
 
 namespace fs = std::filesystem;
 

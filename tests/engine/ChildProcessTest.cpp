@@ -4,14 +4,9 @@
 #include "platform/base/process/Task.h"
 #include "tests/support/Test.h"
 
-#include <csignal>
-
 #include <fcntl.h>
 #include <sys/wait.h>
 
-using namespace std::chrono_literals;
-using namespace support;
-using Strings = std::vector<std::string>;
 using Ended = std::pair<int, std::string>; // the status, and the output
 
 namespace
@@ -72,9 +67,9 @@ TEST(ChildProcess, getsWhatIsSetAndNothingElse)
         {"readlink /proc/$$/fd/1 | tr -d 0-9", "pipe:[]\n", "/dev/null\n"},
         {"echo $PARCELO_TEST $PARCELO_TEST_2", "\xff\n", "\xff kept\n"},
     };
-    const Strings environment{"PARCELO_TEST=\xff"};
+    const Names environment{"PARCELO_TEST=\xff"};
     for (const auto& [text, asTask, detached] : cases) {
-        const Strings arguments{
+        const Names arguments{
             "-c", "cd \"$0\"; (" + text + ") >out", folder.path(), "\xff\n", "$(id)", ""};
         runTask({.launchPath = "/bin/sh", .arguments = arguments, .environment = environment});
         EXPECT_EQ(readFile(folder / "out"), asTask) << text;
@@ -158,7 +153,7 @@ TEST(ChildProcess, detachedLivesOnAfterItsOwnerAndLeavesNoZombie)
 {
     const TestFolder folder;
     makeFifo(folder / "gate");
-    const Strings waiting{"-c", "cd \"$0\" && read line <gate && touch done", folder.path()};
+    const Names waiting{"-c", "cd \"$0\" && read line <gate && touch done", folder.path()};
     EXPECT_EQ(DetachedProcess({.program = "sh", .arguments = waiting}).exitStatus(), std::nullopt);
     EXPECT_TRUE(hasChildren());
     writeFile(folder / "gate", "go\n");

@@ -7,12 +7,6 @@
 #include "platform/base/seams/MainQueue.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "tests/support/Test.h"
-#include "tests/support/Tools.h"
-
-using namespace support;
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 class EngineTest : public testing::Test
 {

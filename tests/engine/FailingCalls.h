@@ -65,6 +65,6 @@ inline void letFail(const std::map<unsigned, int>& reasons, const std::function<
     std::vector<unsigned> calls;
     for (const auto& [call, reason] : reasons)
         calls.push_back(call);
-    askBefore(
-        calls, [&](unsigned call) { return reasons.at(call); }, work);
+    const auto ask = [&](unsigned call) { return reasons.at(call); };
+    askBefore(calls, ask, work);
 }

@@ -7,13 +7,6 @@
 #include "tests/engine/FailingCalls.h"
 #include "tests/support/TreeSnapshot.h"
 
-#include <sys/stat.h>
-#include <sys/xattr.h>
-
-using namespace support;
-namespace fs = std::filesystem;
-using Names = std::vector<std::string>;
-
 TEST(FileMove, neverOverwritesWhateverTheFileSystemCan)
 {
     // How a rename that must not overwrite fails, and a hard link.

@@ -5,8 +5,6 @@
 #include "app/commandline/RunLoop.h"
 #include "tests/support/Test.h"
 
-using namespace std::chrono_literals;
-
 TEST(MainQueue, blocksOfAWorkerRunOnTheMainThreadOnceAndNotBeforeTheirTime)
 {
     RunLoop loop;

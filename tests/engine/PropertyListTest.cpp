@@ -7,11 +7,7 @@
 
 #include <limits>
 
-using namespace support;
-using namespace std::chrono_literals;
-using namespace std::string_literals;
 using namespace PropertyList;
-namespace fs = std::filesystem;
 
 constexpr auto largest = std::numeric_limits<std::int64_t>::max();
 
@@ -30,7 +26,7 @@ TEST(PropertyList, goesBothWaysBetweenPythonAndUsAndIsWrittenInPlaceOfTheFile)
         EXPECT_FALSE(writeToFile({{"a", Array{value}}}, folder / "ours")) << value.index();
     EXPECT_EQ(readFile(folder / "file"), "old");
     ASSERT_TRUE(writeToFile(values, folder / "ours"));
-    EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"file", "ours"}));
+    EXPECT_EQ(namesIn(folder.path()), (Names{"file", "ours"}));
     EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms{0640});
     const auto python = run({"python3", "-c", R"(import plistlib
 ours = plistlib.load(open('ours', 'rb'))

@@ -7,9 +7,9 @@
 using namespace AppcastReader;
 using Fuzzing::require;
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void Fuzzing::test(std::string_view input)
 {
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QByteArray bytes(input.data(), static_cast<qsizetype>(input.size()));
     const QString text = QString::fromUtf8(bytes);
     require(HTMLText::plainText(text).size() <= text.size(), "plain text is no longer than HTML");
     QStringList lines = text.split(u'\n').mid(0, 3) + QStringList(3);
@@ -25,5 +25,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         require(!newest || item.version.isEmpty() || !item.os.isEmpty() || !item.channel.isEmpty()
                 || compareVersions(item.version, newest->version) <= 0,
             "no version is newer than the newest");
-    return 0;
 }

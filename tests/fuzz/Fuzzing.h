@@ -2,21 +2,15 @@
 // sanitizers watch, and what the reader promises is looked at besides.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 namespace Fuzzing
 {
 
-inline std::string_view textOf(const std::uint8_t* data, std::size_t size)
-{
-    return {reinterpret_cast<const char*>(data), size};
-}
+void test(std::string_view input); // is each target's own
 
 // Ends the program, which makes libFuzzer keep the input.
 inline void require(bool holds, std::string_view promise)
@@ -28,3 +22,9 @@ inline void require(bool holds, std::string_view promise)
 }
 
 } // namespace Fuzzing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    Fuzzing::test({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

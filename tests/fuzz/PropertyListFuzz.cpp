@@ -28,16 +28,15 @@ try {
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void Fuzzing::test(std::string_view input)
 {
-    const auto value = PropertyList::valueOf(Fuzzing::textOf(data, size));
+    const auto value = PropertyList::valueOf(input);
     const auto* dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
     if (!dictionary)
-        return 0;
+        return;
     requireWayBack(*dictionary);
     for (const auto& [key, element] : *dictionary) {
         (void)PropertyList::intValue(element);
         readFont(element);
     }
-    return 0;
 }

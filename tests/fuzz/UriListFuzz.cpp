@@ -21,9 +21,8 @@ void requireWayBack(std::string path)
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void Fuzzing::test(std::string_view list)
 {
-    const std::string_view list = Fuzzing::textOf(data, size);
     const auto result = UriList::filePaths(list, hostName);
     const auto lines = static_cast<std::size_t>(std::ranges::count(list, '\n')) + 1;
     require(result.paths.size() + result.refused.size() <= lines, "a line is one file at most");
@@ -41,5 +40,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     std::string path = "/" + std::string(list);
     std::erase(path, '\0');
     requireWayBack(path);
-    return 0;
 }

@@ -57,7 +57,7 @@ TEST(DateExtras, countsLocalDaysAndFillsInTheDirectives)
 
 TEST(QKWebsite, opensThePagesOfItsProductsAndNoOthers)
 {
-    const support::NotingWorkspace workspace;
+    const NotingWorkspace workspace;
     for (const char* page : {"sendora/?a%25b", "a b/", "50%/", "\u00fcber/"})
         QKWebsite::visitPage(QString::fromUtf8(page)); // all but the first are no addresses
     for (const std::int32_t id : {22, -1, 5}) {

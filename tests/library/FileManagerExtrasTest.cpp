@@ -2,14 +2,10 @@
 
 #include "tests/support/qt/QtTest.h"
 
-#include <sys/xattr.h>
-
-namespace fs = std::filesystem;
 using namespace FileManagerExtras;
-using support::writeFile;
 
 struct FileManagerExtrasTest : testing::Test {
-    const support::TestFolder folder;
+    const TestFolder folder;
     const fs::path home = std::getenv("HOME"); // the test run's own: all the user's folders
     std::error_code error;
 };
@@ -51,8 +47,8 @@ TEST_F(FileManagerExtrasTest, copiesToAFreePathAndRemovesLittle)
     EXPECT_FALSE(copyPath(folder / "a/below/.x", folder / "b.zip", false));
     EXPECT_FALSE(copyPath(folder / "none", folder / "link", false));
     EXPECT_TRUE(copyPath(folder / "a", folder / "b.zip", true));
-    EXPECT_EQ(support::readFile(folder / "b.zip 3/below/.x"), "a/below/.x");
-    EXPECT_EQ(support::readFile(folder / "b.zip"), "b.zip");
+    EXPECT_EQ(readFile(folder / "b.zip 3/below/.x"), "a/below/.x");
+    EXPECT_EQ(readFile(folder / "b.zip"), "b.zip");
 
     fs::create_directory(folder / "empty");
     EXPECT_FALSE(removeEmptyFolderAtPath(folder / "a/below"));
@@ -60,8 +56,7 @@ TEST_F(FileManagerExtrasTest, copiesToAFreePathAndRemovesLittle)
     EXPECT_TRUE(removeEmptyFolderAtPath(folder / "empty"));
     EXPECT_TRUE(removeItemIfExistsAtPath(folder / "b.zip 2"));
     EXPECT_FALSE(removeItemIfExistsAtPath("/proc/self/stat", &error) || !error);
-    EXPECT_EQ(support::namesIn(folder.path()),
-        (std::vector<std::string>{"a", "b.zip", "b.zip 3", "link"}));
+    EXPECT_EQ(namesIn(folder.path()), (Names{"a", "b.zip", "b.zip 3", "link"}));
 }
 
 TEST_F(FileManagerExtrasTest, tellsSizesDatesAndWishes)
@@ -73,7 +68,7 @@ TEST_F(FileManagerExtrasTest, tellsSizesDatesAndWishes)
     EXPECT_EQ(fileSizeAtPaths({folder.path(), file}), 13 + 10);
 
     EXPECT_LT(creationDateOfItemAtPath(file)->secsTo(QDateTime::currentDateTime()), 60);
-    support::setTime(file, -86400, 999000000); // before 1970
+    setTime(file, -86400, 999000000); // before 1970
     EXPECT_EQ(modificationDateOfItemAtPath(file)->toMSecsSinceEpoch(), -86399001);
 
     const bool takesWishes = ::setxattr(file.c_str(), "user.k", "v", 1, 0) == 0; // file systems

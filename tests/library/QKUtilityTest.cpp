@@ -6,7 +6,7 @@
 #include "tests/support/qt/QtTest.h"
 
 struct QKUtilityTest : testing::Test {
-    const support::TestFolder folder;
+    const TestFolder folder;
 };
 
 TEST_F(QKUtilityTest, delaysBecomeWholeNanosecondsOf64Bits)
@@ -51,7 +51,7 @@ TEST_F(QKUtilityTest, keepsTheAgentFlagInTheBundle)
 {
     const Bundle former = Bundle::main();
     Bundle::setMain(Bundle(folder.path()));
-    support::writeFile(folder / "Contents/Info.plist",
+    writeFile(folder / "Contents/Info.plist",
         "<plist><dict><key>a</key><true/><key>LSUIElement</key><string>1</string></dict></plist>");
     EXPECT_TRUE(QKUtility::isHeadless());
     QKUtility::setHeadless(false);
@@ -74,5 +74,5 @@ TEST_F(QKUtilityTest, startsTheProgramAnewAndEnds)
     ::setenv("GTEST_OUTPUT", ("xml:" + (folder / "result").native()).c_str(), 1);
     QTimer::singleShot(0, qApp, QKUtility::restartApplication);
     EXPECT_EQ(QCoreApplication::exec(), 0);
-    EXPECT_TRUE(support::waitUntil([&] { return std::filesystem::exists(folder / "result"); }));
+    EXPECT_TRUE(waitUntil([&] { return fs::exists(folder / "result"); }));
 }

@@ -4,6 +4,7 @@
 #include "platform/desktop/panels/Tag.h"
 #include "tests/support/qt/QtTest.h"
 
+#include <QTextEdit>
 #include <QToolBar>
 
 struct QKWindowTest : testing::Test {
@@ -26,7 +27,7 @@ TEST_F(QKWindowTest, whatIsAskedWhileAPanelIsUpIsRefused)
 {
     const QString message = u"30%% of <b>100%</b> %@ %1"_qs;
     whenAsked([&](QDialog* panel) {
-        EXPECT_EQ(panel->findChild<QLabel*>(u"alertMessage"_qs)->text(), message);
+        EXPECT_EQ(panel->findChild<QTextEdit*>(u"alertMessage"_qs)->toPlainText(), message);
         EXPECT_EQ(ask(), PromptResultOther);
         window.runMessageSheetWithTitle({}, {});
         panel->close();

@@ -10,8 +10,8 @@
 using namespace UserDefaultsExtras;
 
 struct UserDefaultsExtrasTest : testing::Test {
-    const support::TestFolder folder;
-    const std::filesystem::path file = folder / "a.conf";
+    const TestFolder folder;
+    const fs::path file = folder / "a.conf";
     const QString key = QStringLiteral("key");
     UserDefaults defaults{file};
 };
@@ -19,8 +19,8 @@ struct UserDefaultsExtrasTest : testing::Test {
 TEST_F(UserDefaultsExtrasTest, resourcesAreFallbacks)
 {
     const Bundle former = Bundle::main();
-    support::writeFile(folder / "Contents/Resources/Broken.plist", "<plist><dict>");
-    support::writeFile(folder / "Contents/Resources/Good.plist",
+    writeFile(folder / "Contents/Resources/Broken.plist", "<plist><dict>");
+    writeFile(folder / "Contents/Resources/Good.plist",
         "<plist><dict><key>key</key><array><integer>7</integer>"
         "<data>AAE=</data><real>0.5</real><string>ä</string><true/></array></dict></plist>");
     Bundle::setMain(Bundle(folder.path()));
@@ -31,7 +31,7 @@ TEST_F(UserDefaultsExtrasTest, resourcesAreFallbacks)
     Bundle::setMain(former);
     EXPECT_EQ(
         defaults.arrayForKey(key), QVariantList({7, QByteArray("\0\1", 2), 0.5, u"ä"_qs, true}));
-    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_FALSE(fs::exists(file));
 }
 
 TEST_F(UserDefaultsExtrasTest, coloursAndFontsComeBackWholeOrNotAtAll)
@@ -62,9 +62,9 @@ TEST_F(UserDefaultsExtrasTest, countsIn32BitsAndWithOtherPrograms)
     const std::pair<const char*, int> counts[]
         = {{"2147483647", INT_MIN}, {"41 archives", 42}, {"", 1}};
     for (const auto& [stored, next] : counts) {
-        support::writeFile(file, std::string("[General]\nkey=") + stored); // by another program
+        writeFile(file, std::string("[General]\nkey=") + stored); // by another program
         EXPECT_EQ(incrementIntegerForKey(defaults, key), next);
-        EXPECT_EQ(support::readFile(file), "[General]\nkey=" + std::to_string(next) + "\n");
+        EXPECT_EQ(readFile(file), "[General]\nkey=" + std::to_string(next) + "\n");
     }
     EXPECT_EQ(stringForKey(defaults, key, u"x"_qs) + stringForKey(defaults, {}, u"x"_qs), u"1x");
 }

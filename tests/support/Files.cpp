@@ -13,6 +13,15 @@
 namespace support
 {
 
+Lines linesOf(const std::string& text)
+{
+    Lines lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
 int checked(int result, const std::string& what)
 {
     if (result < 0)
@@ -82,9 +91,9 @@ std::string someText(std::size_t sizeInBytes, unsigned seed)
     return text.substr(0, sizeInBytes);
 }
 
-std::vector<std::string> namesIn(const std::filesystem::path& folder)
+Names namesIn(const std::filesystem::path& folder)
 {
-    std::vector<std::string> names;
+    Names names;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
         names.push_back(entry.path().filename());
     std::ranges::sort(names);

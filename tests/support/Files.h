@@ -10,6 +10,15 @@
 namespace support
 {
 
+using Names = std::vector<std::string>;
+using Lines = Names;
+inline const Names nothing = {};
+inline bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+Lines linesOf(const std::string& text);
+
 // The result of a system call, which is not negative unless it failed.
 int checked(int result, const std::string& what);
 // Makes or replaces a file; missing parent folders are made too.
@@ -28,7 +37,7 @@ std::string randomBytes(std::size_t sizeInBytes, unsigned seed);
 // Text that compresses to about a third, the same for the same seed.
 std::string someText(std::size_t sizeInBytes, unsigned seed = 1);
 // The names in a folder, sorted by bytes.
-std::vector<std::string> namesIn(const std::filesystem::path& folder);
+Names namesIn(const std::filesystem::path& folder);
 
 // Polls until `condition` holds; false when it did not come true in time.
 template <typename Condition>

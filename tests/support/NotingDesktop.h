@@ -19,12 +19,20 @@ public:
         opened.push_back(url.toString().toStdString());
         return true;
     }
+    void openPage(const std::filesystem::path& page, QObject* /*context*/,
+        std::function<void(bool works)> then) override
+    {
+        opened.push_back(page);
+        then(hasBrowser);
+    }
     void selectFile(const std::filesystem::path& path,
         const std::optional<std::filesystem::path>& /*inFileViewerRootedAtPath*/) override
     {
         revealed.push_back(path);
     }
+    void openFile(const std::filesystem::path& path) override { opened.push_back(path.native()); }
 
+    bool hasBrowser = true;
     std::vector<std::string> opened;
     std::vector<std::filesystem::path> revealed;
 };

@@ -1,7 +1,6 @@
 #include "tests/support/Run.h"
 
 #include <poll.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -10,45 +9,27 @@
 namespace support
 {
 
-namespace
-{
-
-FileDescriptor memoryFile()
-{
-    return FileDescriptor(checked(::memfd_create("stream", MFD_CLOEXEC), "memfd_create"));
-}
-
-std::vector<char*> pointersTo(const std::vector<std::string>& strings)
-{
-    std::vector<char*> pointers;
-    for (const std::string& string : strings)
-        pointers.push_back(const_cast<char*>(string.c_str()));
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-} // namespace
-
-RunningProgram::RunningProgram(const std::vector<std::string>& arguments, RunOptions options)
+RunningProgram::RunningProgram(Names arguments, RunOptions options)
     : _options(std::move(options))
-    , _in(memoryFile())
-    , _out(memoryFile())
-    , _err(memoryFile())
 {
     writeFile(_pathOf(_in), _options.input);
     // Everything is allocated here: after fork() only plain system calls are safe.
-    const std::vector<char*> argv = pointersTo(arguments);
-    const std::vector<char*> given
-        = _options.environment ? pointersTo(*_options.environment) : std::vector<char*>();
-    char* const* environment = _options.environment ? given.data() : environ;
-
+    if (_options.environment) {
+        Names first = *_options.environment;
+        first.insert(first.begin(), {"env", "-i"});
+        arguments.insert(arguments.begin(), first.begin(), first.end());
+    }
+    std::vector<char*> argv;
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
     _pid = checked(::fork(), "fork");
     if (_pid == 0) {
         ::setpgid(0, 0);
         if (::dup2(_in.number(), 0) == 0 && ::dup2(_out.number(), 1) == 1
             && ::dup2(_err.number(), 2) == 2
             && (_options.folder.empty() || ::chdir(_options.folder.c_str()) == 0))
-            ::execvpe(argv[0], argv.data(), environment);
+            ::execvp(argv[0], argv.data());
         ::_exit(127);
     }
     ::setpgid(_pid, _pid); // whichever of the two comes first
@@ -78,11 +59,6 @@ RunResult RunningProgram::wait()
     _ended = true;
     const int code = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     return {inTime ? code : 124, out(), err(), usage.ru_maxrss * 1024};
-}
-
-RunResult run(const std::vector<std::string>& arguments, const RunOptions& options)
-{
-    return RunningProgram(arguments, options).wait();
 }
 
 } // namespace support

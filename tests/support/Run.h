@@ -7,12 +7,14 @@
 #include <csignal>
 #include <optional>
 
+#include <sys/mman.h>
+
 namespace support
 {
 
 struct RunOptions {
     std::filesystem::path folder = {}; // where it runs; empty: where the test runs
-    std::optional<std::vector<std::string>> environment = {}; // NAME=value; none: the test's own
+    std::optional<Names> environment = {}; // NAME=value; none: the test's own
     std::string input = {};
     std::chrono::seconds timeout{60};
 };
@@ -30,7 +32,7 @@ class RunningProgram
 {
 public:
     // The first argument is looked up in the test's PATH; status 127 when it cannot be started.
-    explicit RunningProgram(const std::vector<std::string>& arguments, RunOptions options = {});
+    explicit RunningProgram(Names arguments, RunOptions options = {});
     // Kills what still runs.
     ~RunningProgram();
 
@@ -49,12 +51,16 @@ private:
     }
 
     const RunOptions _options;
-    const FileDescriptor _in, _out, _err;
+    const FileDescriptor _in{::memfd_create("in", MFD_CLOEXEC)},
+        _out{::memfd_create("out", MFD_CLOEXEC)}, _err{::memfd_create("err", MFD_CLOEXEC)};
     pid_t _pid = -1;
     bool _ended = false;
 };
 
 // Starts a program and waits for its end.
-RunResult run(const std::vector<std::string>& arguments, const RunOptions& options = {});
+inline RunResult run(const Names& arguments, const RunOptions& options = {})
+{
+    return RunningProgram(arguments, options).wait();
+}
 
 } // namespace support

@@ -10,7 +10,21 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <regex>
 #include <set>
 #include <sstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+// Everything is to be tried, however long it takes, and not a sample of it.
+inline bool isFullSweep()
+{
+    const char* const value = std::getenv("PARCELO_ALL_TESTS");
+    return value != nullptr && *value == '1';
+}
+
+using namespace support;
+using namespace std::literals;
+namespace fs = std::filesystem;

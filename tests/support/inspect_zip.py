@@ -62,6 +62,7 @@ class Record:
         names = [name for name in names if getattr(self, name) == ONES]
         self.has_wide = bool(names)
         field = self.extras.get(ZIP64)
+        require(not ours or SECOND_NAME not in self.extras, self.name, "has a second name")
         require(not ours or bool(names) == (field is not None), self.name, "has zip64 without need")
         if names and field is not None:
             values = struct.unpack_from(f"<{len(names)}Q", field)
@@ -93,7 +94,6 @@ def check_as_ours(entry, mode):
     require(folder == (mode & 0o170000 == 0o040000), name, "has the mode of another kind")
     require(not folder or entry.size == 0, name, "is a folder with content")
     require(not name.startswith((b"/", b"./")), name, "is not relative")
-    require(SECOND_NAME not in entry.extras, name, "has a second name")
     unix, ntfs = entry.extras.get(UNIX_TIME), entry.extras.get(NTFS)
     require(unix is None or ntfs is None, name, "has both time fields")
     if unix is None and ntfs is None:  # out of reach: the DOS time is the first or the last
@@ -119,7 +119,6 @@ def end_of_local(data, entry, ours):
         for field in same:
             require(getattr(local, field) == getattr(entry, field), entry.name,
                     "has another", field, "in its local record")
-        require(SECOND_NAME not in local.extras, entry.name, "has a second name")
     has_descriptor = not ours and entry.flags & DESCRIPTOR_FLAG
     return local.end + entry.packed + (16 if has_descriptor else 0)
 

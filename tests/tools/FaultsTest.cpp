@@ -1,12 +1,7 @@
 // Failing calls, full disks, limits and signals: afterwards the archive is the old one or the new
 // one, whole, and nothing else is left behind.
 
-#include "tests/tools/ToolTest.h"
-
-#include <algorithm>
-#include <csignal>
-#include <map>
-#include <regex>
+#include "tests/support/ToolTest.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -18,6 +13,7 @@ namespace
 struct Faults : EachTool {
     void SetUp() override
     {
+        archive = folder / ("place/" + tool.archiveName); // with nothing beside it
         if (GetParam().ends_with("_ontoOne")) {
             writeFile(folder / "first/old", "what was there before");
             ASSERT_EQ(run(tool, freshPlace(), folder / "first/old").status, 0);
@@ -73,31 +69,23 @@ struct Faults : EachTool {
         }
     }
 
-    const fs::path archive = folder / ("place/" + tool.archiveName); // with nothing beside it
     std::string old;
     std::string complete;
 };
 
-// One run for each call that is to be struck, by a fault as strace injects it. Each call that the
-// tool makes takes minutes, so that is for the full sweep alone.
+// One run for each call that is to be struck, by a fault as strace injects it.
 struct TracedFaults : Faults {
     void SetUp() override
     {
-        if (isSanitized)
-            GTEST_SKIP() << "the sanitizer's own calls would be struck as well";
-        if (run({"strace", "-qq", "true"}).status != 0)
-            GTEST_SKIP() << "no tracing here";
+        if (!canTrace())
+            GTEST_SKIP() << "no tracing here, or a sanitizer whose calls would be struck as well";
         Faults::SetUp();
-        trace({});
+        run(tool, freshPlace(), item, {.threads = 2, .prefix = strace("trace=all")});
         calls = readFile(folder / "log");
     }
-    RunResult trace(Names options)
-    {
-        options.insert(options.begin(), {"strace", "-f", "-qq", "-y", "-o", folder / "log"});
-        return run(tool, freshPlace(), item, {.threads = 2, .prefix = options});
-    }
     // Which calls of that name are to be struck, counted in each thread as strace does: the first
-    // at each place, which is told by the file and by how the text begins, and the last.
+    // at each place, which is told by the file and by how the text begins, and the last; all of
+    // them in a full sweep, which takes minutes.
     std::set<int> occurrencesOf(const std::string& name) const
     {
         static const std::regex form(R"(^(\d+) +(\w+)\(\d*([^"{]*("[^"]*)?))");
@@ -126,7 +114,10 @@ struct TracedFaults : Faults {
             for (const int count : occurrences) {
                 const std::string when = name + ":" + fault + ":when=" + std::to_string(count);
                 SCOPED_TRACE(when);
-                runs += expectNoHarm(trace({"-e", "trace=" + name, "-e", "inject=" + when}), fault);
+                Names prefix = strace("inject=" + when);
+                prefix.insert(prefix.end(), {"-e", "trace=" + name});
+                const ToolOptions options{.threads = 2, .prefix = prefix};
+                runs += expectNoHarm(run(tool, freshPlace(), item, options), fault);
                 if (HasFailure())
                     return all;
             }
@@ -173,21 +164,15 @@ INSTANTIATE_TEST_SUITE_P(Tools, TracedFaults, eachCase, itsParameter);
 
 TEST_P(TracedFaults, anyCallMayFail)
 {
-    const Names reading = {"read", "pread64", "getdents64", "openat", "newfstatat", "fstat",
-        "statx", "readlinkat", "lseek", "close", "flock", "fsync"};
+    const Names reading
+        = {"read", "pread64", "getdents64", "openat", "newfstatat", "fstat", "statx", "readlinkat",
+            "lseek", "close", "flock", "fsync", "poll", "fcntl", "sync_file_range", "getrandom"};
     const Names writing = {"write", "pwrite64", "writev", "ftruncate", "rename", "renameat2"};
     const Names naming = {"rename", "renameat", "renameat2", "unlinkat", "fchmod"};
     int runs = strike("error=EIO", reading) + strike("error=ENOSPC", writing);
     runs += strike("error=EACCES", naming) + strike("error=ENOMEM", {"mmap"});
     runs += strike("error=EAGAIN", {"clone", "clone3"});
     EXPECT_GT(runs, 40);
-    for (const std::string error : {"EIO", "ENOSPC", "EDQUOT", "EACCES"}) {
-        for (const Names& names :
-            {reading, writing, naming, Names{"poll", "fcntl", "sync_file_range", "getrandom"}}) {
-            if (isFullSweep())
-                strike("error=" + error, names);
-        }
-    }
     const Names repeated = {"read", "pread64", "write", "pwrite64", "fsync", "ftruncate", "flock",
         "openat", "getdents64", "close", "renameat", "renameat2", "poll"};
     EXPECT_GT(strike("error=EINTR", repeated), 8) << "an interrupted call is made again";
@@ -198,7 +183,6 @@ TEST_P(TracedFaults, aSignalMayComeAtAnyCall)
     const Names names = {"openat", "read", "pread64", "write", "pwrite64", "getdents64",
         "ftruncate", "fsync", "rename", "renameat", "renameat2", "close"};
     EXPECT_GT(strike("signal=INT", names), 25);
-    EXPECT_TRUE(!isFullSweep() || strike("signal=TERM", names) > 25);
 }
 
 // Not so a zip: it is added to in place, in a folder of the program's own, and written out when the
@@ -227,10 +211,8 @@ TEST_P(TracedFaults, aHiddenFileThatIsTakenIsLeftToWhoTookIt)
 {
     if (tool.name == "zip" && !old.empty())
         return;
-    const ToolCall call = callOf(tool, freshPlace(), item,
-        {.prefix = {"strace", "-f", "-qq", "-o", folder / "log", "-e",
-             "inject=flock:delay_enter=200000:when=1"}});
-    RunningProgram program(call.arguments, call.options);
+    RunningProgram program = start(
+        tool, freshPlace(), item, {.prefix = strace("inject=flock:delay_enter=200000:when=1")});
     FileDescriptor taken;
     ASSERT_TRUE(waitUntil([&] {
         for (const std::string& name : namesIn(archive.parent_path())) {
@@ -247,32 +229,23 @@ TEST_P(TracedFaults, aHiddenFileThatIsTakenIsLeftToWhoTookIt)
 TEST_P(TracedFaults, aParentThatEndsBeforeItsEndIsToBeToldEndsTheRun)
 {
     fs::resize_file(item / "b", std::uintmax_t{200} << 30);
-    const ToolCall call = callOf(tool, freshPlace(), item,
-        {.prefix
-            = {"strace", "-f", "-qq", "-o", folder / "log", "-e", "inject=prctl:delay_enter=600000",
-                "/bin/sh", "-c", R"("$0" "$@" & sleep 0.2; kill -KILL $$)"},
-            .timeout = std::chrono::seconds(5)});
-    EXPECT_EQ(run(call.arguments, call.options).status, 128 + SIGKILL);
+    Names prefix = strace("inject=prctl:delay_enter=600000");
+    prefix.insert(prefix.end(), {"/bin/sh", "-c", R"("$0" "$@" & sleep 0.2; kill -KILL $$)"});
+    const ToolOptions options{.prefix = prefix, .timeout = 5s};
+    EXPECT_EQ(run(tool, freshPlace(), item, options).status, 128 + SIGKILL);
     EXPECT_TRUE(content() == old);
 }
 
 TEST_P(Faults, limitsEndInAWholeArchiveOrNone)
 {
-    std::vector<std::pair<std::string, bool>> table = {
-        // and whether the archive must be made
+    std::map<std::string, bool> table = {// and whether the archive must be made
         {R"(exec prlimit --fsize=300000 "$0" "$@")", false},
-        {R"(exec "$0" "$@" > /dev/full)", true},
-        {R"(exec "$0" "$@" <&- >&- 2>&-)", true},
-        {R"(set -o pipefail; "$0" "$@" | true)", true},
-    };
-    if (!isSanitized) { // sanitizers need descriptors and address space of their own
-        const auto add = [&](const std::string& limit, bool mustBeMade) {
-            table.emplace_back("exec prlimit --" + limit + R"( "$0" "$@")", mustBeMade);
-        };
-        for (const std::string limit : {"stack=65536", "nofile=16", "nofile=8", "nofile=5"})
-            add(limit, limit.ends_with("6"));
-        for (int megabytes = 4; megabytes <= 64; megabytes += isFullSweep() ? 4 : 20)
-            add("as=" + std::to_string(megabytes << 20), false);
+        {R"(exec "$0" "$@" > /dev/full)", true}, {R"(exec "$0" "$@" <&- >&- 2>&-)", true},
+        {R"(set -o pipefail; "$0" "$@" | true)", true}};
+    for (const std::string limit : {"stack=65536", "nofile=16", "nofile=8", "nofile=5",
+             "as=4000000", "as=24000000", "as=64000000"}) {
+        if (!isSanitized) // sanitizers need descriptors and address space of their own
+            table["exec prlimit --" + limit + R"( "$0" "$@")"] = limit.ends_with("6");
     }
     for (const auto& [script, mustBeMade] : table) {
         const RunResult result
@@ -284,21 +257,17 @@ TEST_P(Faults, limitsEndInAWholeArchiveOrNone)
 
 TEST_P(Faults, anyAllocationMayFail)
 {
-    const auto runWith = [&](const Names& environment, unsigned threads) {
-        return run(tool, freshPlace(), item,
-            {.threads = threads,
-                .environment = environment,
-                .toolsFolder = PARCELO_FAILING_TOOLS_DIR,
-                .timeout = std::chrono::seconds(10)});
-    };
     for (const unsigned threads : {1U, 4U}) {
-        const int count = std::stoi(linesOf(runWith({}, threads).out).back());
+        ToolOptions options{.threads = threads, .toolsFolder = PARCELO_FAILING_TOOLS_DIR};
+        options.timeout = 10s;
+        const RunResult counted = run(tool, freshPlace(), item, options);
+        const int count = std::stoi(linesOf(counted.out).back());
         EXPECT_GT(count, 30);
         for (int number = 1; number <= count; number += isFullSweep() ? 1 : 1 + count / 6) {
             for (const std::string after : {"", "+"}) {
-                const std::string failing
-                    = "PARCELO_FAILING_ALLOCATION=" + std::to_string(number) + after;
-                expectAllOrNothing(runWith({failing}, threads), failing);
+                const std::string which = std::to_string(number) + after;
+                options.environment = {"PARCELO_FAILING_ALLOCATION=" + which};
+                expectAllOrNothing(run(tool, freshPlace(), item, options), which);
                 if (HasFailure())
                     return;
             }
@@ -308,52 +277,36 @@ TEST_P(Faults, anyAllocationMayFail)
 
 TEST_P(Faults, whatAKilledRunLeftIsRemovedByTheNext)
 {
-    const auto makeWith = [&](const fs::path& left) {
+    const std::string part = "." + tool.archiveName + ".part-abc12";
+    for (const std::string& left : {part + "3", part, "." + part + "3"}) {
         writeFile(freshPlace().parent_path() / left, "left");
         EXPECT_EQ(run(tool, archive, item).status, 0);
-        return fs::exists(archive.parent_path() / left);
-    };
-    const std::string part = "." + tool.archiveName + ".part-";
-    EXPECT_EQ(makeWith(part + "abc123"), tool.name == "zip" && !old.empty());
-    EXPECT_TRUE(makeWith(part + "abc12"));
-    EXPECT_TRUE(makeWith("." + part + "abc123"));
-}
-
-TEST_P(Faults, aSignalEndsALongRunAtOnce)
-{
-    fs::resize_file(item / "b", std::uintmax_t{200} << 30);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const ToolCall call = callOf(tool, freshPlace(), item);
-        RunningProgram program(call.arguments, call.options);
-        ASSERT_TRUE(waitUntil([&] { return !program.out().empty(); }));
-        const auto sent = std::chrono::steady_clock::now();
-        program.signal(signal);
-        const RunResult result = program.wait();
-        EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::seconds(10));
-        EXPECT_EQ(result.status, tool.interrupted);
-        expectAllOrNothing(result, "a long run");
+        EXPECT_EQ(fs::exists(archive.parent_path() / left),
+            left != part + "3" || (tool.name == "zip" && !old.empty()));
     }
 }
 
-TEST_P(Faults, aSignalEndsARunOfWhichNobodyTakesTheOutput)
+TEST_P(Faults, aSignalEndsALongRunAtOnceAlsoWhenNobodyTakesTheOutput)
 {
-    const std::string toPipe = R"(exec "$0" "$@" > >(exec sleep 4))";
     const std::string toTerminal = R"(exec python3 -c 'import os, sys
 for end in os.openpty(): os.set_inheritable(end, True); os.dup2(end, 1)
 os.execv(sys.argv[1], sys.argv[1:])' "$0" "$@")";
+    const std::pair<int, Names> cases[] = {{SIGINT, {}}, {SIGHUP, {}},
+        {SIGTERM, {"bash", "-c", R"(exec "$0" "$@" > >(exec sleep 4))"}},
+        {SIGTERM, {"bash", "-c", toTerminal}}};
+    fs::resize_file(item / "b", std::uintmax_t{200} << 30);
     for (int number = 0; number < 600; ++number)
         writeFile(item / (std::to_string(number) + std::string(200, 'n')), "");
-    for (const std::string& script : {toPipe, toTerminal}) {
-        const ToolCall call = callOf(tool, freshPlace(), item,
-            {.prefix = {"bash", "-c", script}, .timeout = std::chrono::seconds(5)});
-        RunningProgram program(call.arguments, call.options);
-        std::this_thread::sleep_for(std::chrono::milliseconds(400)); // it is full
+    for (const auto& [signal, prefix] : cases) {
+        RunningProgram program = start(tool, freshPlace(), item, {.prefix = prefix, .timeout = 5s});
+        const auto isAtTheLongOne = [&] { return linesOf(program.out()).size() > 600; };
+        EXPECT_EQ(waitUntil(isAtTheLongOne, prefix.empty() ? 20s : 400ms), prefix.empty());
         const auto sent = std::chrono::steady_clock::now();
-        program.signal(SIGTERM);
+        program.signal(signal);
         const RunResult result = program.wait();
-        EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::seconds(2));
+        EXPECT_LT(std::chrono::steady_clock::now() - sent, 2s);
         EXPECT_EQ(result.status, tool.interrupted);
-        expectAllOrNothing(result, script);
+        expectAllOrNothing(result, testing::PrintToString(prefix));
     }
 }
 
@@ -361,15 +314,14 @@ TEST_P(Faults, aRunEndsWithTheProgramThatStartedItUnlessItIsToOutliveIt)
 {
     fs::resize_file(item / "b", std::uintmax_t{200} << 30);
     for (const std::string trap : {"", "trap '' HUP; "}) {
-        const ToolCall call = callOf(tool, freshPlace(), item,
+        RunningProgram program = start(tool, freshPlace(), item,
             {.prefix = {"sh", "-c", trap + R"("$0" "$@" & echo $! >&2; wait)"}});
-        RunningProgram program(call.arguments, call.options);
         ASSERT_TRUE(waitUntil([&] { return !program.out().empty() && !program.err().empty(); }));
         program.signal(SIGKILL);
         const pid_t started = std::stoi(program.wait().err);
         const auto hasEnded
             = [&] { return !fs::exists("/proc/" + std::to_string(started) + "/exe"); };
-        EXPECT_EQ(waitUntil(hasEnded, std::chrono::seconds(trap.empty() ? 20 : 1)), trap.empty());
+        EXPECT_EQ(waitUntil(hasEnded, trap.empty() ? 20s : 1s), trap.empty());
         ::kill(started, SIGTERM);
         EXPECT_TRUE(waitUntil(hasEnded));
         EXPECT_EQ(content(), old);
@@ -385,11 +337,10 @@ TEST_F(Zip, keepsLinesWholeWhenBothStreamsAreOnePipe)
         write({std::to_string(number) + std::string(150, 'n')});
     for (int number = 0; number < 30; ++number)
         makeFifo(item / (std::to_string(number * 100) + "p"));
-    const ToolCall call = callOf(tool, archive, item,
-        {.prefix = {"sh", "-c",
-             R"(python3 -c 'import os, sys; os.set_blocking(1, False); os.execv(sys.argv[1], sys.argv[1:])' "$0" "$@" 2>&1 | (sleep 1; cat))"}});
+    const std::string script = R"(python3 -c 'import os, sys; os.set_blocking(1, False)
+os.execv(sys.argv[1], sys.argv[1:])' "$0" "$@" 2>&1 | (sleep 1; cat))";
     std::map<std::string, int> counts;
-    for (const std::string& line : linesOf(run(call.arguments, call.options).out))
+    for (const std::string& line : linesOf(make({.prefix = {"sh", "-c", script}}).out))
         ++counts[line.ends_with("%)") ? line.substr(0, 10) : line.substr(0, 9)];
     EXPECT_EQ(counts, (std::map<std::string, int>{{"  adding: ", 3001}, {"warning: ", 30}}));
 }

@@ -1,24 +1,33 @@
 #include "tests/window/Program.h"
 
+#include <QTreeWidget>
+
 using DropBox = Program;
 
 TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
 {
-    constexpr auto uriList = "text/uri-list";
-    const std::tuple<const char*, const char*, DropView::Files> cases[] = {
-        {uriList, "file:///b\r\nfile:///a%20b\r\nfile:///b\r\n", {"/b", "/a b", "/b"}},
-        {uriList, "file://localhost/x/caf%E9%0A%25\r\n", {"/x/caf\xE9\n%"}},
-        {"x-special/gnome-copied-files", "copy\nfile:///a/b\nfile:///a/c", {"/a/b", "/a/c"}},
-        {uriList, "file://elsewhere/tmp/a\r\n", {}},
-        {"text/plain", "/tmp/a", {}},
-    };
+    const char* uriList = "text/uri-list";
+    const std::tuple<const char*, const char*, DropView::Files> cases[]
+        = {{uriList, "file:///b\r\nfile:///a%20b\r\nfile:///b\r\n", {"/b", "/a b", "/b"}},
+            {"x-special/gnome-copied-files", "copy\nfile:///a/caf%E9\n", {"/a/caf\xE9"}},
+            {uriList, "file://elsewhere/tmp/a\r\n", {}}, {"text/plain", "/tmp/a", {}}};
     start();
     for (const auto& [format, bytes, files] : cases) {
-        EXPECT_EQ(drop(format, bytes), !files.empty()) << bytes;
+        EXPECT_EQ(drop(bytes, format), !files.empty()) << bytes;
         EXPECT_EQ(box().files(), files) << bytes;
         if (!files.empty())
             endSheet("savePanel");
         EXPECT_TRUE(box().files().empty()) << "a cancelled panel clears the box";
+    }
+    // Beside the box: the whole window takes files.
+    for (const auto& [bytes, isTaken] :
+        {std::pair("http://example.org/a", false), {"file:///a", true}}) {
+        QMimeData data;
+        data.setData(uriList, bytes);
+        QDragEnterEvent enter({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(find<QWidget>("destinationLabel"), &enter);
+        EXPECT_EQ(enter.isAccepted(), isTaken) << bytes;
+        EXPECT_EQ(box().animate(), isTaken) << bytes;
     }
     // Chosen, while a request of another origin began.
     find<QAction>("chooseFiles")->trigger();
@@ -32,7 +41,35 @@ TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
 
     type(Qt::CTRL | Qt::Key_Comma);
     (void)waitForSheet("Preference");
-    EXPECT_FALSE(drop(uriList, "file:///tmp/a\r\n")) << "a dialog is up";
+    EXPECT_FALSE(drop("file:///tmp/a\r\n")) << "a dialog is up";
+}
+
+TEST_F(DropBox, takesFilesAndFoldersThatAreChosenTogetherWhateverTheirNames)
+{
+    const Path inside = folder / "sub/inside";
+    const Path odd = folder / "sub/caf\xe9"; // no UTF-8
+    support::writeFile(odd, "");
+    support::writeFile(inside / "file", "");
+    start();
+    const QString path = QString::fromStdString(folder / "sub");
+    const std::pair<QString, DropView::Files> cases[] = {
+        {path + "/", {inside, odd}}, // shows what is in it
+        {path + "/../sub/inside", {inside}},
+        {"file://" + path + "/caf%E9", {odd}},
+    };
+    for (const auto& [typed, chosen] : cases) {
+        find<QAction>("chooseFiles")->trigger();
+        (void)waitForSheet("chooseFilesPanel");
+        sheet()->findChild<QLineEdit*>()->setText(typed);
+        if (typed.endsWith('/')) {
+            auto* list = sheet()->findChild<QTreeWidget*>();
+            list->topLevelItem(0)->setExpanded(true);
+            QTest::keyClick(list, Qt::Key_A, Qt::ControlModifier);
+        }
+        endSheet("chooseFilesPanel", Qt::Key_Return);
+        EXPECT_EQ(box().files(), chosen) << typed.toStdString();
+        endSheet("savePanel");
+    }
 }
 
 TEST(DropBoxLook, isAsDesigned)

@@ -22,7 +22,8 @@ TEST_F(LifeCycle, beginsWithWhatWasStored)
     window().setGeometry(frame);
     EXPECT_TRUE(waitFor([] { return stored("Window Frame MainWindowAutosave").isValid(); }));
     start();
-    EXPECT_EQ(window().geometry(), frame);
+    EXPECT_EQ(window().size(), frame.size());
+    EXPECT_TRUE(isOnWayland() || window().geometry() == frame) << "no place is known there";
 }
 
 TEST_F(LifeCycle, closingTheWindowQuitsUnlessTheProgramShallStay)

@@ -8,22 +8,15 @@ using Preferences = Program;
 TEST_F(Preferences, eachControlShowsItsSettingAndIsSavedByOKAlone)
 {
     const std::pair<const char*, const char*> controls[] = {
-        {"compressionLevel", "CompressionLevel"},
-        {"keepExtension", "KeepExtensionForDefaultName"},
-        {"revealWhenComplete", "RevealWhenComplete"},
-        {"autoQuit", "AutoQuit"},
-        {"stayRunning", "StayRunningOnWindowClose"},
-        {"checkAtStartup", "CheckAtStartup"},
-        {"hideAdvertBtn", "HideAdvert"},
-    };
+        {"compressionLevel", "CompressionLevel"}, {"keepExtension", "KeepExtensionForDefaultName"},
+        {"revealWhenComplete", "RevealWhenComplete"}, {"autoQuit", "AutoQuit"},
+        {"stayRunning", "StayRunningOnWindowClose"}, {"checkAtStartup", "CheckAtStartup"},
+        {"hideAdvertBtn", "HideAdvert"}};
     // The button that has the focus, the key pressed there, whether it saves.
-    const std::tuple<const char*, Qt::Key, bool> endings[] = {
-        {"acceptButton", Qt::Key_Escape, false},
-        {"cancelButton", Qt::Key_Space, false},
-        {"cancelButton", Qt::Key_Return, true},
-        {"cancelButton", Qt::Key_Enter, true},
-        {"acceptButton", Qt::Key_Space, true},
-    };
+    const std::tuple<const char*, Qt::Key, bool> endings[]
+        = {{"acceptButton", Qt::Key_Escape, false}, {"cancelButton", Qt::Key_Space, false},
+            {"cancelButton", Qt::Key_Return, true}, {"cancelButton", Qt::Key_Enter, true},
+            {"acceptButton", Qt::Key_Space, true}};
     const auto textIn = [](const QWidget* control) {
         return control->metaObject()->userProperty().read(control).toString();
     };

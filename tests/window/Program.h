@@ -15,6 +15,7 @@
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QWindow>
 
 class Program : public ::testing::Test
 {
@@ -51,14 +52,18 @@ protected:
             _controller->applicationOpenFile(file);
         window().show();
         _controller->applicationDidFinishLaunching();
-        window().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        ASSERT_TRUE(waitForFocus());
     }
 
     AppController& controller() { return *_controller; }
     QKWindow& window() { return _interface->window(); }
     DropView& box() { return *find<DropView>("saveDropView"); }
-    std::string textOf(const char* label) { return find<QLabel>(label)->text().toStdString(); }
+    std::string textOf(const char* label)
+    {
+        const auto* text = find<QWidget>(label);
+        const QVariant plain = text->property("plainText"); // of a text that can be longer
+        return (plain.isValid() ? plain : text->property("text")).toString().toStdString();
+    }
     // The part of the window, or of a sheet on it, with this name.
     template <typename Part> Part* find(const char* objectName)
     {
@@ -75,13 +80,23 @@ protected:
         UserDefaults::standardUserDefaults().setObject(value, QLatin1String(key));
     }
 
-    void type(QKeyCombination keys) // into the main window
+    // Qt's own waiting has no patience where a window cannot activate itself, as on Wayland.
+    bool waitForFocus()
     {
         window().activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+        return waitFor([this] { return hasKeys(window()); });
+    }
+    static bool isOnWayland() { return QGuiApplication::platformName() == u"wayland"; }
+    static bool hasKeys(const QWidget& it)
+    {
+        return QApplication::activeWindow() == &it && it.windowHandle()->isExposed();
+    }
+    void type(QKeyCombination keys) // into the main window
+    {
+        EXPECT_TRUE(waitForFocus());
         QTest::keyClick(&window(), keys.key(), keys.keyboardModifiers());
     }
-    bool drop(const char* format, const QByteArray& bytes)
+    bool drop(const QByteArray& bytes, const char* format = "text/uri-list")
     {
         QMimeData data;
         data.setData(QLatin1String(format), bytes);
@@ -96,7 +111,7 @@ protected:
         QByteArray list;
         for (const Path& file : files)
             list += QByteArray::fromStdString(UriList::fileUri(file) + "\r\n");
-        EXPECT_TRUE(drop("text/uri-list", list));
+        EXPECT_TRUE(drop(list));
     }
     // Serves events until the condition holds; false when it never does.
     static bool waitFor(const std::function<bool()>& condition)
@@ -124,7 +139,7 @@ protected:
     void whenSheetIsUp(const std::function<void()>& action)
     {
         QTimer::singleShot(5, &window(), [this, action] {
-            if (sheet() != nullptr && sheet()->isActiveWindow())
+            if (sheet() != nullptr && hasKeys(*sheet()))
                 action();
             else
                 whenSheetIsUp(action);

@@ -1,5 +1,7 @@
 #include "app/window/Translations.h"
 
+#include "app/window/Manual.h"
+#include "platform/desktop/updates/UpdateSheet.h"
 #include "tests/window/Program.h"
 
 #include <QAccessible>
@@ -7,8 +9,44 @@
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QTextDocument>
+
+namespace fs = std::filesystem;
 
 using Language = Program;
+
+static QStringList commandLineOptions()
+{
+    const auto usage = support::run({PARCELO_PROGRAM, "--help"}).out;
+    QStringList options;
+    auto found = QRegularExpression("--[a-z-]+").globalMatch(QString::fromStdString(usage));
+    while (found.hasNext())
+        options.append(found.next().captured());
+    EXPECT_GT(options.size(), 5);
+    return options;
+}
+
+// The page in the language describes every key, preference and option, and no key besides.
+static void expectManualOf(const QWidget& window)
+{
+    const QString page = QString::fromStdString(support::readFile(Manual::page().value()));
+    QTextDocument manual;
+    manual.setHtml(page);
+    QStringList keys;
+    for (const QAction* item : window.findChildren<QAction*>())
+        keys.append(item->shortcut().toString(QKeySequence::NativeText));
+    const QRegularExpression named("<kbd>([^<]+\\+[^<]+)<");
+    for (auto found = named.globalMatch(page); found.hasNext();) {
+        const QString key = found.next().captured(1);
+        EXPECT_TRUE(keys.contains(key)) << key.toStdString();
+    }
+    QStringList described = commandLineOptions() + keys.filter(QRegularExpression("\\D$"));
+    for (const QAbstractButton* control :
+        window.findChild<QDialog*>("Preference")->findChildren<QAbstractButton*>())
+        described.append(control->text().remove(QRegularExpression("\\(&.\\)|&")));
+    for (const QString& text : described)
+        EXPECT_TRUE(manual.toPlainText().contains(text)) << text.toStdString();
+}
 
 TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
 {
@@ -18,28 +56,40 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
         SCOPED_TRACE(language);
         QLocale::setDefault(QLocale(QLatin1String(language)));
         const ::Translations translations;
-        start();
-        drop({"/a"});
+        start(
+            {{"Destinations", QStringList{"/1", "/2", "/3", "/4", "/5", "/6", "/7", "/8", "/9"}}});
+        drop({Path("/a")});
         (void)waitForSheet("savePanel");
         EXPECT_NE(textOf("previewLabel").substr(0, 5), "TYPE_");
-        for (const char* action : {"showPreference", "showAbout"})
+        for (const char* action : {"chooseFiles", "showPreference", "showAbout"})
             find<QAction>(action)->trigger();
+        const UpdateSheet update({.version = "2",
+                                     .hostVersion = "1",
+                                     .whatIsNew = {},
+                                     .notesPage = QUrl("http://a/"),
+                                     .page = QUrl("http://b/")},
+            &window());
         EXPECT_EQ(find<QDialog>("Preference")->windowTitle(), QString(title));
 
+        expectManualOf(window());
+
         QStringList letters;
+        const auto note = [&](const QWidget* form, const QString& text) {
+            if (const QKeySequence letter = QKeySequence::mnemonic(text); !letter.isEmpty())
+                letters.append(form->objectName() + " " + letter.toString());
+        };
         int controls = 0;
         for (const QWidget* form : QApplication::allWidgets()) {
             if (!form->isWindow())
                 continue;
             // A menu is a form of its own, the bar a part of the window.
             const auto* bar = form->findChild<QMenuBar*>();
-            QStringList texts;
             for (const QAction* item : (bar != nullptr ? bar : form)->actions())
-                texts.append(item->text());
+                note(form, item->text());
             for (QWidget* part : form->findChildren<QWidget*>()) {
                 if (part->window() != form || part->isHidden())
                     continue;
-                texts.append(part->property("text").toString());
+                note(form, part->property("text").toString());
                 const auto* known = QAccessible::queryAccessibleInterface(part);
                 if (known == nullptr || (part->focusPolicy() & Qt::TabFocus) == 0
                     || part->objectName() == QLatin1String("qt_scrollarea_viewport"))
@@ -48,10 +98,14 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
                 EXPECT_FALSE(known->text(QAccessible::Name).isEmpty())
                     << form->objectName().toStdString() << part->objectName().toStdString();
             }
-            for (const QString& text : texts)
-                if (const QKeySequence letter = QKeySequence::mnemonic(text); !letter.isEmpty())
-                    letters.append(form->objectName() + " " + letter.toString());
         }
+        for (const std::initializer_list<const char*>& question :
+            {std::initializer_list<const char*>{"&Keep Going", "&Stop and Quit"},
+                {"&Keep and Quit", "&Quit Anyway"}, {"&Copy List"}})
+            for (const char* text : question)
+                letters.append(*question.begin()
+                    + QKeySequence::mnemonic(QCoreApplication::translate("AppController", text))
+                          .toString());
         EXPECT_GE(letters.size(), 40);
         EXPECT_EQ(letters.removeDuplicates(), 0) << letters.join(", ").toStdString();
         EXPECT_GT(controls, 20);
@@ -61,7 +115,7 @@ TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
 TEST(TranslationFiles, areCompleteAndKeepPlaceholdersAndLineBreaks)
 {
     const support::TestFolder folder;
-    const std::string sources = PARCELO_SOURCE_DIR;
+    const fs::path sources = PARCELO_SOURCE_DIR;
     const QRegularExpression message("<source>([^<]*)</source>\\s*<translation>([^<]*)<");
     const QRegularExpression mark("%[0-9n%]|\n|&lt;.+?&gt;|&amp;");
     const auto marksOf = [&](const QString& text) {
@@ -72,14 +126,17 @@ TEST(TranslationFiles, areCompleteAndKeepPlaceholdersAndLineBreaks)
     };
     for (const char* language : {"de", "fr", "es", "ja"}) {
         SCOPED_TRACE(language);
-        const std::string name = std::string("parcelo_") + language + ".ts";
-        const std::string text = support::readFile(sources + "/app/window/translations/" + name);
-        support::writeFile(folder / name, text);
-        const auto updated = support::run({"/usr/lib/qt6/bin/lupdate", "-locations", "none",
-            sources + "/app", sources + "/platform", sources + "/shared", "-ts", folder / name});
-        EXPECT_EQ(updated.status, 0) << updated.err;
-        const QString fresh = QString::fromStdString(support::readFile(folder / name));
-        EXPECT_EQ(QString(fresh).replace("&#xa0;", "\u00A0").toStdString(), text);
+        const fs::path original
+            = sources / "app/window/translations" / (std::string("parcelo_") + language + ".ts");
+        const fs::path updated = folder / original.filename().native();
+        fs::copy_file(original, updated);
+        EXPECT_EQ(support::run({"/usr/lib/qt6/bin/lupdate", "-locations", "none", sources / "app",
+                                   sources / "platform", sources / "shared", "-ts", updated})
+                      .status,
+            0);
+        const auto fresh = QString::fromStdString(support::readFile(updated));
+        EXPECT_EQ(
+            QString(fresh).replace("&#xa0;", "\u00A0").toStdString(), support::readFile(original));
         int count = 0;
         for (auto found = message.globalMatch(fresh); found.hasNext(); ++count) {
             const QRegularExpressionMatch match = found.next();

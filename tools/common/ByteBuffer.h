@@ -46,7 +46,8 @@ public:
     void keep(std::size_t size) { _size += size; }
 
     // The memory stays, for the next bytes.
-    void clear() { _size = 0; }
+    void shrinkTo(std::size_t size) { _size = size; }
+    void clear() { shrinkTo(0); }
 
 private:
     void _growTo(std::size_t capacity)

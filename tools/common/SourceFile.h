@@ -4,6 +4,7 @@
 
 #include "system/FileDescriptor.h"
 #include "system/FileStatus.h"
+#include "tools/common/ByteBuffer.h"
 #include "tools/common/TreeWalk.h"
 
 #include <cstddef>
@@ -27,8 +28,9 @@ public:
     // mean that it has ended early or that reading failed.
     std::size_t read(std::span<std::byte> buffer);
 
-    // Whether samples of what is still to be read suggest that none of it compresses.
-    [[nodiscard]] bool looksIncompressible() const;
+    // Before the first read: whether samples of the file suggest that none of it compresses. They
+    // are kept, and not read again: of photographs they are most of the file.
+    [[nodiscard]] bool looksIncompressible();
 
     // After the last read: looks whether the file is still what it was when it was opened.
     void finish();
@@ -39,11 +41,14 @@ public:
     [[nodiscard]] bool isUnreadable() const { return _isUnreadable; }
 
 private:
+    std::ptrdiff_t _fill(std::span<std::byte> buffer);
     void _fail(int error);
 
     FileDescriptor _file;
     FileStatus _status{};
     std::uint64_t _offset = 0;
+    ByteBuffer _samples; // one after the other,
+    std::uint64_t _stride = 0; // which in the file are that far apart
     std::string _problem;
     bool _isUnreadable = false;
 };

@@ -181,9 +181,53 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes)
     return record;
 }
 
+// What readers extract it to: some programs store "./NAME" or "/NAME".
+std::string_view topNameOf(std::string_view name)
+{
+    while (name.starts_with('/') || name.starts_with("./"))
+        name.remove_prefix(name.find('/') + 1);
+    return name.substr(0, name.find('/'));
+}
+
+// Visits every record, and hands on the bytes of the directory, in parts of whole records. Most
+// come as one part, with room for more behind it: for each item the whole directory is read, and
+// must not be copied besides.
+template <class Visit, class Take>
+void readDirectory(
+    int descriptor, const ZipFormat::Directory& directory, const Visit& visit, const Take& take)
+{
+    constexpr std::size_t readSize = std::size_t{4} << 20; // many of the longest records
+    constexpr std::size_t roomBehind = std::size_t{16} << 10;
+    std::uint64_t unread = directory.size;
+    std::uint64_t count = 0;
+    ByteBuffer window; // what has been read and not parsed
+    while (unread > 0) {
+        const std::size_t more = std::min<std::uint64_t>(readSize, unread);
+        const std::uint64_t offset = directory.offset + directory.size - unread;
+        readAt(descriptor, offset, window.room(more + roomBehind).first(more));
+        window.keep(more);
+        unread -= more;
+        std::span<const std::byte> rest(window);
+        for (; const std::optional<Record> record = parseRecord(rest); ++count) {
+            visit(*record);
+            rest = rest.subspan(record->size);
+        }
+        if (unread == 0 && !rest.empty())
+            throw bad("has a damaged directory");
+        ByteBuffer cut;
+        cut.append(rest);
+        window.shrinkTo(window.size() - rest.size());
+        take(std::move(window));
+        window = std::move(cut);
+    }
+    if (count != directory.entryCount)
+        throw bad("has another number of members than it says");
+}
+
 } // namespace
 
-ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, SpillBuffer& records)
+ExistingArchive ExistingArchive::read(
+    int descriptor, std::uint64_t size, std::string_view item, SpillBuffer& records)
 {
     std::vector<std::byte> last;
     std::optional<std::size_t> endAt;
@@ -209,60 +253,24 @@ ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, SpillB
     archive.tail = readAt(descriptor, tailOffset, size - tailOffset);
     const auto commentAt = static_cast<std::ptrdiff_t>(endOffset - tailOffset + ZipFormat::endSize);
     archive.comment.assign(archive.tail.begin() + commentAt, archive.tail.end());
-    archive._readRecords(descriptor, records);
+    bool usesZip64 = false;
+    const auto visit = [&](const Record& record) {
+        if (record.offset >= directory.offset)
+            throw bad("has a member outside of it");
+        usesZip64 = usesZip64 || record.usesZip64;
+        archive.holdsItem = archive.holdsItem || topNameOf(record.name) == item;
+    };
+    readDirectory(
+        descriptor, directory, visit, [&](ByteBuffer&& part) { records.append(std::move(part)); });
+    archive.directory.usesZip64 = directory.usesZip64 || usesZip64;
     return archive;
 }
 
-void ExistingArchive::_readRecords(int descriptor, SpillBuffer& records)
+std::unordered_set<std::string> ExistingArchive::topNames(int descriptor) const
 {
-    constexpr std::size_t readSize = std::size_t{1} << 20; // several of the longest records
-    std::vector<std::byte> window; // what has been read and not parsed
-    std::uint64_t unread = directory.size;
-    std::uint64_t count = 0;
-    while (unread > 0 || !window.empty()) {
-        const std::size_t more = std::min<std::uint64_t>(readSize, unread);
-        window.resize(window.size() + more);
-        const std::span<std::byte> bytes = std::span(window).last(more);
-        readAt(descriptor, directory.offset + directory.size - unread, bytes);
-        records.append(bytes);
-        unread -= more;
-
-        std::span<const std::byte> rest(window);
-        while (const std::optional<Record> record = parseRecord(rest)) {
-            if (record->offset >= directory.offset)
-                throw bad("has a member outside of it");
-            _addName(record->name);
-            directory.usesZip64 = directory.usesZip64 || record->usesZip64;
-            rest = rest.subspan(record->size);
-            ++count;
-        }
-        if (unread == 0 && !rest.empty())
-            throw bad("has a damaged directory");
-        window.erase(window.begin(), window.end() - static_cast<std::ptrdiff_t>(rest.size()));
-    }
-    if (count != directory.entryCount)
-        throw bad("has another number of members than it says");
-}
-
-void ExistingArchive::_addName(std::string_view name)
-{
-    // Some programs store "./NAME" or "/NAME", which readers extract as NAME.
-    while (name.starts_with('/') || name.starts_with("./"))
-        name.remove_prefix(name.find('/') + 1);
-    const std::string_view topName = name.substr(0, name.find('/'));
-    std::string_view before = topNames;
-    before.remove_suffix(1);
-    const bool isRepeated = before.size() > topName.size() && before.ends_with(topName)
-        && before[before.size() - topName.size() - 1] == '/';
-    if (!isRepeated)
-        topNames.append(topName) += '/';
-}
-
-std::unordered_set<std::string_view> ExistingArchive::setOfTopNames() const
-{
-    std::unordered_set<std::string_view> names;
-    std::string_view rest(topNames);
-    for (rest.remove_prefix(1); !rest.empty(); rest.remove_prefix(rest.find('/') + 1))
-        names.insert(rest.substr(0, rest.find('/')));
+    std::unordered_set<std::string> names;
+    readDirectory(
+        descriptor, directory, [&](const Record& record) { names.emplace(topNameOf(record.name)); },
+        [](const ByteBuffer& /*part*/) {});
     return names;
 }

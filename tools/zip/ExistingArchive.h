@@ -20,23 +20,14 @@ struct ExistingArchive {
     ZipFormat::Directory directory;
     std::vector<std::byte> tail; // all that follows the central directory
     std::vector<std::byte> comment;
-    // The first components of the entries' names as "/NAME/NAME/", repeated ones at most once in a
-    // row. One text is quickly made and looked through, which counts: it is made for each item.
-    std::string topNames = "/";
+    bool holdsItem = false; // an entry of the name that was asked for, or below it
 
     // Reads the archive of `size` bytes open as `descriptor`, putting the bytes of its central
-    // directory in `records`. Throws a Failure of kind BadArchive that says what is wrong.
-    static ExistingArchive read(int descriptor, std::uint64_t size, SpillBuffer& records);
+    // directory in `records`, and looks for the item, one name. Throws a Failure of kind BadArchive
+    // that says what is wrong.
+    static ExistingArchive read(
+        int descriptor, std::uint64_t size, std::string_view item, SpillBuffer& records);
 
-    [[nodiscard]] bool holds(const std::string& topName) const
-    {
-        return topNames.find('/' + topName + '/') != std::string::npos;
-    }
-
-    // The same names, for many questions. They point into `topNames`.
-    [[nodiscard]] std::unordered_set<std::string_view> setOfTopNames() const;
-
-private:
-    void _readRecords(int descriptor, SpillBuffer& records);
-    void _addName(std::string_view name);
+    // The first components of all names in it, for many questions: read anew.
+    [[nodiscard]] std::unordered_set<std::string> topNames(int descriptor) const;
 };

@@ -15,7 +15,6 @@ namespace
 
 // Room for the directory records of about 80,000 entries.
 constexpr std::size_t memoryLimit = std::size_t{8} << 20;
-constexpr std::size_t roomBehind = std::size_t{64} << 10;
 // So much that it can lie on the stack: an archive has to be put back without memory, too.
 constexpr std::size_t readSize = std::size_t{16} << 10;
 
@@ -44,9 +43,15 @@ void SpillBuffer::append(std::span<const std::byte> bytes)
 {
     if (_memory.size() + bytes.size() > memoryLimit)
         _spill();
-    // A long text is mostly followed by short ones: room for these, or the first would copy it.
-    (void)_memory.room(bytes.size() + roomBehind);
     _memory.append(bytes);
+}
+
+void SpillBuffer::append(ByteBuffer&& bytes)
+{
+    if (size() == 0 && bytes.size() <= memoryLimit)
+        _memory = std::move(bytes);
+    else
+        append(std::span<const std::byte>(bytes));
 }
 
 void SpillBuffer::_spill()

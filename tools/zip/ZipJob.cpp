@@ -14,13 +14,13 @@ namespace
 
 // The item's own name, or the next free one if the archive has that already, so that nothing is
 // lost.
-std::string storedName(const ZipOptions& options, const ExistingArchive& existing)
+std::string storedName(const ZipOptions& options, const ZipWriter& writer)
 {
-    if (!existing.holds(options.item))
+    if (!writer.existing().holdsItem)
         return options.item;
     FileStatus status{};
     const bool isFolder = ::lstat(options.item.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-    const auto taken = existing.setOfTopNames();
+    const auto taken = writer.existing().topNames(writer.file().descriptor());
     const auto isTaken = [&](const std::string& name) { return taken.contains(name); };
     std::string name = FileName::nextFree(options.item, isFolder, isTaken);
     Messages::tell(Messages::readableName(options.item),
@@ -40,10 +40,10 @@ std::string progressLine(const ZipFormat::Entry& entry)
 
 ToolResult addItem(const ZipOptions& options)
 {
-    ZipWriter writer(options.archive, ZipWriter::Existing::addTo, progressLine);
+    ZipWriter writer(options.archive, ZipWriter::Existing::addTo, progressLine, options.item);
     const OwnFiles ownFiles(writer.file(), PathString::folderOf(options.archive));
     const TreeToStore tree{.item = options.item,
-        .storedName = storedName(options, writer.existing()),
+        .storedName = storedName(options, writer),
         .walk = {.followsLinks = false, .excludesDSStore = options.excludesDSStore},
         .level = options.level};
     return storeTree(writer, tree, [&](Pipeline<Block>::Feed& feed) {

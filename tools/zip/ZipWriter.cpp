@@ -23,7 +23,8 @@ OutputFile openArchive(const std::string& path, ZipWriter::Existing existing)
 
 } // namespace
 
-ZipWriter::ZipWriter(const std::string& path, Existing existing, ProgressLine progressLine)
+ZipWriter::ZipWriter(
+    const std::string& path, Existing existing, ProgressLine progressLine, std::string_view item)
     : _existingMode(existing)
     , _progressLine(std::move(progressLine))
     , _file(openArchive(path, existing))
@@ -32,7 +33,7 @@ ZipWriter::ZipWriter(const std::string& path, Existing existing, ProgressLine pr
 {
     const auto size = static_cast<std::uint64_t>(_file.status().st_size);
     if (_isInPlace && size > 0)
-        _existing = ExistingArchive::read(_file.descriptor(), size, _records);
+        _existing = ExistingArchive::read(_file.descriptor(), size, item, _records);
     _usesZip64 = _existing.directory.usesZip64;
     _file.setPosition(_existing.directory.offset);
 }
@@ -145,10 +146,10 @@ bool ZipWriter::finish()
         throw Failure(FailureKind::nothingToDo, "nothing to do: no input is left to be stored");
     const ZipFormat::Directory directory{_existing.directory.entryCount + _newRecords,
         _records.size(), _file.position(), _usesZip64};
-    _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
     ByteBuffer end;
     ZipFormat::appendEnd(end, directory, _existing.comment);
-    _file.append(end);
+    _records.append(end);
+    _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
     _file.truncateHere();
     bool isSecured = true;
     if (_isInPlace)

@@ -17,6 +17,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class ZipWriter
@@ -27,8 +28,9 @@ public:
     using ProgressLine = std::function<std::string(const ZipFormat::Entry& entry)>;
 
     // Opens the archive at `path`, or begins a new one if there is none, an empty file, or one that
-    // is to be replaced.
-    ZipWriter(const std::string& path, Existing existing, ProgressLine progressLine);
+    // is to be replaced. Of one that it adds to it tells whether that holds the item.
+    ZipWriter(const std::string& path, Existing existing, ProgressLine progressLine,
+        std::string_view item = {});
     ~ZipWriter();
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;

@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>&amp;Kommentar schreiben</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Die Parcelo-Entwickler
+Freie Software unter der MIT-Lizenz</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>Verwendet %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Vielen Dank!</translation>
         <translation>Nicht alles kann archiviert werden</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>Die Nachricht ist vielleicht noch nicht gesendet</translation>
     </message>
@@ -293,6 +297,54 @@ Vielen Dank!</translation>
     <message>
         <source>The archive could not be made</source>
         <translation>Das Archiv konnte nicht erstellt werden</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Es wird gerade ein Archiv erstellt</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>Wenn Sie jetzt beenden, wird es nicht erstellt. Ihre Dateien bleiben, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>&amp;Weitermachen</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>&amp;Abbrechen und beenden</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>Danach: %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>oder mit der Leertaste auswählen, mit Strg+V einfügen</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
+%1</translation>
+    </message>
+    <message>
+        <source>Same as source: %1</source>
+        <translation>Wie die Quelle: %1</translation>
+    </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>Noch wartende Dateien: %1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>Sie kamen, während ein anderes Archiv erstellt wurde. Wenn Sie beenden, wird aus ihnen keines:
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
     </message>
 </context>
 <context>
@@ -498,12 +550,16 @@ Vielen Dank!</translation>
         <translation>„%1“ konnte nicht geschrieben werden</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>„%1“ ist kein Name für ein Archiv</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>das Archiv würde „%1“ ersetzen, das selbst hineinsoll</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>„%1“ kann nicht der Name eines Archivs sein</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>keine Datei dieses Computers</translation>
     </message>
 </context>
 <context>
@@ -560,6 +616,126 @@ Vielen Dank!</translation>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Ver&amp;borgene Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>Aus&amp;wählen</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Dateien und Ordner auswählen</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Dateien und Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Ordner:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Pfad:</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>Unter diesem Pfad gibt es nichts.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 Objekte ausgewählt</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>Dieser Ordner kann nicht gelesen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Geändert</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Schreibtisch</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Anderer …</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Ein Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Archiv wird erstellt</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>Das Archiv konnte nicht erstellt werden</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>Das Archiv ist fertig</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Nicht alles ist im Archiv</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Parcelo öffnen</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Anzeigen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -609,14 +785,6 @@ Vielen Dank!</translation>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>Dateien aus&amp;wählen…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>&amp;Ordner auswählen…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>S&amp;chließen</translation>
     </message>
@@ -637,12 +805,12 @@ Vielen Dank!</translation>
         <translation>&amp;Minimieren</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>&amp;Zoomen</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>Parcelo-&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>O&amp;nline Help</source>
+        <translation>O&amp;nline-Hilfe</translation>
     </message>
     <message>
         <source>Visit &amp;Website</source>
@@ -672,13 +840,17 @@ Vielen Dank!</translation>
         <source>&amp;About Parcelo</source>
         <translation>Ü&amp;ber Parcelo</translation>
     </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>Ma&amp;ximieren</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>Dateien und Ordner aus&amp;wählen…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>Zu archivierende Dateien auswählen</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>Ordner auswählen</translation>
@@ -748,6 +920,37 @@ Vielen Dank!</translation>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%1 von %2 (%3/s)</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>Noch wenige Sekunden</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Noch etwa %1 Sekunden</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Noch etwa eine Minute</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Noch etwa %1 Minuten</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>Noch etwa %1 Stunden</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>
@@ -811,22 +1014,64 @@ Vielen Dank!</translation>
         <translation>Archiv sichern</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Sichern in:</translation>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>Archive (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Ordner:</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>Unter %1 kann kein Archiv erstellt werden.</translation>
+        <source>&amp;Cancel</source>
+        <translation>A&amp;bbrechen</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1 existiert bereits.
-Möchten Sie es ersetzen?</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>„%1“ &amp;verwenden</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>Dieser Ordner wurde nicht gefunden. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>In diesem Ordner können Sie nichts sichern. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>Ein Name kann keinen Schrägstrich enthalten.</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>Das kann kein Name sein.</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>Dieser Name ist zu lang.</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>Es gibt einen Ordner namens „%1“.</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>„%1“ ist vorhanden und wird ersetzt (%2, %3).</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>Namen, die mit einem Punkt beginnen, werden ausgeblendet.</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>Manche Systeme lehnen Namen mit „%1“ ab.</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windows lehnt diesen Namen ab.</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>Dieser Name beginnt oder endet mit einem Leerzeichen.</translation>
     </message>
 </context>
 <context>

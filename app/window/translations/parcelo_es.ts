@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>Escribir un &amp;comentario</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Los desarrolladores de Parcelo
+Software libre con licencia MIT</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>Utiliza %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Thank you!</source>
         <translation>No se puede archivar todo</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>Estos elementos no son archivos de este equipo y se omitirán:
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>Es posible que el mensaje aún no se haya enviado</translation>
     </message>
@@ -293,6 +297,54 @@ Thank you!</source>
     <message>
         <source>The archive could not be made</source>
         <translation>No se ha podido crear el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Se está creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>Si sale ahora, no se creará. Sus archivos se quedan como están.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>&amp;Continuar</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>&amp;Detener y salir</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>Después: %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>o Espacio para elegir, Ctrl+V para pegar</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>Estos elementos no son archivos de este equipo y se omitirán:
+%1</translation>
+    </message>
+    <message>
+        <source>Same as source: %1</source>
+        <translation>Igual que el origen: %1</translation>
+    </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>Archivos aún en espera: %1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>Llegaron mientras se creaba otro archivo comprimido. Si sale, no se comprimirán:
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
     </message>
 </context>
 <context>
@@ -498,12 +550,16 @@ Thank you!</source>
         <translation>No se puede escribir en «%1»</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>«%1» no es un nombre posible</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>el archivo comprimido sustituiría a «%1», que debe ir en él</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>«%1» no puede ser el nombre de un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>no es un archivo de este equipo</translation>
     </message>
 </context>
 <context>
@@ -560,6 +616,126 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Mostrar archivos &amp;ocultos</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>&amp;Elegir</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Elegir archivos y carpetas</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Archivos y carpetas</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Carpeta:</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Ruta:</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>No hay nada en esta ruta.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 elementos seleccionados</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>No se puede leer esta carpeta.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Tamaño</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Modificado</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Carpeta personal</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Escritorio</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Otra…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Carpetas</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Se está creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Creando un archivo comprimido</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>No se ha podido crear el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>El archivo está listo</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>No todo está en el archivo comprimido</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Abrir Parcelo</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Mostrar</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Abrir</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -609,14 +785,6 @@ Thank you!</source>
         <translation>A&amp;yuda</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>&amp;Elegir archivos…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>Elegir una &amp;carpeta…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>Ce&amp;rrar</translation>
     </message>
@@ -637,12 +805,12 @@ Thank you!</source>
         <translation>&amp;Minimizar</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>&amp;Zoom</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>&amp;Ayuda de Parcelo</translation>
+    </message>
+    <message>
+        <source>O&amp;nline Help</source>
+        <translation>Ayuda en lí&amp;nea</translation>
     </message>
     <message>
         <source>Visit &amp;Website</source>
@@ -672,13 +840,17 @@ Thank you!</source>
         <source>&amp;About Parcelo</source>
         <translation>Acerca &amp;de Parcelo</translation>
     </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>Ma&amp;ximizar</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>&amp;Elegir archivos y carpetas…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>Elegir los archivos que se van a comprimir</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>Elegir una carpeta</translation>
@@ -748,6 +920,37 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 de %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%1 de %2 (%3/s)</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>Quedan unos segundos</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Quedan unos %1 segundos</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Queda un minuto aproximadamente</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Quedan unos %1 minutos</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>Quedan unas %1 horas</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>
@@ -811,22 +1014,64 @@ Thank you!</source>
         <translation>Guardar el archivo</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Guardar en:</translation>
+        <source>&amp;Name:</source>
+        <translation>&amp;Nombre:</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>Archivos comprimidos (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Carpeta:</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>No se puede crear un archivo en %1.</translation>
+        <source>&amp;Cancel</source>
+        <translation>Cance&amp;lar</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1 ya existe.
-¿Desea reemplazarlo?</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>&amp;Usar «%1»</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>No se encuentra esta carpeta. Elija otra.</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>No puede guardar en esta carpeta. Elija otra.</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>Un nombre no puede contener una barra.</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>Esto no puede ser un nombre.</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>Este nombre es demasiado largo.</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>Existe una carpeta llamada «%1».</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>«%1» ya existe y se reemplazará (%2, %3).</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>Los nombres que empiezan por un punto se ocultan.</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>Algunos sistemas rechazan nombres con «%1».</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windows rechaza este nombre.</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>Este nombre empieza o termina con un espacio.</translation>
     </message>
 </context>
 <context>
@@ -861,7 +1106,7 @@ Do you want to replace it?</source>
     </message>
     <message>
         <source>&amp;What Is New</source>
-        <translation>&amp;Novedades</translation>
+        <translation>Nove&amp;dades</translation>
     </message>
 </context>
 </TS>

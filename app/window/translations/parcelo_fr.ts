@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>Écrire un &amp;commentaire</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Les développeurs de Parcelo
+Logiciel libre sous licence MIT</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>Utilise %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Merci !</translation>
         <translation>Tout ne peut pas être archivé</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>Ces éléments ne sont pas des fichiers de cet ordinateur et seront laissés de côté :
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>Le message n’est peut-être pas encore envoyé</translation>
     </message>
@@ -293,6 +297,54 @@ Merci !</translation>
     <message>
         <source>The archive could not be made</source>
         <translation>L’archive n’a pas pu être créée</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Une archive est en cours de création</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>Si vous quittez maintenant, elle ne sera pas créée. Vos fichiers restent tels quels.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>&amp;Continuer</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>&amp;Arrêter et quitter</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>Ensuite : %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>ou Espace pour choisir, Ctrl+V pour coller</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>Ces éléments ne sont pas des fichiers de cet ordinateur et seront laissés de côté :
+%1</translation>
+    </message>
+    <message>
+        <source>Same as source: %1</source>
+        <translation>Comme la source : %1</translation>
+    </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>Fichiers encore en attente : %1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>Ils sont arrivés pendant la création d’une autre archive. Si vous quittez, ils ne seront pas archivés :
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1.</translation>
     </message>
 </context>
 <context>
@@ -498,12 +550,16 @@ Merci !</translation>
         <translation>Impossible d’écrire « %1 »</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
-        <translation>« %1 » n’est pas un nom possible</translation>
-    </message>
-    <message>
         <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
         <translation>l’archive remplacerait « %1 », qui doit en faire partie</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
+        <translation>« %1 » ne peut pas être le nom d’une archive</translation>
+    </message>
+    <message>
+        <source>no file of this computer</source>
+        <translation>aucun fichier de cet ordinateur</translation>
     </message>
 </context>
 <context>
@@ -560,6 +616,126 @@ Merci !</translation>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>Afficher les fichiers &amp;masqués</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>C&amp;hoisir</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>Choisir des fichiers et des dossiers</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>Fichiers et dossiers</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier :</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>&amp;Chemin :</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>Il n’y a rien à ce chemin.</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1 éléments sélectionnés</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>Ce dossier ne peut pas être lu.</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Modifié</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>Dossier personnel</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Bureau</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>Autre…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Dossiers</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>Création d’une archive en cours</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>Création d’une archive</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1 : %2 %</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>L’archive n’a pas pu être créée</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>L’archive est prête</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>Tout n’est pas dans l’archive</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Ouvrir Parcelo</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Afficher</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -609,14 +785,6 @@ Merci !</translation>
         <translation>&amp;Aide</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>&amp;Choisir des fichiers…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>Choisir un &amp;dossier…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>&amp;Fermer</translation>
     </message>
@@ -637,12 +805,12 @@ Merci !</translation>
         <translation>&amp;Réduire</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>&amp;Zoom</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>&amp;Aide de Parcelo</translation>
+    </message>
+    <message>
+        <source>O&amp;nline Help</source>
+        <translation>Aide en lig&amp;ne</translation>
     </message>
     <message>
         <source>Visit &amp;Website</source>
@@ -672,13 +840,17 @@ Merci !</translation>
         <source>&amp;About Parcelo</source>
         <translation>À &amp;propos de Parcelo</translation>
     </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>&amp;Agrandir</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>&amp;Choisir des fichiers et des dossiers…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>Choisir les fichiers à archiver</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>Choisir un dossier</translation>
@@ -748,6 +920,37 @@ Merci !</translation>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 sur %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%1 sur %2 (%3/s)</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>Quelques secondes restantes</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Environ %1 secondes restantes</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Environ une minute restante</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Environ %1 minutes restantes</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>Environ %1 heures restantes</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>
@@ -811,22 +1014,64 @@ Merci !</translation>
         <translation>Enregistrer l’archive</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>Enregistrer dans :</translation>
+        <source>&amp;Name:</source>
+        <translation>&amp;Nom :</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>Archives (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier :</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>Impossible de créer une archive à l’emplacement %1.</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1 existe déjà.
-Voulez-vous le remplacer ?</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>&amp;Utiliser « %1 »</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>Ce dossier est introuvable. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>Vous ne pouvez pas enregistrer dans ce dossier. Choisissez-en un autre.</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>Un nom ne peut pas contenir de barre oblique.</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>Ceci ne peut pas être un nom.</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>Ce nom est trop long.</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>Il existe un dossier nommé « %1 ».</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>« %1 » existe et sera remplacé (%2, %3).</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>Les noms commençant par un point sont masqués.</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>Certains systèmes refusent les noms contenant « %1 ».</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windows refuse ce nom.</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>Ce nom commence ou se termine par une espace.</translation>
     </message>
 </context>
 <context>

@@ -23,6 +23,16 @@
         <source>Write a &amp;Comment</source>
         <translation>コメントを書く(&amp;C)</translation>
     </message>
+    <message>
+        <source>Copyright © 2026 The Parcelo developers
+Free software under the MIT License</source>
+        <translation>Copyright © 2026 Parcelo の開発者
+MIT ライセンスのフリーソフトウェア</translation>
+    </message>
+    <message>
+        <source>Made with %1</source>
+        <translation>使用ライブラリ: %1</translation>
+    </message>
 </context>
 <context>
     <name>AccessoryView</name>
@@ -237,12 +247,6 @@ Thank you!</source>
         <translation>アーカイブできない項目があります</translation>
     </message>
     <message>
-        <source>These are no files of this computer, and will be left out:
-%1</source>
-        <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
-%1</translation>
-    </message>
-    <message>
         <source>The message may not have been sent yet</source>
         <translation>メッセージはまだ送信されていない可能性があります</translation>
     </message>
@@ -293,6 +297,54 @@ Thank you!</source>
     <message>
         <source>The archive could not be made</source>
         <translation>アーカイブを作成できませんでした</translation>
+    </message>
+    <message>
+        <source>An archive is being made</source>
+        <translation>アーカイブを作成しています</translation>
+    </message>
+    <message>
+        <source>If you quit now, it will not be made. Your files stay as they are.</source>
+        <translation>今終了すると、アーカイブは作成されません。元のファイルは変わりません。</translation>
+    </message>
+    <message>
+        <source>&amp;Keep Going</source>
+        <translation>続ける(&amp;K)</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Quit</source>
+        <translation>中止して終了(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Next: %1</source>
+        <translation>次: %1</translation>
+    </message>
+    <message>
+        <source>or press Space to choose, Ctrl+V to paste</source>
+        <translation>または Space で選択、Ctrl+V で貼り付け</translation>
+    </message>
+    <message>
+        <source>These are not files on this computer and will be left out:
+%1</source>
+        <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
+%1</translation>
+    </message>
+    <message>
+        <source>Same as source: %1</source>
+        <translation>元の場所と同じ: %1</translation>
+    </message>
+    <message>
+        <source>Files still waiting: %1</source>
+        <translation>待機中のファイル：%1</translation>
+    </message>
+    <message>
+        <source>They came while another archive was being made, and get none if you quit:
+%1</source>
+        <translation>別のアーカイブの作成中に届いたファイルです。終了するとアーカイブされません：
+%1</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1。</translation>
     </message>
 </context>
 <context>
@@ -498,12 +550,16 @@ Thank you!</source>
         <translation>「%1」に書き込めません</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is no name for an archive</source>
+        <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
+        <translation>アーカイブする項目「%1」自体を置き換えてしまいます</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; cannot be the name of an archive</source>
         <translation>「%1」という名前は付けられません</translation>
     </message>
     <message>
-        <source>the archive would replace &apos;%1&apos;, which is to be in it</source>
-        <translation>アーカイブする項目「%1」自体を置き換えてしまいます</translation>
+        <source>no file of this computer</source>
+        <translation>このコンピューターのファイルではありません</translation>
     </message>
 </context>
 <context>
@@ -560,6 +616,126 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>FileChooser</name>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>隠しファイルを表示(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Ch&amp;oose</source>
+        <translation>選択(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Choose Files and Folders</source>
+        <translation>ファイルとフォルダを選択</translation>
+    </message>
+    <message>
+        <source>Files and folders</source>
+        <translation>ファイルとフォルダ</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>フォルダ(&amp;F):</translation>
+    </message>
+    <message>
+        <source>&amp;Path:</source>
+        <translation>パス(&amp;P):</translation>
+    </message>
+    <message>
+        <source>There is nothing at this path.</source>
+        <translation>このパスには何もありません。</translation>
+    </message>
+    <message>
+        <source>%1 items selected</source>
+        <translation>%1項目を選択</translation>
+    </message>
+    <message>
+        <source>This folder cannot be read.</source>
+        <translation>このフォルダを読み込めません。</translation>
+    </message>
+</context>
+<context>
+    <name>FileListView</name>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>サイズ</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>更新日時</translation>
+    </message>
+</context>
+<context>
+    <name>FolderMenu</name>
+    <message>
+        <source>Home</source>
+        <translation>ホーム</translation>
+    </message>
+    <message>
+        <source>Desktop</source>
+        <translation>デスクトップ</translation>
+    </message>
+    <message>
+        <source>Other…</source>
+        <translation>その他…</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>フォルダ</translation>
+    </message>
+</context>
+<context>
+    <name>JobNotice</name>
+    <message>
+        <source>An archive is being made</source>
+        <translation>アーカイブを作成しています</translation>
+    </message>
+    <message>
+        <source>Making an archive</source>
+        <translation>アーカイブを作成中</translation>
+    </message>
+    <message>
+        <source>%1: %2%</source>
+        <translation>%1：%2%</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>The archive could not be made</source>
+        <translation>アーカイブを作成できませんでした</translation>
+    </message>
+    <message>
+        <source>The archive is made</source>
+        <translation>アーカイブを作成しました</translation>
+    </message>
+    <message>
+        <source>Not everything is in the archive</source>
+        <translation>アーカイブに入らなかったものがあります</translation>
+    </message>
+    <message>
+        <source>Open Parcelo</source>
+        <translation>Parceloを開く</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>表示</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
+    </message>
+</context>
+<context>
     <name>Localizable</name>
     <message>
         <source>Completed</source>
@@ -609,14 +785,6 @@ Thank you!</source>
         <translation>ヘルプ(&amp;H)</translation>
     </message>
     <message>
-        <source>&amp;Choose Files…</source>
-        <translation>ファイルを選択(&amp;C)…</translation>
-    </message>
-    <message>
-        <source>Choose a &amp;Folder…</source>
-        <translation>フォルダを選択(&amp;F)…</translation>
-    </message>
-    <message>
         <source>C&amp;lose</source>
         <translation>閉じる(&amp;L)</translation>
     </message>
@@ -637,12 +805,12 @@ Thank you!</source>
         <translation>最小化(&amp;M)</translation>
     </message>
     <message>
-        <source>&amp;Zoom</source>
-        <translation>ズーム(&amp;Z)</translation>
-    </message>
-    <message>
         <source>Parcelo &amp;Help</source>
         <translation>Parceloヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>O&amp;nline Help</source>
+        <translation>オンラインヘルプ(&amp;N)</translation>
     </message>
     <message>
         <source>Visit &amp;Website</source>
@@ -672,13 +840,17 @@ Thank you!</source>
         <source>&amp;About Parcelo</source>
         <translation>Parceloについて(&amp;A)</translation>
     </message>
+    <message>
+        <source>Ma&amp;ximize</source>
+        <translation>最大化(&amp;X)</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Files and Folders…</source>
+        <translation>ファイルとフォルダを選択(&amp;C)…</translation>
+    </message>
 </context>
 <context>
     <name>OpenPanel</name>
-    <message>
-        <source>Choose Files to Archive</source>
-        <translation>アーカイブするファイルを選択</translation>
-    </message>
     <message>
         <source>Choose a Folder</source>
         <translation>フォルダを選択</translation>
@@ -748,6 +920,37 @@ Thank you!</source>
     </message>
 </context>
 <context>
+    <name>ProgressSheet</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%2中%1</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3/s)</source>
+        <translation>%2中%1（%3/秒）</translation>
+    </message>
+    <message>
+        <source>A few seconds left</source>
+        <translation>残り数秒</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>残り約%1秒</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>残り約1分</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>残り約%1分</translation>
+    </message>
+    <message>
+        <source>About %1 hours left</source>
+        <translation>残り約%1時間</translation>
+    </message>
+</context>
+<context>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>
@@ -811,22 +1014,64 @@ Thank you!</source>
         <translation>アーカイブを保存</translation>
     </message>
     <message>
-        <source>Save in:</source>
-        <translation>保存場所:</translation>
+        <source>&amp;Name:</source>
+        <translation>名前(&amp;N):</translation>
     </message>
     <message>
-        <source>Archives (*.%1)</source>
-        <translation>アーカイブ (*.%1)</translation>
+        <source>&amp;Folder:</source>
+        <translation>フォルダ(&amp;F):</translation>
     </message>
     <message>
-        <source>An archive cannot be made at %1.</source>
-        <translation>%1にアーカイブを作成できません。</translation>
+        <source>&amp;Cancel</source>
+        <translation>キャンセル(&amp;C)</translation>
     </message>
     <message>
-        <source>%1 already exists.
-Do you want to replace it?</source>
-        <translation>%1はすでに存在します。
-置き換えますか？</translation>
+        <source>&amp;Use “%1”</source>
+        <translation>“%1”を使用(&amp;U)</translation>
+    </message>
+    <message>
+        <source>This folder cannot be found. Choose another one.</source>
+        <translation>このフォルダが見つかりません。別のフォルダを選択してください。</translation>
+    </message>
+    <message>
+        <source>You cannot save in this folder. Choose another one.</source>
+        <translation>このフォルダには保存できません。別のフォルダを選択してください。</translation>
+    </message>
+    <message>
+        <source>A name cannot contain a slash.</source>
+        <translation>名前にスラッシュは使えません。</translation>
+    </message>
+    <message>
+        <source>This cannot be a name.</source>
+        <translation>この名前は使えません。</translation>
+    </message>
+    <message>
+        <source>This name is too long.</source>
+        <translation>名前が長すぎます。</translation>
+    </message>
+    <message>
+        <source>There is a folder named “%1”.</source>
+        <translation>“%1”という名前のフォルダがあります。</translation>
+    </message>
+    <message>
+        <source>“%1” exists and will be replaced (%2, %3).</source>
+        <translation>“%1”は既に存在し、置き換えられます（%2、%3）。</translation>
+    </message>
+    <message>
+        <source>Names that begin with a dot are hidden.</source>
+        <translation>ピリオドで始まる名前は隠しファイルになります。</translation>
+    </message>
+    <message>
+        <source>Some systems refuse names with “%1”.</source>
+        <translation>“%1”を含む名前を使えないシステムがあります。</translation>
+    </message>
+    <message>
+        <source>Windows refuses this name.</source>
+        <translation>Windowsではこの名前を使えません。</translation>
+    </message>
+    <message>
+        <source>This name begins or ends with a space.</source>
+        <translation>名前の先頭または末尾に空白があります。</translation>
     </message>
 </context>
 <context>

@@ -94,18 +94,18 @@ void Task::_spawn(int standardInput, int standardOutput, int standardError)
     fail("run '" + _setup.launchPath.native() + "'", reason);
 }
 
-void Task::readUntilExit(const ChunkHandler& onChunk)
+void Task::readUntilExit(const ChunkHandler& onChunk, Watch* watch)
 {
-    _read(_exited.number(), onChunk);
+    _read(_exited.number(), onChunk, watch);
 }
 
 void Task::readToEndOfOutput(const ChunkHandler& onChunk)
 {
-    _read(-1, onChunk);
+    _read(-1, onChunk, nullptr);
 }
 
 // Until the process has ended that the descriptor stands for; without one, until the output has.
-void Task::_read(int exitDescriptor, const ChunkHandler& onChunk)
+void Task::_read(int exitDescriptor, const ChunkHandler& onChunk, Watch* watch)
 try {
     std::vector<char> buffer(chunkSize);
     pollfd watched[] = {{.fd = -1, .events = POLLIN, .revents = 0},
@@ -113,7 +113,8 @@ try {
     auto& [output, exited] = watched;
     while (exited.revents == 0 && (_output || exitDescriptor >= 0)) {
         output.fd = _output.number(); // -1, which is skipped, at its end
-        retryOnInterrupt([&] { return ::poll(watched, std::size(watched), -1); });
+        const int milliseconds = _lookAndWait(watch);
+        retryOnInterrupt([&] { return ::poll(watched, std::size(watched), milliseconds); });
         if (output.revents != 0 && exited.revents == 0)
             _readChunk(buffer, onChunk);
     }
@@ -122,6 +123,20 @@ try {
 } catch (...) {
     _stop();
     throw;
+}
+
+// How long to wait until it is time for another look, as poll() takes it.
+int Task::_lookAndWait(Watch* watch) const
+{
+    if (watch == nullptr)
+        return -1;
+    const auto now = std::chrono::steady_clock::now();
+    if (now >= watch->next) {
+        watch->next = now + watch->interval;
+        watch->look(_pid);
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(watch->next - now);
+    return static_cast<int>(left.count());
 }
 
 // Fills at most the buffer, waiting for the first byte, and closes the pipe at its end.

@@ -45,6 +45,14 @@ public:
         Output output = Output::combined;
     };
 
+    // A look at the child now and then, while it is waited for; the time of the next one may come
+    // with another child.
+    struct Watch {
+        std::function<void(pid_t child)> look;
+        std::chrono::milliseconds interval{100};
+        std::chrono::steady_clock::time_point next = {};
+    };
+
     explicit Task(Setup setup);
     Task(const Task&) = delete;
     Task& operator=(const Task&) = delete;
@@ -59,7 +67,7 @@ public:
     // in chunks of what one read gave (at most 64 KiB). Output still to come from a process
     // that the child left behind is not waited for. When the handler throws, the child is stopped
     // as in the destructor and the exception leaves.
-    void readUntilExit(const ChunkHandler& onChunk);
+    void readUntilExit(const ChunkHandler& onChunk, Watch* watch = nullptr);
 
     // The same, but goes on until the end of the output, which comes when the child and whatever it
     // left behind have closed it; the child's own end is waited for too.
@@ -81,7 +89,8 @@ public:
 
 private:
     void _spawn(int standardInput, int standardOutput, int standardError);
-    void _read(int exitDescriptor, const ChunkHandler& onChunk);
+    void _read(int exitDescriptor, const ChunkHandler& onChunk, Watch* watch);
+    [[nodiscard]] int _lookAndWait(Watch* watch) const;
     void _readChunk(std::span<char> buffer, const ChunkHandler& onChunk);
     void _drain(std::span<char> buffer, const ChunkHandler& onChunk);
     void _signal(int number);

@@ -2,6 +2,7 @@
 
 #include "platform/desktop/panels/PlainLabel.h"
 #include "platform/desktop/panels/Tag.h"
+#include "platform/desktop/panels/WrappedText.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -18,13 +19,7 @@ namespace
 // A line that people read without losing their place.
 constexpr int messageWidthInCharacters = 52;
 
-QLabel* readableLabel(const std::string& text, const QString& objectName, QWidget* parent)
-{
-    QLabel* label = PlainLabel::make(QString::fromStdString(text), objectName, parent);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setMinimumWidth(label->fontMetrics().averageCharWidth() * messageWidthInCharacters);
-    return label;
-}
+constexpr int widest = 480; // the panel, unless its buttons take more
 
 // The program may be in the background when it has something to say.
 QWidget* windowInFront()
@@ -50,15 +45,24 @@ AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* pare
     icon->setPixmap(
         (image.isNull() ? style()->standardIcon(QStyle::SP_MessageBoxInformation) : image)
             .pixmap(size, size));
-    QLabel* title = readableLabel(alert.title, QStringLiteral("alertTitle"), this);
+    auto* whole = new QVBoxLayout(this);
+    auto* top = new QHBoxLayout;
+    const QMargins margins = whole->contentsMargins();
+    const int width = std::min(fontMetrics().averageCharWidth() * messageWidthInCharacters,
+        widest - margins.left() - margins.right() - size - whole->spacing());
+    auto* title
+        = PlainLabel::make(QString::fromStdString(alert.title), QStringLiteral("alertTitle"), this);
     PlainLabel::setBold(title);
-    QLabel* message = readableLabel(alert.message, QStringLiteral("alertMessage"), this);
-    setAccessibleDescription(message->text());
+    title->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    title->setFixedSize(width, title->heightForWidth(width));
+    auto* message = new WrappedText(QString::fromStdString(alert.message), width, this);
+    message->setObjectName(QStringLiteral("alertMessage"));
+    setAccessibleDescription(message->toPlainText());
 
     auto* texts = new QVBoxLayout;
     texts->addWidget(title);
-    texts->addWidget(message, 1);
-    auto* top = new QHBoxLayout;
+    texts->addWidget(message);
+    texts->addStretch(1);
     top->addWidget(icon, 0, Qt::AlignTop);
     top->addLayout(texts, 1);
     auto* buttons = new QHBoxLayout;
@@ -67,7 +71,6 @@ AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* pare
     _addButton(*buttons, alert.otherButton, AlertPanel::answerOther);
     _addButton(*buttons, alert.alternateButton, AlertPanel::answerAlternate);
     _addButton(*buttons, alert.defaultButton, AlertPanel::answerDefault);
-    auto* whole = new QVBoxLayout(this);
     whole->addLayout(top, 1);
     whole->addLayout(buttons);
     whole->setSizeConstraint(QLayout::SetFixedSize);
@@ -79,6 +82,7 @@ void AlertPanelWindow::_addButton(QHBoxLayout& row, const std::string& title, in
         return;
     auto* button = new QPushButton(QString::fromStdString(title), this);
     Tag::set(button, tag);
+    button->setAutoDefault(false); // the framed button stays the one that Return presses
     connect(button, &QPushButton::clicked, this, [this, tag] { done(tag); });
     row.addWidget(button);
     if (tag == AlertPanel::answerDefault) {

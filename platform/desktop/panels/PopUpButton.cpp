@@ -1,5 +1,7 @@
 #include "platform/desktop/panels/PopUpButton.h"
 
+#include "platform/desktop/panels/AccessiblePopUp.h"
+
 #include <QAction>
 #include <QActionGroup>
 #include <QKeyEvent>
@@ -27,6 +29,7 @@ PopUpButton::PopUpButton(QWidget* parent)
     : QPushButton(parent)
     , _group(new QActionGroup(this))
 {
+    AccessiblePopUp::install();
     setMenu(new QMenu(this));
     setFocusPolicy(Qt::StrongFocus);
     connect(menu(), &QMenu::aboutToShow, this, [this] {
@@ -105,6 +108,11 @@ int PopUpButton::selectedTag() const
     return _selected < 0 ? -1 : _rows[_selected].item.tag;
 }
 
+QString PopUpButton::selectedTitle() const
+{
+    return _selected < 0 ? QString() : _rows[_selected].item.title;
+}
+
 void PopUpButton::selectItemWithTag(int tag)
 {
     const auto found = std::ranges::find(_rows, tag, [](const Row& row) { return row.item.tag; });
@@ -115,7 +123,7 @@ void PopUpButton::selectItemWithTag(int tag)
 void PopUpButton::_select(int index)
 {
     _selected = index;
-    setAccessibleDescription(_rows.at(index).item.title);
+    AccessiblePopUp::tellChoice(this);
     update();
 }
 
@@ -189,11 +197,12 @@ void PopUpButton::paintEvent(QPaintEvent* /*event*/)
     option.frame = true;
     if (isDown())
         option.state |= QStyle::State_Sunken;
-    const QString title = _selected < 0 ? QString() : _rows[_selected].item.title;
+    const QString title = selectedTitle();
     const QRect text
         = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
     // The end of a path tells most.
     option.currentText = fontMetrics().elidedText(title, Qt::ElideMiddle, text.width());
+    setToolTip(option.currentText == title ? QString() : title);
     painter.drawComplexControl(QStyle::CC_ComboBox, option);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }

@@ -62,6 +62,8 @@ public:
     // The tag of the selected item; -1 when nothing is selected.
     [[nodiscard]] int selectedTag() const;
 
+    [[nodiscard]] QString selectedTitle() const;
+
     // Selects the first such item; without one, the selection stays.
     void selectItemWithTag(int tag);
 

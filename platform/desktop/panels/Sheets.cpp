@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QEvent>
 #include <QPointer>
+#include <QPushButton>
 
 #include <algorithm>
 #include <utility>
@@ -10,12 +11,15 @@
 namespace
 {
 
-void attach(QDialog* sheet, QWidget* onWindow)
+void attach(QDialog* sheet, QWidget* onWindow, Qt::WindowModality modality = Qt::WindowModal)
 {
     const Qt::WindowFlags flags = Qt::Sheet | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
     if (sheet->parentWidget() != onWindow || sheet->windowType() != Qt::Sheet)
         sheet->setParent(onWindow, flags);
-    sheet->setWindowModality(Qt::WindowModal);
+    sheet->setWindowModality(modality);
+    // The framed button is the one that Return presses, wherever the keyboard focus is.
+    for (QPushButton* button : sheet->findChildren<QPushButton*>())
+        button->setAutoDefault(false);
     if (sheet->windowTitle().isEmpty() && onWindow)
         sheet->setWindowTitle(onWindow->windowTitle()); // screen readers begin with it
 }
@@ -73,6 +77,13 @@ void Sheets::begin(QDialog* sheet, QWidget* onWindow)
     sheet->open();
 }
 
+// Qt keeps every other kind of sheet's window from being closed, and tells nobody.
+void Sheets::beginOverOpenWindow(QDialog* sheet, QWidget* onWindow)
+{
+    attach(sheet, onWindow, Qt::NonModal);
+    sheet->show();
+}
+
 int Sheets::runModal(QDialog* sheet, QWidget* onWindow)
 {
     attach(sheet, onWindow);
@@ -83,8 +94,9 @@ QDialog* Sheets::attachedSheet(const QWidget* window)
 {
     const auto dialogs = window->findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly);
     const auto isUp = [](const QDialog* dialog) {
-        return dialog->isVisible() && dialog->windowModality() == Qt::WindowModal;
+        return dialog->isVisible() && dialog->windowType() == Qt::Sheet;
     };
-    const auto found = std::ranges::find_if(dialogs, isUp);
-    return found == dialogs.end() ? nullptr : *found;
+    // From the newest: a question can stand over a sheet.
+    const auto found = std::find_if(dialogs.rbegin(), dialogs.rend(), isUp);
+    return found == dialogs.rend() ? nullptr : *found;
 }

@@ -28,18 +28,10 @@ constexpr int replyTimeoutInMilliseconds = 25000;
 
 using Request = ApplicationService::Request;
 
-// Each address by itself. One with a line break would be two in a list, and is none by itself.
 void addFiles(Request& request, const QStringList& uris)
 {
-    const std::string hostName = QSysInfo::machineHostName().toStdString();
-    for (const QString& uri : uris) {
-        const std::string line = uri.toStdString();
-        auto found = UriList::filePaths(line, hostName);
-        if (found.paths.size() == 1 && line.find_first_of("\r\n") == std::string::npos)
-            request.files.push_back(std::move(found.paths.front()));
-        else
-            request.refused.append(uri);
-    }
+    for (const QString& uri : uris)
+        request.addAddress(uri);
 }
 
 Request requestWith(const QVariantMap& platformData)
@@ -111,6 +103,17 @@ QString pathOfName(QString name)
 
 } // namespace
 
+// One with a line break would be two in a list, and is none by itself.
+void ApplicationService::Request::addAddress(const QString& uri)
+{
+    const std::string line = uri.toStdString();
+    auto found = UriList::filePaths(line, QSysInfo::machineHostName().toStdString());
+    if (found.paths.size() == 1 && line.find_first_of("\r\n") == std::string::npos)
+        files.push_back(std::move(found.paths.front()));
+    else
+        refused.append(uri);
+}
+
 ApplicationService::ApplicationService(QString name, Handler handler, QObject* parent)
     : QObject(parent)
     , _name(std::move(name))
@@ -154,7 +157,7 @@ void ApplicationService::leave()
 
 bool ApplicationService::_handOver(const Request& request) const
 {
-    QStringList uris;
+    QStringList uris = request.refused; // of which the one who has the name tells
     for (const auto& file : request.files)
         uris.append(QString::fromStdString(UriList::fileUri(file)));
     const QVariantMap platformData{{tokenKey, QString::fromUtf8(request.activationToken)},

@@ -23,6 +23,9 @@ public:
         QStringList refused = {}; // addresses that are no files of this computer
         // By which the desktop lets a window come to the front for what a person did elsewhere.
         QByteArray activationToken = {};
+
+        // To the files or to the refused.
+        void addAddress(const QString& uri);
     };
 
     // Called by the event loop, never within the call that brought the request.

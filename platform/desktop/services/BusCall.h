@@ -1,6 +1,7 @@
-// Calls of methods on the session bus that do not wait for the answer. Main thread.
+// Messages to a bus that wait neither for an answer nor for a bus that hangs. Main thread.
 #pragma once
 
+#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QObject>
@@ -11,9 +12,13 @@
 namespace BusCall
 {
 
-// Calls `then` later and once with the finished call, which is an error too when there is no bus
-// or no answer in time. Nothing is called once the context is gone.
+// Calls a method; then calls `then` later and once with the finished call, which is an error too
+// when there is no bus or no answer in time. Nothing is called once the context is gone.
 void send(const QDBusMessage& message, std::chrono::milliseconds timeout, QObject* context,
-    std::function<void(const QDBusPendingCall& finished)> then);
+    std::function<void(const QDBusPendingCall& finished)> then,
+    QDBusConnection::BusType bus = QDBusConnection::SessionBus);
+
+// A signal, or a call of which nobody needs the answer, to the session bus.
+void sendOnly(const QDBusMessage& message, QObject* context);
 
 } // namespace BusCall

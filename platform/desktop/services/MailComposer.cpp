@@ -149,7 +149,9 @@ private:
             {QStringLiteral("addresses"), QStringList()}, // without it some portals do nothing
             {QStringLiteral("attachment_fds"), QVariant::fromValue(files)}};
         PortalRequest::call(QStringLiteral("Email"), QStringLiteral("ComposeEmail"), {QString()},
-            options, this, [this](PortalRequest::Outcome outcome) { _takeOutcome(outcome); });
+            options, this, [this](PortalRequest::Outcome outcome, const auto& /*results*/) {
+                _takeOutcome(outcome);
+            });
     }
 
     void _takeOutcome(PortalRequest::Outcome outcome)

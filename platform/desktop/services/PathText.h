@@ -15,4 +15,7 @@ namespace PathText
 
 [[nodiscard]] std::filesystem::path pathOf(const QString& text);
 
+// "~" in place of the home folder that a path begins with.
+[[nodiscard]] QString abbreviatedWithTilde(const QString& path);
+
 } // namespace PathText

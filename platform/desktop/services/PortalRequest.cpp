@@ -13,6 +13,7 @@ namespace
 {
 
 const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
 const QString desktopPath = QStringLiteral("/org/freedesktop/portal/desktop");
 
 // For the answer that the request was taken on; it may have to start the portal first.
@@ -26,7 +27,7 @@ PortalRequest::PortalRequest(QObject* parent, Then then)
 {
 }
 
-void PortalRequest::call(const QString& interface, const QString& method,
+PortalRequest* PortalRequest::call(const QString& interface, const QString& method,
     const QVariantList& arguments, const QVariantMap& options, QObject* parent, Then then)
 {
     static unsigned count = 0;
@@ -48,17 +49,26 @@ void PortalRequest::call(const QString& interface, const QString& method,
     message.setArguments(arguments + QVariantList{withToken});
     BusCall::send(message, replyTimeout, request,
         [request](const QDBusPendingCall& reply) { request->_takeReply(reply); });
+    return request;
+}
+
+void PortalRequest::close()
+{
+    _then = nullptr;
+    deleteLater();
+    QDBusConnection::sessionBus().send(
+        QDBusMessage::createMethodCall(service, _path, requestInterface, QStringLiteral("Close")));
 }
 
 void PortalRequest::_listenAt(const QString& path)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    const QString interface = QStringLiteral("org.freedesktop.portal.Request");
     const QString signal = QStringLiteral("Response");
     const char* slot = SLOT(_takeResponse(uint, QVariantMap));
+    // From whomever: to find out who owns the service, Qt would wait for the bus.
     if (!_path.isEmpty())
-        bus.disconnect(service, _path, interface, signal, this, slot);
-    bus.connect(service, path, interface, signal, this, slot);
+        bus.disconnect(QString(), _path, requestInterface, signal, this, slot);
+    bus.connect(QString(), path, requestInterface, signal, this, slot);
     _path = path;
 }
 
@@ -70,16 +80,16 @@ void PortalRequest::_takeReply(const QDBusPendingReply<QDBusObjectPath>& answer)
         _listenAt(answer.value().path()); // portals before 0.9 name the object as they like
 }
 
-void PortalRequest::_takeResponse(uint response, const QVariantMap& /*results*/)
+void PortalRequest::_takeResponse(uint response, const QVariantMap& results)
 {
     constexpr Outcome outcomes[] = {Outcome::done, Outcome::cancelled};
-    _finish(response < std::size(outcomes) ? outcomes[response] : Outcome::failed);
+    _finish(response < std::size(outcomes) ? outcomes[response] : Outcome::failed, results);
 }
 
-void PortalRequest::_finish(Outcome outcome)
+void PortalRequest::_finish(Outcome outcome, const QVariantMap& results)
 {
     if (!_then)
         return;
     deleteLater();
-    std::exchange(_then, nullptr)(outcome);
+    std::exchange(_then, nullptr)(outcome, results);
 }

@@ -80,7 +80,7 @@ private:
         const QDBusUnixFileDescriptor file(opened.number()); // of its own
         const QVariantList arguments{QString(), QVariant::fromValue(file)};
         PortalRequest::call(QStringLiteral("OpenURI"), QStringLiteral("OpenDirectory"), arguments,
-            {}, this, [this](PortalRequest::Outcome outcome) {
+            {}, this, [this](PortalRequest::Outcome outcome, const auto& /*results*/) {
                 outcome == PortalRequest::Outcome::failed ? _findFileManager() : deleteLater();
             });
     }
@@ -156,10 +156,33 @@ bool Workspace::openURL(const QUrl& url)
     }
 }
 
+// Where there is no browser, xdg-open could find an editor for the page, or say that all is well.
+void Workspace::openPage(
+    const fs::path& page, QObject* context, std::function<void(bool works)> then)
+{
+    DefaultApplication::query(QStringLiteral("x-scheme-handler/http"), context,
+        [page, context, then = std::move(then)](const QString& browser) {
+            if (browser.isEmpty())
+                return then(false);
+            ProgramLauncher::launch(
+                {.program = "xdg-open", .arguments = {UriList::fileUri(page)}}, context, then);
+        });
+}
+
 void Workspace::selectFile(
     const fs::path& path, const std::optional<fs::path>& /*inFileViewerRootedAtPath*/)
 {
     std::error_code missing; // then it cannot be shown, and that is told
     const fs::path file = path.empty() ? path : fs::absolute(path, missing);
     QMetaObject::invokeMethod(this, [this, file] { (new RevealRequest(file, this))->start(); });
+}
+
+// As it is: an address made by Qt cannot hold a name that is not UTF-8.
+void Workspace::openFile(const fs::path& path)
+{
+    ProgramLauncher::launch(
+        {.program = "xdg-open", .arguments = {path.native()}}, this, [this, path](bool works) {
+            if (!works)
+                selectFile(path);
+        });
 }

@@ -119,7 +119,8 @@ bool SUUpdater::_canTell() const
 {
     const QWindow* window = _parentWindow ? _parentWindow->windowHandle() : nullptr;
     const bool isOnScreen = !_parentWindow || (window && window->isExposed());
-    return isOnScreen && !QApplication::activeModalWidget();
+    return isOnScreen && !QApplication::activeModalWidget()
+        && !(_parentWindow && Sheets::attachedSheet(_parentWindow));
 }
 
 void SUUpdater::_finish()

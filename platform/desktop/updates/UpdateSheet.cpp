@@ -15,6 +15,7 @@ namespace
 
 constexpr int widthInCharacters = 60; // of the notes: what reads well
 constexpr int heightInLines = 12;
+constexpr int buttonsOfTitleBarInCharacters = 16;
 
 void makeSheet(QDialog& dialog)
 {
@@ -96,6 +97,12 @@ QDialog* UpdateSheet::message(const QString& text, const QString& information, Q
     sheet->setInformativeText(information);
     if (auto* label = sheet->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
         label->setTextFormat(Qt::PlainText); // which the box's own format does not reach
+    // As wide as its title bar needs.
+    if (auto* label = sheet->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        const QFontMetrics metrics(label->font());
+        label->setMinimumWidth(metrics.horizontalAdvance(sheet->windowTitle())
+            + metrics.averageCharWidth() * buttonsOfTitleBarInCharacters);
+    }
     sheet->setAccessibleName(text);
     sheet->setStandardButtons(QMessageBox::Ok);
     return sheet;

@@ -18,6 +18,8 @@
 #include <system_error>
 #include <vector>
 
+#include <sys/types.h>
+
 class Task;
 
 enum ArchiveType : int {
@@ -43,6 +45,8 @@ struct ArchiverDelegate {
     // A chunk of tool output as it came, before it is counted, for whoever wants to show a tool's
     // own words. Independent of the others.
     std::function<void(std::string_view bytes)> toolOutput = {};
+    // A tool is at work: its process. As it starts and ten times a second, over all tools of a job.
+    std::function<void(pid_t tool)> toolIsRunning = {};
     // Something, or part of it, will be missing from the archive, since it could not be staged.
     std::function<void(const std::filesystem::path& item, std::error_code reason)> notStaged = {};
     // A plain zip could not be moved to its place, or what stands there not be removed. Whoever
@@ -174,6 +178,7 @@ private:
     std::mutex _taskMutex; // protects these two, which the job's thread sets while others cancel
     std::unique_ptr<Task> _task; // set while a tool runs, and after one that could not be started
     std::chrono::steady_clock::time_point _sparedUntil; // what is abandoned goes on until then
+    std::chrono::steady_clock::time_point _nextLook; // at the tool that is running
     std::optional<ArchiverDelegate> _delegate;
     Path _workingDirectory;
     std::optional<Path> _archiveInAlerts;

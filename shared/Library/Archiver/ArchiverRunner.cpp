@@ -19,7 +19,10 @@ std::optional<std::string> Archiver::runCommand(const std::optional<Path>& comma
         task.interrupt(); // it was asked for when there was nothing yet to interrupt
     std::optional<std::string> result;
     if (_delegate) {
-        task.readUntilExit([&](std::string_view chunk) { taskDataAvailable(chunk); });
+        Task::Watch watch{.look = _delegate->toolIsRunning, .next = _nextLook};
+        task.readUntilExit([&](std::string_view chunk) { taskDataAvailable(chunk); },
+            watch.look ? &watch : nullptr);
+        _nextLook = watch.next;
         if (_delegate->taskCompletedWithStatusCode)
             _delegate->taskCompletedWithStatusCode(task.terminationStatus());
     } else {

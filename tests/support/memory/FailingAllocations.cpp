@@ -1,9 +1,9 @@
-// Linked into a tool, lets one allocation fail, or it and all after it: PARCELO_FAILING_ALLOCATION
-// is "7" or "7+". Without it, the last line of standard output is how many there were.
+// Linked into a tool with --wrap=malloc, lets one allocation fail, or it and all after it:
+// PARCELO_FAILING_ALLOCATION is "7" or "7+". Without it, the last line of standard output is how
+// many there were.
 
 #include <atomic>
-#include <cerrno>
-#include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -26,24 +26,23 @@ bool fails()
 
 [[gnu::destructor]] void tellCount()
 {
-    char text[24] = {};
-    const std::to_chars_result result = std::to_chars(text, text + sizeof text - 1, made.load());
-    *result.ptr = '\n';
     if (std::getenv("PARCELO_FAILING_ALLOCATION") == nullptr)
-        (void)!::write(STDOUT_FILENO, text, static_cast<std::size_t>(result.ptr + 1 - text));
+        ::dprintf(STDOUT_FILENO, "%ld\n", made.load());
 }
 
 } // namespace
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+extern "C" void* __real_malloc(std::size_t size); // as the linker calls the C library's
+extern "C" void* __wrap_malloc(std::size_t size)
+{
+    return fails() ? nullptr : __real_malloc(size);
+}
 
-// The sanitizers have the C library's functions.
 void* operator new(std::size_t size)
 {
-    void* const memory = fails() ? nullptr : std::malloc(size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    return memory;
+    if (void* const memory = __wrap_malloc(size))
+        return memory;
+    throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept
 {
@@ -53,32 +52,3 @@ void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }
-
-#else
-
-extern "C" {
-
-void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* memory, std::size_t size);
-
-static void* none()
-{
-    errno = ENOMEM;
-    return nullptr;
-}
-void* malloc(std::size_t size)
-{
-    return fails() ? none() : __libc_malloc(size);
-}
-void* calloc(std::size_t count, std::size_t size)
-{
-    return fails() ? none() : __libc_calloc(count, size);
-}
-void* realloc(void* memory, std::size_t size)
-{
-    return fails() ? none() : __libc_realloc(memory, size);
-}
-}
-
-#endif

@@ -1,15 +1,16 @@
-#include "platform/desktop/services/UriList.h"
+// Texts that come from elsewhere: lists of files, and the script of a message.
 
+#include "platform/desktop/services/ScriptReader.h"
+#include "platform/desktop/services/UriList.h"
 #include "tests/support/qt/QtTest.h"
 
-using namespace std::string_literals;
 using enum UriList::Refusal;
 
 TEST(UriList, findsEveryPathAndSaysWhatItRefuses)
 {
     struct Case {
         std::string list;
-        std::vector<std::filesystem::path> paths;
+        std::vector<fs::path> paths;
         std::vector<UriList::Refusal> refused = {};
     };
     const Case lists[] = {
@@ -39,4 +40,26 @@ TEST(UriList, findsEveryPathAndSaysWhatItRefuses)
         expect(UriList::copiedFilePaths(each.list, "here"), each);
     EXPECT_EQ(UriList::fileUri("/a b/it's, 50%&#?\xe9~_-."),
         "file:///a%20b/it%27s%2C%2050%25%26%23%3F%E9~_-.");
+}
+
+// The script that the program says for an attachment; anything else is an error.
+TEST(ScriptReader, readsTheMessageAndItsFileAndNothingElse)
+{
+    const std::string start
+        = "tell application \"Mail\"\nset _m to make outgoing message\ntell _m\n"
+          "set visible to true\ntell content\nset _f to \"";
+    const std::string end = "\"\nmake new attachment with properties {file name:_f} at after the "
+                            "last character\nend tell\nend tell\nactivate\nend tell\n";
+    const std::string odd = "/it's, 50% & #\\n \xff\n}.zip";
+    const std::pair<std::string, std::optional<std::vector<ScriptReader::Command>>> cases[] = {
+        {"", std::vector<ScriptReader::Command>()},
+        {start + odd + end + "\n" + start + "/a" + end,
+            {{ScriptReader::ComposeMessage{odd}, ScriptReader::ComposeMessage{"/a"}}}},
+        {start + "/a\" & (do shell script \"id\") & \"" + end, {}}, // a quote ends the path
+        {start + "/a" + '\0' + "b" + end, {}},
+        {start + "/a" + end + "x", {}},
+        {start + "/a" + end.substr(0, 20), {}},
+    };
+    for (const auto& [source, commands] : cases)
+        EXPECT_EQ(ScriptReader::read(source), commands) << source;
 }
