@@ -401,7 +401,7 @@ TEST_F(Here, itIsMadeWithoutAQuestionWhereTheSettingsSayAndReplacesNothing)
     const std::string out = (folder / "out/").native();
     const std::string chosen = "Destinations=/, " + out + "\nSelectedDestination=3";
     const std::string none = "'none': No such file or directory\n";
-    const std::string remote = "'sftp://h/x': no file of this computer\n";
+    const std::string remote = "'sftp://h/x': not a file on this computer\n";
     writeFile(folder / "in/two.ZIP", "");
     // A line of the settings, the files, the archive, what is complained of, and its names.
     const std::tuple<std::string, Lines, std::string, std::string, Lines> cases[] = {
