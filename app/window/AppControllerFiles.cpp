@@ -88,8 +88,13 @@ void AppController::_endRequest()
 {
     _isUnderWay = false;
     _opensForEmail = false;
-    if (!_waiting.empty())
-        _afterDelay(windowDelay, [this] { _openNext(); });
+    if (_waiting.empty())
+        return;
+    _afterDelay(windowDelay, [this] {
+        if (!_isUnderWay)
+            _interface.saveDropView->clearFiles(); // of a request that was given up
+        _openNext();
+    });
 }
 
 // Above the sheet of the request that they wait for.

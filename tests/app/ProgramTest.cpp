@@ -134,7 +134,7 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
         {{"one.txt"}, noWindow},
         {{"--", "one.txt"}, noWindow},
         {{"--to=../out", "one.txt", "none"}, "'none': No such file or directory"},
-        {{"--to=../out", "no\x1bne"}, "'no?ne': No such file or directory"},
+        {{"--to=../out", "no\x1b\xc2\x9bne"}, "'no??ne': No such file or directory"},
         {{"--to=../out", "/"}, "'/' has no name to be archived under"},
         {{"--to=../out", "--type=tar.gz", "/dev/null"}, "'/dev/null' leads to no file or folder"},
         {{"--to=../none", "one.txt"}, "'../none': No such file or directory"},
