@@ -38,6 +38,8 @@ if(PARCELO_WINDOW)
     parcelo_add_package(parcelo window)
     set(CPACK_DEBIAN_PARCELO_PACKAGE_DEPENDS "parcelo-cli (= ${package_version})")
     set(CPACK_DEBIAN_PARCELO_PACKAGE_RECOMMENDS "hicolor-icon-theme, xdg-utils, qt6-translations-l10n")
+    # Read the menus for Nautilus and Caja.
+    set(CPACK_DEBIAN_PARCELO_PACKAGE_SUGGESTS "python3-nautilus, python3-caja")
     set(CPACK_DEBIAN_PARCELO_DESCRIPTION "turns files into an archive in one gesture
 Drop files and folders on the window or on its icon and confirm a name: the
 archive is made, shown in the file manager or attached to a new message.")

@@ -190,8 +190,12 @@ void ArchiveJob::_makeIn(const Path& folder)
     const ScopeExit restoring([&] { _engine.setWorkingDirectory(usualFolder); });
     std::optional<ScratchFolder> links;
     const std::vector<Path> items = _distinctItems(links);
-    if (_events.progressed)
-        _reading.emplace(_request.items, _request.type, _request.excludeDSStore);
+    try {
+        if (_events.progressed)
+            _reading.emplace(_request.items, _request.type, _request.excludeDSStore);
+    } catch (const std::exception&) { // no thread to be had: it only shows less
+        _reading.reset();
+    }
     _engine.setDelegate(_delegate());
     _engine.setArchiveInAlerts(_request.archive);
     const ScopeExit lettingGo([this] {

@@ -84,7 +84,7 @@ const std::map<Kind, Words> table{
     QT_TRANSLATE_NOOP("ArchiveProblem", "links in a circle; stored as a link"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "links to a folder it lies in; stored as a link"),
     QT_TRANSLATE_NOOP("ArchiveProblem", "does not tell its size; stored empty"),
-    QT_TRANSLATE_NOOP("ArchiveProblem", "no file of this computer"),
+    QT_TRANSLATE_NOOP("ArchiveProblem", "not a file on this computer"),
 };
 
 // In one pass: a mark within what is filled in is none.

@@ -4,6 +4,7 @@
 #include "system/FileStatus.h"
 
 #include <algorithm>
+#include <exception>
 #include <set>
 #include <string>
 #include <string_view>
@@ -141,12 +142,14 @@ std::optional<std::uint64_t> InputSizes::ofFirst(std::size_t count) const
     return count <= _known ? std::optional(_ofFirst[count]) : std::nullopt;
 }
 
+// What there is no memory to measure stays unknown.
 void InputSizes::_measure(const std::stop_token& stop)
-{
+try {
     Sum sum(_reading, stop);
     for (std::size_t index = 0; index < _items.size() && !stop.stop_requested(); ++index) {
         sum.add(_items[index]);
         _ofFirst[index + 1] = sum.bytes();
         _known = index + 1;
     }
+} catch (const std::exception&) {
 }

@@ -301,6 +301,7 @@ private:
     bool _isTerminating = false;
     std::deque<Documents> _waiting; // for the end of the request under way
     bool _isUnderWay = false; // a request, from its question for a name
+    bool _isAskedAboutWaiting = false; // whether they may be forgotten
     bool _opensForEmail = false; // the documents opened last
     bool _mailsArchive = false; // the request under way, whatever the menu says by now
     QString _filename; // of the archive being asked for

@@ -109,8 +109,8 @@ bool AppController::_mayLeaveMessages()
         _interface.mainWindow->windowState() & ~Qt::WindowMinimized);
     const int answer = _interface.mainWindow->runPromptSheetWithTitle(
         tr("The message may not have been sent yet"),
-        tr("Its archive goes when you quit. To keep it, let it be moved to this folder, from where "
-           "you can attach it anew:\n%1")
+        tr("Its archive is deleted when you quit. To keep it, have it moved to this folder, from "
+           "which you can attach it again:\n%1")
             .arg(PathText::textOf(folder)),
         tr("&Keep and Quit"), tr("Cancel"), tr("&Quit Anyway"));
     return answer == PromptResultOther

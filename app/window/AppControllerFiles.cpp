@@ -31,6 +31,8 @@ constexpr double windowDelay = 0.5;
 void AppController::openDocuments(Documents documents)
 {
     _waiting.push_back(std::move(documents));
+    if (_isTerminating)
+        return _forgetWaiting();
     Q_EMIT waitingChanged();
     _openNext();
 }
@@ -63,7 +65,7 @@ QString AppController::hint()
 // Not into what is being asked for or made: that would be added to it, or go with it.
 void AppController::_openNext()
 {
-    if (_waiting.empty() || _isUnderWay)
+    if (_waiting.empty() || _isUnderWay || _isAskedAboutWaiting)
         return;
     if (Sheets::attachedSheet(_interface.mainWindow) != nullptr) {
         Sheets::whenNoneIsUp(_interface.mainWindow, this, [this] { _openNext(); });
@@ -86,8 +88,13 @@ void AppController::_endRequest()
 {
     _isUnderWay = false;
     _opensForEmail = false;
-    if (!_waiting.empty())
-        _afterDelay(windowDelay, [this] { _openNext(); });
+    if (_waiting.empty())
+        return;
+    _afterDelay(windowDelay, [this] {
+        if (!_isUnderWay)
+            _interface.saveDropView->clearFiles(); // of a request that was given up
+        _openNext();
+    });
 }
 
 // Above the sheet of the request that they wait for.
@@ -99,15 +106,20 @@ bool AppController::_mayForgetWaiting()
             names.append(PathText::textOf(file.filename()));
     if (names.isEmpty())
         return true;
+    _isAskedAboutWaiting = true; // none of them is opened under the question
     const int answer = AlertPanel::runAlertPanel(
         {.title = tr("Files still waiting: %1").arg(names.size()).toStdString(),
-            .message = tr("They came while another archive was being made, and get none if you "
-                          "quit:\n%1")
+            .message = tr("They came while another archive was being made, and will not be "
+                          "archived if you quit:\n%1")
                            .arg(_listed(names))
                            .toStdString(),
             .defaultButton = tr("Cancel").toStdString(),
             .otherButton = tr("&Quit Anyway").toStdString()});
-    return answer == AlertPanel::answerOther;
+    _isAskedAboutWaiting = false;
+    if (answer == AlertPanel::answerOther)
+        return true;
+    _afterDelay(windowDelay, [this] { _openNext(); });
+    return false;
 }
 
 // Nobody is asked any more.

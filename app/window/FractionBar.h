@@ -4,21 +4,26 @@
 
 #include <QProgressBar>
 
+#include <algorithm>
 #include <optional>
 
 class FractionBar : public QProgressBar
 {
 public:
-    using QProgressBar::QProgressBar;
+    explicit FractionBar(QWidget* parent = nullptr);
 
     // At its beginning.
     void restart();
     void setFraction(double fraction);
+    [[nodiscard]] double fraction() const { return std::max(_drawn, _reached()); }
+    [[nodiscard]] int tenths() const; // that are full
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] double _reached() const;
+
     std::optional<double> _fraction;
     double _drawn = 0;
 };

@@ -57,7 +57,7 @@ HereJob::HereJob(const std::vector<Path>& files, Thresholds thresholds)
     connect(&_untilShown, &QTimer::timeout, this, &HereJob::_showProgress);
     connect(&_notice, &JobNotice::cancelled, this, &HereJob::stop);
     connect(&_notice, &JobNotice::gone, this, [this] {
-        _untilShown.stop(); // who has sent it away does not want it back
+        _showsNotice = false; // who has sent it away does not want it back
         if (_hasEnded)
             _finish();
     });
@@ -72,7 +72,7 @@ void HereJob::_addFile(const Path& file)
     if (!isThere(file) && text.find(":/") != std::string::npos) {
         const auto found = UriList::filePaths(text, QSysInfo::machineHostName().toStdString());
         if (found.paths.size() != 1 || text.find_first_of("\r\n") != std::string::npos)
-            return _leaveOut(file, "no file of this computer");
+            return _leaveOut(file, "not a file on this computer");
         path = found.paths.front();
     }
     std::error_code failure;
@@ -160,7 +160,8 @@ void HereJob::_showProgress()
     constexpr int whole = 100;
     const double fraction = _fraction;
     _launcherEntry.showProgress(fraction);
-    _notice.showProgress(_archive, static_cast<int>(fraction * whole));
+    if (_showsNotice)
+        _notice.showProgress(_archive, static_cast<int>(fraction * whole));
     _untilShown.setInterval(progressInterval);
 }
 

@@ -71,6 +71,7 @@ private:
     std::unique_ptr<ArchiveJob> _job;
     std::atomic<double> _fraction = 0; // of the work
     bool _isStopped = false;
+    bool _showsNotice = true; // of the progress
     bool _hasEnded = false;
 
     QTimer _untilHeldOff;

@@ -82,6 +82,10 @@ void Manual::_showInWindow(const std::filesystem::path& page)
     if (!_window)
         _window = makeWindow();
     _window->findChild<QTextBrowser*>()->setSource(QUrl::fromLocalFile(PathText::textOf(page)));
+    // An alert that waits for its answer blocks what is not modal itself.
+    _window->hide();
+    _window->setWindowModality(
+        QApplication::activeModalWidget() != nullptr ? Qt::ApplicationModal : Qt::NonModal);
     _window->show();
     _window->raise();
     _window->activateWindow();

@@ -30,6 +30,8 @@ ProgressSheet::ProgressSheet(QWidget* parent)
     , _form(std::make_unique<Ui::ProgressWindow>())
 {
     _form->setupUi(this);
+    connect(_form->progress, &QProgressBar::valueChanged, this, &ProgressSheet::_announce,
+        Qt::QueuedConnection); // when the status is as new as the value
 }
 
 ProgressSheet::~ProgressSheet() = default;
@@ -50,6 +52,7 @@ void ProgressSheet::advanceTo(const JobProgress& progress)
     _form->nameTF->setText(PathText::textOf(progress.name));
     _form->sizeTF->setText(progress.bytesInAll > 0 ? _sizes(progress) : QString());
     _form->timeLeftTF->setText(progress.timeLeft ? _timeLeft(*progress.timeLeft) : QString());
+    _announce();
 }
 
 void ProgressSheet::finish()
@@ -58,6 +61,18 @@ void ProgressSheet::finish()
     _form->nameTF->clear();
     _form->timeLeftTF->clear();
     _form->cancelButton->setEnabled(false);
+    _announce();
+}
+
+void ProgressSheet::_announce()
+{
+    const int tenths = _form->progress->tenths();
+    QStringList words(_form->statusTF->text());
+    if (tenths > 0 && _form->cancelButton->isEnabled()) // afterwards the status tells
+        words += QLocale().toString(tenths * 10) + QLocale().percent();
+    const QString announcement = words.join(QLatin1Char(' ')).trimmed();
+    if (announcement != accessibleDescription())
+        setAccessibleDescription(announcement);
 }
 
 QString ProgressSheet::_sizes(const JobProgress& progress)

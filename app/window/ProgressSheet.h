@@ -1,6 +1,7 @@
 // The sheet of the progress bar: beside what is counted, the file that is being read, how much of
 // how much, how fast and how long still. Escape does not close it: it asks for a cancel, and the
-// sheet goes when the job has ended.
+// sheet goes when the job has ended. A screen reader is told, by the description of the sheet,
+// which has the keyboard, what becomes of the status and of every tenth.
 #pragma once
 
 #include "app/job/JobProgress.h"
@@ -42,6 +43,7 @@ private:
     [[nodiscard]] static QString _sizes(const JobProgress& progress);
     [[nodiscard]] static QString _timeLeft(std::chrono::seconds time);
     void _makeRoom();
+    void _announce();
 
     const std::unique_ptr<Ui::ProgressWindow> _form;
 };

@@ -134,7 +134,7 @@ TEST_F(Program, refusesBeforeAnythingIsMade)
         {{"one.txt"}, noWindow},
         {{"--", "one.txt"}, noWindow},
         {{"--to=../out", "one.txt", "none"}, "'none': No such file or directory"},
-        {{"--to=../out", "no\x1bne"}, "'no?ne': No such file or directory"},
+        {{"--to=../out", "no\x1b\xc2\x9bne"}, "'no??ne': No such file or directory"},
         {{"--to=../out", "/"}, "'/' has no name to be archived under"},
         {{"--to=../out", "--type=tar.gz", "/dev/null"}, "'/dev/null' leads to no file or folder"},
         {{"--to=../none", "one.txt"}, "'../none': No such file or directory"},
@@ -401,7 +401,7 @@ TEST_F(Here, itIsMadeWithoutAQuestionWhereTheSettingsSayAndReplacesNothing)
     const std::string out = (folder / "out/").native();
     const std::string chosen = "Destinations=/, " + out + "\nSelectedDestination=3";
     const std::string none = "'none': No such file or directory\n";
-    const std::string remote = "'sftp://h/x': no file of this computer\n";
+    const std::string remote = "'sftp://h/x': not a file on this computer\n";
     writeFile(folder / "in/two.ZIP", "");
     // A line of the settings, the files, the archive, what is complained of, and its names.
     const std::tuple<std::string, Lines, std::string, std::string, Lines> cases[] = {

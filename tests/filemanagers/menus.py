@@ -16,10 +16,9 @@ import tempfile
 import time
 import urllib.parse
 
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
 try:
-    import gi
-    gi.require_version("Atspi", "2.0")
-    from gi.repository import Atspi, GLib  # finds its bus when it is first asked
+    from desktop_session import Atspi, Session, items, output, wait
 except (ImportError, ValueError):
     sys.exit(77)
 
@@ -54,64 +53,22 @@ mv "$HOME/$$" "$HOME/calls"
 """
 
 
-def wait(what, find, seconds=20):
-    deadline = time.monotonic() + seconds
-    while not (found := find()):
-        if time.monotonic() > deadline:
-            raise TimeoutError(f"waited in vain for {what}")
-        time.sleep(0.1)
-    return found
-
-
-def output(*command):
-    return subprocess.run(command, capture_output=True, text=True).stdout
-
-
-class Session:
-    """A display with a window manager, a bus, and a home where the commands are installed."""
+class Menus(Session):
+    """Where the commands are installed."""
 
     def __init__(self, folder, install_script, language):
-        self._processes = []
-        self._home = folder / "home"
-        self._calls = self._home / "calls"
+        self._calls = folder / "home" / "calls"
         self._calls.mkdir(parents=True)
-        (folder / "run").mkdir(mode=0o700)
         stand_in = folder / "parcelo"
         stand_in.write_text(STAND_IN)
         stand_in.chmod(0o755)
         subprocess.run(
-            ["cmake", f"-DCMAKE_INSTALL_PREFIX={self._home}/.local", "-DCMAKE_INSTALL_COMPONENT=window",
+            ["cmake", f"-DCMAKE_INSTALL_PREFIX={folder}/home/.local", "-DCMAKE_INSTALL_COMPONENT=window",
              "-P", install_script], check=True, stdout=subprocess.DEVNULL)
-        for menu in self._home.glob(".local/share/kio/servicemenus/*"):
+        for menu in folder.glob("home/.local/share/kio/servicemenus/*"):
             menu.chmod(0o755)  # or Dolphin does not trust what is in a home
-        for name in [name for name in os.environ if name.startswith(("XDG_", "DBUS_", "QT_", "GTK_"))]:
-            del os.environ[name]
-        os.environ.update(
-            HOME=str(self._home), XDG_RUNTIME_DIR=str(folder / "run"), LC_ALL="C.UTF-8", LANGUAGE=language,
-            PATH=f"{folder}:{os.environ['PATH']}", GTK_MODULES="gail:atk-bridge",
-            GSETTINGS_BACKEND="memory", GVFS_DISABLE_FUSE="1")
-        os.environ["DISPLAY"] = ":" + self._first_line(
-            "Xvfb", "-displayfd", "1", "-screen", "0", "1100x1000x24", "-noreset", "-nolisten", "tcp")
-        os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._first_line(
-            "dbus-daemon", "--session", "--nofork", "--print-address=1")
-        self.start("openbox")
-        wait("openbox", lambda: "window id" in output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
-
-    def start(self, *command):
-        with open(self._home / "messages", "ab") as messages:
-            self._processes.append(subprocess.Popen(command, stdout=subprocess.PIPE, stderr=messages))
-        return self._processes[-1]
-
-    def _first_line(self, *command):
-        return self.start(*command).stdout.readline().decode().strip()
-
-    def messages(self):
-        return (self._home / "messages").read_text(errors="replace")
-
-    def end(self):
-        for process in reversed(self._processes):
-            process.terminate()
-            process.communicate()
+        super().__init__(folder, LANGUAGE=language, PATH=f"{folder}:{os.environ['PATH']}",
+                         GTK_MODULES="gail:atk-bridge", GVFS_DISABLE_FUSE="1")
 
     def calls(self):
         """The arguments of each call until now."""
@@ -124,18 +81,12 @@ class Session:
 
 def menu_item(label):
     """The one of this name that is on the screen; GTK 4 says of none that it is."""
-    def search(item):
+    for item in items():
         if item.get_name() == label and item.get_role_name() in ("menu", "menu item"):
             is_gtk4 = item.get_application().get_toolkit_version().startswith("4.")
             if is_gtk4 or item.get_state_set().contains(Atspi.StateType.SHOWING):
                 return item
-        children = (item.get_child_at_index(index) for index in range(item.get_child_count()))
-        return next(filter(None, (search(child) for child in children if child)), None)
-
-    try:
-        return search(Atspi.get_desktop(0))
-    except GLib.Error:  # of a program that just starts or ends
-        return None
+    return None
 
 
 def press(*keys):
@@ -184,7 +135,7 @@ def main(install_script, name, picture=None):
         for file in names:
             if file != b"folder":
                 (things / os.fsdecode(file)).write_text("x")
-        session = Session(pathlib.Path(folder), install_script, manager["language"])
+        session = Menus(pathlib.Path(folder), install_script, manager["language"])
         try:
             session.start(*manager["start"].format(things).split())
             wait("the window", lambda: output("xdotool", "search", "--onlyvisible", "--name", "^Things"))

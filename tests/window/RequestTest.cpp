@@ -211,6 +211,22 @@ TEST_F(Request, mailsUnderTheNameThatTheSheetAsksFor)
     EXPECT_EQ(support::inspectZip(downloads / "Week 12 2.zip").names(), Texts{"two.txt"});
 }
 
+TEST_F(Request, filesThatWaitComeAfterARequestThatIsGivenUp)
+{
+    start({{"SelectedDestination", DestinationTagEmail}});
+    Texts proposed;
+    const std::function<void()> giveUp = [&] { // the program waits for each sheet
+        proposed.push_back(find<QLineEdit>("nameField")->text().toStdString());
+        whenSheetIsUp(giveUp);
+        QTest::keyClick(sheet(), Qt::Key_Escape);
+    };
+    whenSheetIsUp(giveUp);
+    for (const char* given : {"one.txt", "two.txt", "three.txt"})
+        controller().openDocuments({.files = {source / given}});
+    EXPECT_TRUE(waitFor([&] { return proposed.size() == 3; }));
+    EXPECT_EQ(proposed, (Texts{"one", "two", "three"}));
+}
+
 TEST_F(Request, filesThatWaitAreNotForgottenWithoutAQuestion)
 {
     start();

@@ -251,9 +251,9 @@ Vielen Dank!</translation>
         <translation>Die Nachricht ist vielleicht noch nicht gesendet</translation>
     </message>
     <message>
-        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+        <source>Its archive is deleted when you quit. To keep it, have it moved to this folder, from which you can attach it again:
 %1</source>
-        <translation>Ihr Archiv geht beim Beenden verloren. Um es zu behalten, lassen Sie es in diesen Ordner bewegen; von dort können Sie es erneut anhängen:
+        <translation>Ihr Archiv geht beim Beenden verloren. Um es zu behalten, lassen Sie es in diesen Ordner verschieben; von dort können Sie es erneut anhängen:
 %1</translation>
     </message>
     <message>
@@ -325,7 +325,7 @@ Vielen Dank!</translation>
     <message>
         <source>These are not files on this computer and will be left out:
 %1</source>
-        <translation>Dies sind keine Dateien dieses Computers; sie werden ausgelassen:
+        <translation>Dies sind keine Dateien auf diesem Computer; sie werden ausgelassen:
 %1</translation>
     </message>
     <message>
@@ -337,9 +337,9 @@ Vielen Dank!</translation>
         <translation>Noch wartende Dateien: %1</translation>
     </message>
     <message>
-        <source>They came while another archive was being made, and get none if you quit:
+        <source>They came while another archive was being made, and will not be archived if you quit:
 %1</source>
-        <translation>Sie kamen, während ein anderes Archiv erstellt wurde. Wenn Sie beenden, wird aus ihnen keines:
+        <translation>Sie kamen, während ein anderes Archiv erstellt wurde. Wenn Sie beenden, werden sie nicht archiviert:
 %1</translation>
     </message>
     <message>
@@ -403,7 +403,7 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>the disk for temporary files is full (%1)</source>
-        <translation>das Laufwerk für vorläufige Dateien ist voll (%1)</translation>
+        <translation>das Laufwerk für temporäre Dateien ist voll (%1)</translation>
     </message>
     <message>
         <source>there is no working folder at %1</source>
@@ -507,11 +507,11 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>grew while it was read; stored up to its earlier size</source>
-        <translation>wurde beim Lesen länger; bis zur früheren Größe gesichert</translation>
+        <translation>wurde beim Lesen länger; bis zur früheren Größe gespeichert</translation>
     </message>
     <message>
         <source>was moved while it was read</source>
-        <translation>wurde beim Lesen bewegt</translation>
+        <translation>wurde beim Lesen verschoben</translation>
     </message>
     <message>
         <source>was replaced while its folder was read</source>
@@ -527,19 +527,19 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>links to nothing; stored as a link</source>
-        <translation>Link ins Leere; als Link gesichert</translation>
+        <translation>Link ins Leere; als Link gespeichert</translation>
     </message>
     <message>
         <source>links in a circle; stored as a link</source>
-        <translation>Link im Kreis; als Link gesichert</translation>
+        <translation>Link im Kreis; als Link gespeichert</translation>
     </message>
     <message>
         <source>links to a folder it lies in; stored as a link</source>
-        <translation>Link auf einen Ordner, in dem er liegt; als Link gesichert</translation>
+        <translation>Link auf einen Ordner, in dem er liegt; als Link gespeichert</translation>
     </message>
     <message>
         <source>does not tell its size; stored empty</source>
-        <translation>nennt seine Größe nicht; leer gesichert</translation>
+        <translation>nennt seine Größe nicht; leer gespeichert</translation>
     </message>
     <message>
         <source>Unable to replace existing file at &apos;%1&apos;</source>
@@ -558,8 +558,8 @@ Vielen Dank!</translation>
         <translation>„%1“ kann nicht der Name eines Archivs sein</translation>
     </message>
     <message>
-        <source>no file of this computer</source>
-        <translation>keine Datei dieses Computers</translation>
+        <source>not a file on this computer</source>
+        <translation>keine Datei auf diesem Computer</translation>
     </message>
 </context>
 <context>
@@ -755,7 +755,7 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>Okay</source>
-        <translation>Okay</translation>
+        <translation>OK</translation>
     </message>
 </context>
 <context>
@@ -798,7 +798,7 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>P&amp;references…</source>
-        <translation>Ei&amp;nstellungen…</translation>
+        <translation>Ei&amp;nstellungen …</translation>
     </message>
     <message>
         <source>&amp;Minimize</source>
@@ -834,7 +834,7 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>Check for &amp;Updates…</source>
-        <translation>Nach &amp;Updates suchen…</translation>
+        <translation>Nach &amp;Updates suchen …</translation>
     </message>
     <message>
         <source>&amp;About Parcelo</source>
@@ -846,7 +846,7 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>&amp;Choose Files and Folders…</source>
-        <translation>Dateien und Ordner aus&amp;wählen…</translation>
+        <translation>Dateien und Ordner aus&amp;wählen …</translation>
     </message>
 </context>
 <context>
@@ -987,7 +987,7 @@ Vielen Dank!</translation>
         <translation>Sie haben Version %1.</translation>
     </message>
     <message>
-        <source>No address to look for new versions at is set.</source>
+        <source>No address is set at which to look for new versions.</source>
         <translation>Es ist keine Adresse eingestellt, unter der nach neuen Versionen gesucht wird.</translation>
     </message>
     <message>
@@ -1011,7 +1011,7 @@ Vielen Dank!</translation>
     <name>SavePanel</name>
     <message>
         <source>Save Archive</source>
-        <translation>Archiv sichern</translation>
+        <translation>Archiv speichern</translation>
     </message>
     <message>
         <source>&amp;Name:</source>
@@ -1035,7 +1035,7 @@ Vielen Dank!</translation>
     </message>
     <message>
         <source>You cannot save in this folder. Choose another one.</source>
-        <translation>In diesem Ordner können Sie nichts sichern. Wählen Sie einen anderen.</translation>
+        <translation>In diesem Ordner können Sie nichts speichern. Wählen Sie einen anderen.</translation>
     </message>
     <message>
         <source>A name cannot contain a slash.</source>

@@ -9,7 +9,7 @@
     </message>
     <message>
         <source>&lt;p align=&quot;center&quot;&gt;Turns files into an archive in one gesture.&lt;/p&gt;</source>
-        <translation>&lt;p align=&quot;center&quot;&gt;Convierte archivos en un paquete con un solo gesto.&lt;/p&gt;</translation>
+        <translation>&lt;p align=&quot;center&quot;&gt;Convierte archivos en un archivo comprimido con un solo gesto.&lt;/p&gt;</translation>
     </message>
     <message>
         <source>&amp;Send Mail</source>
@@ -38,11 +38,11 @@ Software libre con licencia MIT</translation>
     <name>AccessoryView</name>
     <message>
         <source>&amp;Archive type:</source>
-        <translation>&amp;Tipo de archivo:</translation>
+        <translation>&amp;Tipo:</translation>
     </message>
     <message>
         <source>Archive type</source>
-        <translation>Tipo de archivo</translation>
+        <translation>Tipo de archivo comprimido</translation>
     </message>
     <message>
         <source>Zip</source>
@@ -204,12 +204,12 @@ Thank you!</source>
     </message>
     <message>
         <source>The message could not be made</source>
-        <translation>No se pudo crear el mensaje</translation>
+        <translation>No se ha podido crear el mensaje</translation>
     </message>
     <message>
         <source>No mail program took the archive. You can attach it yourself; it stays until you quit:
 %1</source>
-        <translation>Ningún programa de correo aceptó el archivo. Puede adjuntarlo usted mismo; estará disponible hasta que salga del programa:
+        <translation>Ningún programa de correo aceptó el archivo comprimido. Puede adjuntarlo usted mismo; estará disponible hasta que salga del programa:
 %1</translation>
     </message>
     <message>
@@ -219,12 +219,12 @@ Thank you!</source>
     <message>
         <source>Your mail program was asked to attach the archive, but does not tell whether it did. If it is missing, you find it here until you quit:
 %1</source>
-        <translation>Se pidió al programa de correo que adjuntara el archivo, pero no indica si lo hizo. Si falta, lo encontrará aquí hasta que salga del programa:
+        <translation>Se pidió al programa de correo que adjuntara el archivo comprimido, pero no indica si lo hizo. Si falta, lo encontrará aquí hasta que salga del programa:
 %1</translation>
     </message>
     <message>
         <source>The archive is made</source>
-        <translation>El archivo está listo</translation>
+        <translation>El archivo comprimido está listo</translation>
     </message>
     <message>
         <source>No file manager could be asked to show it:
@@ -251,7 +251,7 @@ Thank you!</source>
         <translation>Es posible que el mensaje aún no se haya enviado</translation>
     </message>
     <message>
-        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+        <source>Its archive is deleted when you quit. To keep it, have it moved to this folder, from which you can attach it again:
 %1</source>
         <translation>Su archivo comprimido desaparece al salir. Para conservarlo, haga que se mueva a esta carpeta, desde donde podrá adjuntarlo de nuevo:
 %1</translation>
@@ -320,7 +320,7 @@ Thank you!</source>
     </message>
     <message>
         <source>or press Space to choose, Ctrl+V to paste</source>
-        <translation>o Espacio para elegir, Ctrl+V para pegar</translation>
+        <translation>o Espacio para elegir, Control+V para pegar</translation>
     </message>
     <message>
         <source>These are not files on this computer and will be left out:
@@ -337,7 +337,7 @@ Thank you!</source>
         <translation>Archivos aún en espera: %1</translation>
     </message>
     <message>
-        <source>They came while another archive was being made, and get none if you quit:
+        <source>They came while another archive was being made, and will not be archived if you quit:
 %1</source>
         <translation>Llegaron mientras se creaba otro archivo comprimido. Si sale, no se comprimirán:
 %1</translation>
@@ -558,7 +558,7 @@ Thank you!</source>
         <translation>«%1» no puede ser el nombre de un archivo comprimido</translation>
     </message>
     <message>
-        <source>no file of this computer</source>
+        <source>not a file on this computer</source>
         <translation>no es un archivo de este equipo</translation>
     </message>
 </context>
@@ -577,11 +577,11 @@ Thank you!</source>
     <name>EmailWindow</name>
     <message>
         <source>Email Archive</source>
-        <translation>Enviar archivo por correo</translation>
+        <translation>Enviar por correo</translation>
     </message>
     <message>
         <source>The archive will be attached to a new message.</source>
-        <translation>El archivo se adjuntará a un mensaje nuevo.</translation>
+        <translation>El archivo comprimido se adjuntará a un mensaje nuevo.</translation>
     </message>
     <message>
         <source>&amp;Name:</source>
@@ -589,7 +589,7 @@ Thank you!</source>
     </message>
     <message>
         <source>Archive name</source>
-        <translation>Nombre del archivo</translation>
+        <translation>Nombre del archivo comprimido</translation>
     </message>
     <message>
         <source>&amp;Cancel</source>
@@ -716,7 +716,7 @@ Thank you!</source>
     </message>
     <message>
         <source>The archive is made</source>
-        <translation>El archivo está listo</translation>
+        <translation>El archivo comprimido está listo</translation>
     </message>
     <message>
         <source>Not everything is in the archive</source>
@@ -755,7 +755,7 @@ Thank you!</source>
     </message>
     <message>
         <source>Okay</source>
-        <translation>De acuerdo</translation>
+        <translation>Aceptar</translation>
     </message>
 </context>
 <context>
@@ -864,7 +864,7 @@ Thank you!</source>
     </message>
     <message>
         <source>Archives</source>
-        <translation>Archivos</translation>
+        <translation>Archivos comprimidos</translation>
     </message>
     <message>
         <source>Com&amp;pression:</source>
@@ -888,7 +888,7 @@ Thank you!</source>
     </message>
     <message>
         <source>&amp;Show the finished archive in the file manager</source>
-        <translation>&amp;Mostrar el archivo terminado en el gestor de archivos</translation>
+        <translation>&amp;Mostrar el resultado en el gestor de archivos</translation>
     </message>
     <message>
         <source>Program</source>
@@ -954,7 +954,7 @@ Thank you!</source>
     <name>ProgressWindow</name>
     <message>
         <source>Making Archive</source>
-        <translation>Creando el archivo</translation>
+        <translation>Creando el archivo comprimido</translation>
     </message>
     <message>
         <source>Progress</source>
@@ -987,7 +987,7 @@ Thank you!</source>
         <translation>Tiene la versión %1.</translation>
     </message>
     <message>
-        <source>No address to look for new versions at is set.</source>
+        <source>No address is set at which to look for new versions.</source>
         <translation>No hay ninguna dirección configurada para buscar versiones nuevas.</translation>
     </message>
     <message>
@@ -1011,7 +1011,7 @@ Thank you!</source>
     <name>SavePanel</name>
     <message>
         <source>Save Archive</source>
-        <translation>Guardar el archivo</translation>
+        <translation>Guardar el archivo comprimido</translation>
     </message>
     <message>
         <source>&amp;Name:</source>

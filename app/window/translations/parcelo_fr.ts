@@ -251,7 +251,7 @@ Merci !</translation>
         <translation>Le message n’est peut-être pas encore envoyé</translation>
     </message>
     <message>
-        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+        <source>Its archive is deleted when you quit. To keep it, have it moved to this folder, from which you can attach it again:
 %1</source>
         <translation>Son archive disparaît quand vous quittez. Pour la garder, faites-la déplacer dans ce dossier, d’où vous pourrez la joindre de nouveau :
 %1</translation>
@@ -337,7 +337,7 @@ Merci !</translation>
         <translation>Fichiers encore en attente : %1</translation>
     </message>
     <message>
-        <source>They came while another archive was being made, and get none if you quit:
+        <source>They came while another archive was being made, and will not be archived if you quit:
 %1</source>
         <translation>Ils sont arrivés pendant la création d’une autre archive. Si vous quittez, ils ne seront pas archivés :
 %1</translation>
@@ -558,8 +558,8 @@ Merci !</translation>
         <translation>« %1 » ne peut pas être le nom d’une archive</translation>
     </message>
     <message>
-        <source>no file of this computer</source>
-        <translation>aucun fichier de cet ordinateur</translation>
+        <source>not a file on this computer</source>
+        <translation>n’est pas un fichier de cet ordinateur</translation>
     </message>
 </context>
 <context>
@@ -755,7 +755,7 @@ Merci !</translation>
     </message>
     <message>
         <source>Okay</source>
-        <translation>D’accord</translation>
+        <translation>OK</translation>
     </message>
 </context>
 <context>
@@ -987,7 +987,7 @@ Merci !</translation>
         <translation>Vous avez la version %1.</translation>
     </message>
     <message>
-        <source>No address to look for new versions at is set.</source>
+        <source>No address is set at which to look for new versions.</source>
         <translation>Aucune adresse n’est définie pour rechercher de nouvelles versions.</translation>
     </message>
     <message>

@@ -239,7 +239,7 @@ Thank you!</source>
     <message>
         <source>These cannot be archived:
 %1</source>
-        <translation>アーカイブできません:
+        <translation>アーカイブできません：
 %1</translation>
     </message>
     <message>
@@ -251,7 +251,7 @@ Thank you!</source>
         <translation>メッセージはまだ送信されていない可能性があります</translation>
     </message>
     <message>
-        <source>Its archive goes when you quit. To keep it, let it be moved to this folder, from where you can attach it anew:
+        <source>Its archive is deleted when you quit. To keep it, have it moved to this folder, from which you can attach it again:
 %1</source>
         <translation>終了するとアーカイブは失われます。残すには次のフォルダへ移動してください。そこから改めて添付できます：
 %1</translation>
@@ -316,7 +316,7 @@ Thank you!</source>
     </message>
     <message>
         <source>Next: %1</source>
-        <translation>次: %1</translation>
+        <translation>次：%1</translation>
     </message>
     <message>
         <source>or press Space to choose, Ctrl+V to paste</source>
@@ -325,19 +325,19 @@ Thank you!</source>
     <message>
         <source>These are not files on this computer and will be left out:
 %1</source>
-        <translation>次の項目はこのコンピュータのファイルではないため、除外されます:
+        <translation>次の項目はこのコンピュータのファイルではないため、除外されます：
 %1</translation>
     </message>
     <message>
         <source>Same as source: %1</source>
-        <translation>元の場所と同じ: %1</translation>
+        <translation>元の場所と同じ：%1</translation>
     </message>
     <message>
         <source>Files still waiting: %1</source>
         <translation>待機中のファイル：%1</translation>
     </message>
     <message>
-        <source>They came while another archive was being made, and get none if you quit:
+        <source>They came while another archive was being made, and will not be archived if you quit:
 %1</source>
         <translation>別のアーカイブの作成中に届いたファイルです。終了するとアーカイブされません：
 %1</translation>
@@ -479,7 +479,7 @@ Thank you!</source>
     </message>
     <message>
         <source>Stale file handle</source>
-        <translation>サーバー上のファイルがなくなりました</translation>
+        <translation>サーバ上のファイルがなくなりました</translation>
     </message>
     <message>
         <source>is a FIFO</source>
@@ -558,8 +558,8 @@ Thank you!</source>
         <translation>「%1」という名前は付けられません</translation>
     </message>
     <message>
-        <source>no file of this computer</source>
-        <translation>このコンピューターのファイルではありません</translation>
+        <source>not a file on this computer</source>
+        <translation>このコンピュータのファイルではありません</translation>
     </message>
 </context>
 <context>
@@ -778,7 +778,7 @@ Thank you!</source>
     </message>
     <message>
         <source>&amp;Window</source>
-        <translation>ウインドウ(&amp;W)</translation>
+        <translation>ウィンドウ(&amp;W)</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -794,7 +794,7 @@ Thank you!</source>
     </message>
     <message>
         <source>&amp;Paste Files</source>
-        <translation>ファイルをペースト(&amp;P)</translation>
+        <translation>ファイルを貼り付け(&amp;P)</translation>
     </message>
     <message>
         <source>P&amp;references…</source>
@@ -900,7 +900,7 @@ Thank you!</source>
     </message>
     <message>
         <source>Keep &amp;running when the window is closed</source>
-        <translation>ウインドウを閉じても終了しない(&amp;R)</translation>
+        <translation>ウィンドウを閉じても終了しない(&amp;R)</translation>
     </message>
     <message>
         <source>Check for &amp;updates at start</source>
@@ -987,7 +987,7 @@ Thank you!</source>
         <translation>お使いのバージョンは%1です。</translation>
     </message>
     <message>
-        <source>No address to look for new versions at is set.</source>
+        <source>No address is set at which to look for new versions.</source>
         <translation>新しいバージョンを確認するアドレスが設定されていません。</translation>
     </message>
     <message>

@@ -166,7 +166,7 @@ void SavePanel::setAccessoryView(QWidget* view)
     _accessoryView = view;
     QWidget* last = _folderMenu;
     for (auto* control : view->findChildren<QWidget*>())
-        if ((control->focusPolicy() & Qt::TabFocus) != 0)
+        if ((control->focusPolicy() & Qt::TabFocus) != 0 && control->window() == window())
             setTabOrder(std::exchange(last, control), control);
     for (QPushButton* button : {_nextFreeButton, _cancelButton, _confirmButton})
         setTabOrder(std::exchange(last, button), button);

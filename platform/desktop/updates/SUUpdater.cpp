@@ -111,7 +111,7 @@ void SUUpdater::_start()
             _finish();
         });
     else
-        _tellProblem(tr("No address to look for new versions at is set."));
+        _tellProblem(tr("No address is set at which to look for new versions."));
 }
 
 // A sheet finds its place only on a window that has one.
