@@ -62,21 +62,20 @@ std::string timeText(std::chrono::seconds time)
 }
 
 // What is no text, or could move the cursor, becomes a question mark.
-std::string shownName(std::string_view name)
+std::string shownName(const std::string& name)
 {
+    const std::string printable = ToolMessages::printable(name);
     std::string shown;
-    while (!name.empty()) {
-        const std::size_t size = Utf8::sequenceLength(name);
-        const bool isHighControl = size == 2 && name[0] == '\xc2' && (name[1] & 0x60) == 0;
-        const bool isText = size > 0 && !isHighControl && !ToolMessages::isControl(name.front());
-        shown += isText ? name.substr(0, size) : "?";
-        name.remove_prefix(std::max<std::size_t>(size, 1));
+    for (std::string_view rest = printable; !rest.empty();) {
+        const std::size_t size = Utf8::sequenceLength(rest);
+        shown += size > 0 ? rest.substr(0, size) : "?";
+        rest.remove_prefix(std::max<std::size_t>(size, 1));
     }
     return shown;
 }
 
 // Without its middle if need be. A character takes at most as many columns as bytes.
-std::string fittingName(std::string_view name, std::size_t columns)
+std::string fittingName(const std::string& name, std::size_t columns)
 {
     constexpr std::string_view gap = "...";
     std::string shown = shownName(name);

@@ -13,3 +13,10 @@ fs::path documentPath(const fs::path& file, std::error_code& failure)
         = PathString::stringByDeletingLastPathComponent(fs::absolute(file, failure).native());
     return folder / name;
 }
+
+bool isAddress(const fs::path& file)
+{
+    std::error_code missing;
+    return file.native().find(":/") != std::string::npos
+        && !fs::exists(fs::symlink_status(file, missing));
+}

@@ -8,3 +8,7 @@
 // be read is a failure.
 [[nodiscard]] std::filesystem::path documentPath(
     const std::filesystem::path& file, std::error_code& failure);
+
+// Whether it is an address, by which some file managers name files. A file may be named like one,
+// too.
+[[nodiscard]] bool isAddress(const std::filesystem::path& file);

@@ -2,17 +2,11 @@
 
 #include "app/job/ToolMessages.h"
 
-#include <algorithm>
 #include <iostream>
 
-bool StandardReport::complain(std::string message)
+bool StandardReport::complain(const std::string& message)
 {
-    // Control bytes of a name could move the cursor of a terminal, or worse.
-    std::ranges::replace_if(message, ToolMessages::isControl, '?');
-    for (auto at = message.find('\xc2'); at != message.npos; at = message.find('\xc2', at + 1))
-        if (at + 1 < message.size() && (message[at + 1] & 0x60) == 0) // U+0080 to U+009F
-            message.replace(at, 2, "?");
-    std::cerr << "parcelo: " << message << "\n" << std::flush;
+    std::cerr << "parcelo: " << ToolMessages::printable(message) << "\n" << std::flush;
     return false;
 }
 

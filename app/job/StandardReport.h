@@ -12,7 +12,7 @@ namespace StandardReport
 enum ExitStatus : int { exitMade = 0, exitFailed = 1, exitInterrupted = 130 };
 
 // A line behind the program's name. Always false, for the checks that end with it.
-bool complain(std::string message);
+bool complain(const std::string& message);
 
 // The exit status: 0 for a whole archive, 1 when something is missing or nothing was made.
 [[nodiscard]] int tell(const ArchiveJob::Result& result, bool wasInterrupted);

@@ -35,9 +35,14 @@ LeftOut::Item warningIn(std::string_view text)
 
 } // namespace
 
-bool ToolMessages::isControl(char byte)
+std::string ToolMessages::printable(std::string text)
 {
-    return (byte >= 0 && byte < 0x20) || byte == 0x7f;
+    std::ranges::replace_if(
+        text, [](char byte) { return (byte >= 0 && byte < 0x20) || byte == 0x7f; }, '?');
+    for (auto at = text.find('\xc2'); at != text.npos; at = text.find('\xc2', at + 1))
+        if (at + 1 < text.size() && (text[at + 1] & 0xe0) == 0x80)
+            text.replace(at, 2, "?");
+    return text;
 }
 
 ToolMessages::ToolMessages(std::string tool)
@@ -60,12 +65,11 @@ void ToolMessages::addOutput(std::string_view bytes)
 
 void ToolMessages::_endLine()
 {
-    std::string line = std::exchange(_line, {});
+    std::string line = printable(std::exchange(_line, {}));
     if (line.empty() || isProgress(line))
         return;
     if (line.starts_with(_tool + ": "))
         line.erase(0, _tool.size() + 2); // it is put before every line
-    std::ranges::replace_if(line, isControl, '?');
     if (line.starts_with(warning))
         _warnings.add(warningIn(line.substr(warning.size())));
     _lastWord = line;

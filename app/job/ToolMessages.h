@@ -33,8 +33,9 @@ public:
     // that ended well; at last how many lines are missing here.
     [[nodiscard]] std::vector<std::string> lines() const;
 
-    // Whether a byte could do something to a terminal besides being shown.
-    static bool isControl(char byte);
+    // With a question mark for each control character (also U+0080 to U+009F in UTF-8): they could
+    // move the cursor of a terminal, or worse.
+    [[nodiscard]] static std::string printable(std::string text);
 
 private:
     void _endLine();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/job/ArchiveJob.h"
+#include "app/window/Destinations.h"
 #include "platform/desktop/panels/FolderMenu.h"
 #include "platform/desktop/panels/PopUpButton.h"
 #include "shared/Library/Archiver/Archiver.h"
@@ -37,12 +38,6 @@ class QMenuBar;
 class QProgressBar;
 class SavePanel;
 class SUUpdater;
-
-enum DestinationTag : std::int32_t {
-    DestinationTagSameAsSource = 0, // the folder that holds the first dropped item
-    DestinationTagEmail = 1, // a new mail message
-    DestinationTagFirstFolder = 2, // and upward: the remembered folders in their order
-};
 
 class AppController : public QObject, public MenuItemValidation
 {
@@ -264,6 +259,7 @@ private:
 
     void _terminateWhenIdle();
     bool _mayStopJob();
+    [[nodiscard]] QStringList _waitingNames() const;
     bool _mayForgetWaiting();
     void _forgetWaiting();
     bool _mayLeaveMessages();

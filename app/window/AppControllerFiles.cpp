@@ -45,12 +45,18 @@ void AppController::droppedMeanwhile(const std::vector<Path>& files, const QStri
         openDocuments({.files = files});
 }
 
-QString AppController::waitingText() const
+QStringList AppController::_waitingNames() const
 {
     QStringList names;
     for (const Documents& documents : _waiting)
         for (const Path& file : documents.files)
             names.append(PathText::textOf(file.filename()));
+    return names;
+}
+
+QString AppController::waitingText() const
+{
+    const QStringList names = _waitingNames();
     return names.isEmpty() ? QString() : tr("Next: %1").arg(QLocale().createSeparatedList(names));
 }
 
@@ -100,10 +106,7 @@ void AppController::_endRequest()
 // Above the sheet of the request that they wait for.
 bool AppController::_mayForgetWaiting()
 {
-    QStringList names;
-    for (const Documents& documents : _waiting)
-        for (const Path& file : documents.files)
-            names.append(PathText::textOf(file.filename()));
+    const QStringList names = _waitingNames();
     if (names.isEmpty())
         return true;
     _isAskedAboutWaiting = true; // none of them is opened under the question

@@ -1,7 +1,15 @@
-// The list of remembered destination folders as it is stored.
+// The choices of the destination menu, and the list of remembered folders as it is stored.
 #pragma once
 
 #include <QStringList>
+
+#include <cstdint>
+
+enum DestinationTag : std::int32_t {
+    DestinationTagSameAsSource = 0, // the folder that holds the first dropped item
+    DestinationTagEmail = 1, // a new mail message
+    DestinationTagFirstFolder = 2, // and upward: the remembered folders in their order
+};
 
 namespace Destinations
 {

@@ -37,8 +37,11 @@ bool isThere(const fs::path& file)
 std::string withoutZip(std::string name)
 {
     constexpr std::string_view extension = ".zip";
-    const std::string end = name.size() > extension.size() ? name.substr(name.size() - 4) : "";
-    if (QString::fromStdString(end).compare(QLatin1String(".zip"), Qt::CaseInsensitive) == 0)
+    const std::string end = name.size() > extension.size()
+        ? name.substr(name.size() - extension.size())
+        : std::string();
+    if (QString::fromStdString(end).compare(QLatin1String(extension.data()), Qt::CaseInsensitive)
+        == 0)
         name.resize(name.size() - extension.size());
     return name;
 }
@@ -67,13 +70,13 @@ HereJob::~HereJob() = default;
 
 void HereJob::_addFile(const Path& file)
 {
-    const std::string& text = file.native();
     Path path = file;
-    if (!isThere(file) && text.find(":/") != std::string::npos) {
-        const auto found = UriList::filePaths(text, QSysInfo::machineHostName().toStdString());
-        if (found.paths.size() != 1 || text.find_first_of("\r\n") != std::string::npos)
+    if (isAddress(file)) {
+        const auto found
+            = UriList::filePath(file.native(), QSysInfo::machineHostName().toStdString());
+        if (!found)
             return _leaveOut(file, "not a file on this computer");
-        path = found.paths.front();
+        path = *found;
     }
     std::error_code failure;
     if (!isThere(path))

@@ -2,7 +2,7 @@
 
 #include "app/job/ArchiveKind.h"
 #include "app/job/ProposedName.h"
-#include "app/window/AppController.h"
+#include "app/window/Destinations.h"
 #include "platform/desktop/services/PathText.h"
 #include "platform/desktop/settings/UserDefaults.h"
 #include "system/PathString.h"

@@ -67,14 +67,6 @@ QByteArray takeActivationToken()
     return token;
 }
 
-// Some file managers name files so. A file may be named like an address, too.
-bool isAddress(const fs::path& file)
-{
-    std::error_code missing;
-    return file.native().find(":/") != std::string::npos
-        && !fs::exists(fs::symlink_status(file, missing));
-}
-
 ApplicationService::Request requestOf(const WindowedProgram::Start& start)
 {
     ApplicationService::Request request{.activationToken = takeActivationToken()};

@@ -83,15 +83,17 @@ std::optional<fs::path> ProcessReading::openFile(pid_t process)
     for (const pid_t child : childrenOf(process))
         if (auto file = openFile(child))
             return file;
-    std::error_code failure;
+    std::error_code ended; // the process, while its files are listed
+    std::error_code closed; // one of them
     std::optional<fs::path> file;
     int highest = -1;
-    for (const auto& entry : fs::directory_iterator(folderOf(process) + "/fd", failure)) {
-        const int number = numberAt<int>(entry.path().filename().native()).value_or(-1);
-        if (number <= highest || !isOpenForReadingAlone(entry.path()))
+    for (fs::directory_iterator entry(folderOf(process) + "/fd", ended), end;
+         !ended && entry != end; entry.increment(ended)) {
+        const int number = numberAt<int>(entry->path().filename().native()).value_or(-1);
+        if (number <= highest || !isOpenForReadingAlone(entry->path()))
             continue;
-        fs::path target = fs::read_symlink(entry.path(), failure);
-        if (failure)
+        fs::path target = fs::read_symlink(entry->path(), closed);
+        if (closed)
             continue;
         file = std::move(target);
         highest = number;

@@ -106,10 +106,9 @@ QString pathOfName(QString name)
 // One with a line break would be two in a list, and is none by itself.
 void ApplicationService::Request::addAddress(const QString& uri)
 {
-    const std::string line = uri.toStdString();
-    auto found = UriList::filePaths(line, QSysInfo::machineHostName().toStdString());
-    if (found.paths.size() == 1 && line.find_first_of("\r\n") == std::string::npos)
-        files.push_back(std::move(found.paths.front()));
+    const std::string hostName = QSysInfo::machineHostName().toStdString();
+    if (const auto file = UriList::filePath(uri.toStdString(), hostName))
+        files.push_back(*file);
     else
         refused.append(uri);
 }

@@ -130,6 +130,15 @@ UriList::FilePaths UriList::filePaths(std::string_view list, std::string_view ho
     return result;
 }
 
+std::optional<std::filesystem::path> UriList::filePath(
+    std::string_view uri, std::string_view hostName)
+{
+    FilePaths found = filePaths(uri, hostName);
+    if (found.paths.size() != 1 || uri.find_first_of("\r\n") != std::string_view::npos)
+        return std::nullopt;
+    return std::move(found.paths.front());
+}
+
 UriList::FilePaths UriList::copiedFilePaths(std::string_view list, std::string_view hostName)
 {
     std::string_view rest = list;

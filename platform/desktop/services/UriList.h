@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,10 @@ struct FilePaths {
 // `hostName` is this computer's, whose files count as local. A folder's path has no slash at its
 // end.
 [[nodiscard]] FilePaths filePaths(std::string_view list, std::string_view hostName);
+
+// The file that one URI names; nothing where that is none of this computer's.
+[[nodiscard]] std::optional<std::filesystem::path> filePath(
+    std::string_view uri, std::string_view hostName);
 
 // The type x-special/gnome-copied-files: such a list behind a line "copy" or "cut".
 [[nodiscard]] FilePaths copiedFilePaths(std::string_view list, std::string_view hostName);
