@@ -118,8 +118,10 @@ void HereJob::_begin()
     ArchiveJob::Request request = _request();
     _archive = request.archive;
     _job = std::make_unique<ArchiveJob>(*_engine, std::move(request),
-        ArchiveJob::Events{.progressed
-            = [this](const JobProgress& progress) { _fraction = progress.fraction.value_or(0); }});
+        ArchiveJob::Events{.progressed = [this](const JobProgress& progress) {
+            const std::scoped_lock lock(_progressMutex);
+            _progress = progress;
+        }});
     _worker = std::async(std::launch::async, [this] {
         ArchiveJob::Result result = _job->run();
         QMetaObject::invokeMethod(
@@ -160,11 +162,10 @@ void HereJob::_abandonUntilEnded()
 
 void HereJob::_showProgress()
 {
-    constexpr int whole = 100;
-    const double fraction = _fraction;
-    _launcherEntry.showProgress(fraction);
+    const std::scoped_lock lock(_progressMutex);
+    _launcherEntry.showProgress(_progress.fraction.value_or(0));
     if (_showsNotice)
-        _notice.showProgress(_archive, static_cast<int>(fraction * whole));
+        _notice.showProgress(_archive, _progress);
     _untilShown.setInterval(progressInterval);
 }
 

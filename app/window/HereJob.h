@@ -12,11 +12,11 @@
 #include <QObject>
 #include <QTimer>
 
-#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -69,7 +69,8 @@ private:
     std::unique_ptr<ScratchFolder> _workingFolder;
     std::unique_ptr<Archiver> _engine;
     std::unique_ptr<ArchiveJob> _job;
-    std::atomic<double> _fraction = 0; // of the work
+    std::mutex _progressMutex;
+    JobProgress _progress; // guarded by it: the worker tells
     bool _isStopped = false;
     bool _showsNotice = true; // of the progress
     bool _hasEnded = false;

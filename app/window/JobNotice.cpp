@@ -1,5 +1,6 @@
 #include "app/window/JobNotice.h"
 
+#include "app/window/ProgressText.h"
 #include "app/window/ResultText.h"
 #include "platform/desktop/services/PathText.h"
 #include "platform/desktop/services/Workspace.h"
@@ -28,11 +29,17 @@ JobNotice::JobNotice(QObject* parent)
     connect(&_notification, &Notification::gone, this, &JobNotice::gone);
 }
 
-void JobNotice::showProgress(const Path& archive, int percent)
+void JobNotice::showProgress(const Path& archive, const JobProgress& progress)
 {
+    constexpr int whole = 100;
+    const int percent = static_cast<int>(progress.fraction.value_or(0) * whole);
+    QStringList lines(
+        tr("%1: %2%").arg(PathText::textOf(archive.filename()), QString::number(percent)));
+    lines << ProgressText::sizesOf(progress) << ProgressText::timeLeftOf(progress);
+    lines.removeAll(QString());
     _notification.show({.kind = Notification::Kind::progress,
         .title = tr("Making an archive"),
-        .text = tr("%1: %2%").arg(PathText::textOf(archive.filename()), QString::number(percent)),
+        .text = lines.join(QLatin1Char('\n')),
         .actions = {{cancelAction, tr("Cancel")}},
         .percent = percent});
 }

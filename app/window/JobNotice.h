@@ -18,7 +18,8 @@ public:
 
     explicit JobNotice(QObject* parent = nullptr);
 
-    void showProgress(const Path& archive, int percent); // with a button that cancels
+    // With a button that cancels.
+    void showProgress(const Path& archive, const JobProgress& progress);
 
     // What it leads to: the program's window, by a click on the whole; the archive, by the buttons
     // and, where there is no window, a click.

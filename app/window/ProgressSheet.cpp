@@ -1,5 +1,6 @@
 #include "app/window/ProgressSheet.h"
 
+#include "app/window/ProgressText.h"
 #include "platform/desktop/services/PathText.h"
 #include "ui_ProgressWindow.h"
 
@@ -7,23 +8,8 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <cmath>
 
-namespace
-{
-
-// With a decimal as long as there is one digit before it.
-QString sizeText(double bytes)
-{
-    const QLocale locale;
-    const auto count = static_cast<qint64>(std::llround(bytes));
-    double value = bytes;
-    while (value >= 999.5)
-        value /= 1000;
-    return locale.formattedDataSize(count, value < 9.95 ? 1 : 0, QLocale::DataSizeSIFormat);
-}
-
-} // namespace
+using namespace std::chrono_literals;
 
 ProgressSheet::ProgressSheet(QWidget* parent)
     : QDialog(parent)
@@ -50,8 +36,8 @@ void ProgressSheet::advanceTo(const JobProgress& progress)
     if (progress.fraction)
         _form->progress->setFraction(*progress.fraction);
     _form->nameTF->setText(PathText::textOf(progress.name));
-    _form->sizeTF->setText(progress.bytesInAll > 0 ? _sizes(progress) : QString());
-    _form->timeLeftTF->setText(progress.timeLeft ? _timeLeft(*progress.timeLeft) : QString());
+    _form->sizeTF->setText(ProgressText::sizesOf(progress));
+    _form->timeLeftTF->setText(ProgressText::timeLeftOf(progress));
     _announce();
 }
 
@@ -75,38 +61,16 @@ void ProgressSheet::_announce()
         setAccessibleDescription(announcement);
 }
 
-QString ProgressSheet::_sizes(const JobProgress& progress)
-{
-    const QString done = sizeText(static_cast<double>(progress.bytesDone));
-    const QString inAll = sizeText(static_cast<double>(progress.bytesInAll));
-    return progress.bytesPerSecond
-        ? tr("%1 of %2 (%3/s)").arg(done, inAll, sizeText(*progress.bytesPerSecond))
-        : tr("%1 of %2").arg(done, inAll);
-}
-
-QString ProgressSheet::_timeLeft(std::chrono::seconds time)
-{
-    using namespace std::chrono_literals;
-    const auto number = [](auto count) { return QLocale().toString(qlonglong{count.count()}); };
-    if (time <= 5s)
-        return tr("A few seconds left");
-    if (time < 1min)
-        return tr("About %1 seconds left").arg(number(time));
-    if (time < 2min)
-        return tr("About a minute left");
-    if (time < 2h)
-        return tr("About %1 minutes left")
-            .arg(number(std::chrono::floor<std::chrono::minutes>(time)));
-    return tr("About %1 hours left").arg(number(std::chrono::round<std::chrono::hours>(time)));
-}
-
 // For the longest texts that are likely, so that the sheet keeps its width.
 void ProgressSheet::_makeRoom()
 {
     constexpr std::uint64_t longSize = 888'000'000'000;
-    const QString texts[] = {
-        _sizes({.bytesDone = longSize, .bytesInAll = longSize, .bytesPerSecond = double{longSize}}),
-        _timeLeft(std::chrono::seconds(55)), _timeLeft(std::chrono::minutes(88))};
+    const JobProgress longest{.bytesDone = longSize,
+        .bytesInAll = longSize,
+        .bytesPerSecond = double{longSize},
+        .timeLeft = 55s};
+    const QString texts[] = {ProgressText::sizesOf(longest), ProgressText::timeLeftOf(longest),
+        ProgressText::timeLeftOf({.timeLeft = 88min})};
     int width = 0;
     for (const QString& text : texts)
         width = std::max(width, fontMetrics().horizontalAdvance(text));

@@ -40,8 +40,6 @@ Q_SIGNALS:
     void cancelled();
 
 private:
-    [[nodiscard]] static QString _sizes(const JobProgress& progress);
-    [[nodiscard]] static QString _timeLeft(std::chrono::seconds time);
     void _makeRoom();
     void _announce();
 

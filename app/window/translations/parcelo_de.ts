@@ -920,7 +920,7 @@ Vielen Dank!</translation>
     </message>
 </context>
 <context>
-    <name>ProgressSheet</name>
+    <name>ProgressText</name>
     <message>
         <source>%1 of %2</source>
         <translation>%1 von %2</translation>

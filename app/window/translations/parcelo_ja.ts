@@ -920,7 +920,7 @@ Thank you!</source>
     </message>
 </context>
 <context>
-    <name>ProgressSheet</name>
+    <name>ProgressText</name>
     <message>
         <source>%1 of %2</source>
         <translation>%2中%1</translation>

@@ -6,13 +6,17 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDeadlineTimer>
 #include <QSysInfo>
 
+#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <utility>
 
 #include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace
 {
@@ -23,8 +27,8 @@ const QString interfaceName = QStringLiteral("org.freedesktop.Application");
 const QString tokenKey = QStringLiteral("activation-token");
 const QString startupIdKey = QStringLiteral("desktop-startup-id");
 
-// For the one who has the name: it may still be loading its fonts.
-constexpr int replyTimeoutInMilliseconds = 25000;
+// With the one who has the name: it may still be loading its fonts.
+constexpr auto patience = 25s;
 
 using Request = ApplicationService::Request;
 
@@ -127,10 +131,11 @@ ApplicationService::Role ApplicationService::begin(const Request& request)
     constexpr int mostTries = 3;
     if (!hasBus() || !QDBusConnection::sessionBus().isConnected())
         return Role::alone;
-    for (int tried = 0; tried < mostTries; ++tried) {
+    const QDeadlineTimer deadline(patience);
+    for (int tried = 0; tried < mostTries && !deadline.hasExpired(); ++tried) {
         if (_takeName())
             return Role::first;
-        if (_handOver(request))
+        if (_handOver(request, deadline))
             return Role::later;
     }
     return Role::alone;
@@ -154,7 +159,7 @@ void ApplicationService::leave()
         bus.unregisterObject(_path);
 }
 
-bool ApplicationService::_handOver(const Request& request) const
+bool ApplicationService::_handOver(const Request& request, const QDeadlineTimer& deadline) const
 {
     QStringList uris = request.refused; // of which the one who has the name tells
     for (const auto& file : request.files)
@@ -172,8 +177,8 @@ bool ApplicationService::_handOver(const Request& request) const
     else if (!uris.isEmpty())
         call << uris;
     call << platformData;
-    const QDBusMessage reply
-        = QDBusConnection::sessionBus().call(call, QDBus::Block, replyTimeoutInMilliseconds);
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(
+        call, QDBus::Block, static_cast<int>(deadline.remainingTime()));
     return reply.type() == QDBusMessage::ReplyMessage;
 }
 

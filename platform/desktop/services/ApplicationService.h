@@ -13,6 +13,8 @@
 #include <functional>
 #include <vector>
 
+class QDeadlineTimer;
+
 class ApplicationService : public QObject
 {
 public:
@@ -46,7 +48,7 @@ public:
 
 private:
     [[nodiscard]] bool _takeName();
-    [[nodiscard]] bool _handOver(const Request& request) const;
+    [[nodiscard]] bool _handOver(const Request& request, const QDeadlineTimer& deadline) const;
 
     const QString _name;
     const QString _path;
