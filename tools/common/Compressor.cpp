@@ -341,17 +341,15 @@ void Compressor::_compressRun(std::span<const std::byte> input, bool isLast, Byt
     output.keep(isLast ? size : makeContinuable(room, size));
 }
 
-void Compressor::restorePiece(std::span<const std::byte> piece, std::span<std::byte> data)
+void Compressor::restorePiece(ByteBuffer& piece, std::span<std::byte> data)
 {
-    ByteBuffer stream; // which has to end: with an empty block
-    stream.append(piece);
-    stream.u16(3);
+    piece.u16(3); // a stream has to end: with an empty block
     const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
         decompressor(libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
     if (!decompressor)
         throw std::bad_alloc();
     if (libdeflate_deflate_decompress(
-            decompressor.get(), stream.begin(), stream.size(), data.data(), data.size(), nullptr)
+            decompressor.get(), piece.begin(), piece.size(), data.data(), data.size(), nullptr)
         != LIBDEFLATE_SUCCESS)
         throw std::runtime_error("a piece can't be restored");
 }

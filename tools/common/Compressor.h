@@ -45,8 +45,8 @@ public:
     // must be followed by another. Parts that do not compress go into stored blocks.
     void compressPiece(std::span<const std::byte> input, bool isLast, ByteBuffer& output);
 
-    // Fills `data` with what a piece was made of.
-    static void restorePiece(std::span<const std::byte> piece, std::span<std::byte> data);
+    // Fills `data` with what a piece was made of, of which a stream is made for that.
+    static void restorePiece(ByteBuffer& piece, std::span<std::byte> data);
 
     // The most bytes that compressed pieces of together `size` bytes can take.
     static std::uint64_t worstSize(std::uint64_t size);

@@ -109,21 +109,24 @@ void ZipWriter::_storeOpen()
 {
     std::uint64_t readAt = _file.position() - _open.compressedSize;
     std::uint64_t writeAt = readAt;
-    std::vector<std::byte> compressed;
-    std::vector<std::byte> data;
+    ByteBuffer& data = _restored;
+    data.clear();
     for (const Piece& piece : _pieces) {
         Interrupt::check();
-        compressed.resize(piece.compressedSize);
+        _readBack.clear();
+        const std::span<std::byte> compressed = _readBack.room(piece.compressedSize);
         if (FileBytes::readFullyAt(_file.descriptor(), readAt, compressed)
             != std::ssize(compressed))
             throw systemFailure(FailureKind::write, "cannot read the archive back");
+        _readBack.keep(compressed.size());
         readAt += compressed.size();
-        data.resize(data.size() + piece.size);
-        Compressor::restorePiece(compressed, std::span(data).last(piece.size));
+        Compressor::restorePiece(_readBack, data.room(piece.size));
+        data.keep(piece.size);
         const std::size_t ready = std::min<std::uint64_t>(data.size(), readAt - writeAt);
-        _file.writeAt(writeAt, std::span(data).first(ready));
+        _file.writeAt(writeAt, {data.begin(), ready});
         writeAt += ready;
-        data.erase(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(ready));
+        std::copy(data.begin() + ready, data.end(), data.begin());
+        data.shrinkTo(data.size() - ready);
     }
     _file.setPosition(writeAt);
     _open.method = ZipFormat::Method::stored;

@@ -8,6 +8,7 @@
 // therefore adds only in its own scratch folder.
 #pragma once
 
+#include "tools/common/ByteBuffer.h"
 #include "tools/common/OutputFile.h"
 #include "tools/zip/Block.h"
 #include "tools/zip/ExistingArchive.h"
@@ -70,6 +71,8 @@ private:
     ExistingArchive _existing; // empty for a new archive
     ZipFormat::Entry _open; // of the pieces that come one after the other
     std::vector<Piece> _pieces; // of the open entry so far
+    ByteBuffer _readBack; // a piece
+    ByteBuffer _restored; // of the file
     std::string _progress;
     std::uint64_t _entryCount = 0;
     std::uint64_t _newRecords = 0;
