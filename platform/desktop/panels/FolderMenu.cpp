@@ -1,5 +1,6 @@
 #include "platform/desktop/panels/FolderMenu.h"
 
+#include "platform/desktop/panels/ComboBoxText.h"
 #include "platform/desktop/services/PathText.h"
 
 #include <QAbstractItemView>
@@ -7,7 +8,6 @@
 #include <QKeyEvent>
 #include <QStandardPaths>
 #include <QStyleOptionComboBox>
-#include <QStylePainter>
 #include <QWheelEvent>
 
 namespace
@@ -15,8 +15,6 @@ namespace
 
 // As wide as a usual path; longer ones lose their middle.
 constexpr int widthInCharacters = 40;
-
-constexpr int spaceAroundIcon = 4; // what styles leave
 
 std::filesystem::path pathIn(const QVariant& row)
 {
@@ -88,18 +86,11 @@ void FolderMenu::_choose(int row)
     Q_EMIT otherWanted();
 }
 
-// The end of a path tells most.
 void FolderMenu::paintEvent(QPaintEvent* /*event*/)
 {
-    QStylePainter painter(this);
     QStyleOptionComboBox option;
     initStyleOption(&option);
-    const QRect field
-        = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
-    option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideMiddle,
-        field.width() - option.iconSize.width() - spaceAroundIcon);
-    painter.drawComplexControl(QStyle::CC_ComboBox, option);
-    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+    ComboBoxText::paint(this, option);
 }
 
 // A step would select one row after another, and call the command on the way.

@@ -1,13 +1,13 @@
 #include "platform/desktop/panels/PopUpButton.h"
 
 #include "platform/desktop/panels/AccessiblePopUp.h"
+#include "platform/desktop/panels/ComboBoxText.h"
 
 #include <QAction>
 #include <QActionGroup>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QStyleOptionComboBox>
-#include <QStylePainter>
 
 #include <algorithm>
 
@@ -190,21 +190,15 @@ QSize PopUpButton::minimumSizeHint() const
 
 void PopUpButton::paintEvent(QPaintEvent* /*event*/)
 {
-    QStylePainter painter(this);
     QStyleOptionComboBox option;
     option.initFrom(this);
     option.subControls = QStyle::SC_All;
     option.frame = true;
     if (isDown())
         option.state |= QStyle::State_Sunken;
-    const QString title = selectedTitle();
-    const QRect text
-        = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
-    // The end of a path tells most.
-    option.currentText = fontMetrics().elidedText(title, Qt::ElideMiddle, text.width());
-    setToolTip(option.currentText == title ? QString() : title);
-    painter.drawComplexControl(QStyle::CC_ComboBox, option);
-    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+    option.currentText = selectedTitle();
+    const bool fits = ComboBoxText::paint(this, option) == option.currentText;
+    setToolTip(fits ? QString() : option.currentText);
 }
 
 void PopUpButton::keyPressEvent(QKeyEvent* event)
