@@ -11,6 +11,7 @@
 #include "platform/desktop/services/ApplicationService.h"
 #include "platform/desktop/services/MainQueueTimers.h"
 #include "platform/desktop/services/PathText.h"
+#include "platform/desktop/services/StartupNotification.h"
 #include "shared/Library/Extras/QKUtility.h"
 
 #include <QApplication>
@@ -154,9 +155,11 @@ void Requests::_comeToFront(const QByteArray& activationToken)
     _window.raise();
     // Behind a sheet the window takes no keys; activated again and again, Qt 6.4 on X11 at times
     // gives none to the sheet either.
-    QWidget* sheet = QApplication::activeModalWidget();
-    (sheet != nullptr ? sheet : &_window)->activateWindow();
+    QWidget* const sheet = QApplication::activeModalWidget();
+    QWidget* const front = sheet != nullptr ? sheet : &_window;
+    front->activateWindow();
     qunsetenv("XDG_ACTIVATION_TOKEN");
+    StartupNotification::complete(*front, activationToken);
 }
 
 // The session's end comes as a wish to quit that Qt would pass on to each window as a wish to

@@ -39,10 +39,15 @@ TEST_F(Request, laterStartsHandOverTheirFilesAndEachBecomesARequest)
 {
     support::writeFile(source / "caf\xe9.txt", "e");
     Program& parcelo = startParcelo({}, "RevealWhenComplete=false\n");
+    const Program desktop({"xev", "-root", "-event", "property"}, options());
+    support::RunOptions announced = options();
+    announced.environment->push_back("DESKTOP_STARTUP_ID=later start_TIME1");
     for (const std::string& file : {"file://" + source.native() + "/o%6Ee.txt", "caf\xe9.txt"s}) {
-        EXPECT_EQ(support::run({PARCELO_PROGRAM, file}, options()).status, 0);
+        EXPECT_EQ(support::run({PARCELO_PROGRAM, file}, announced).status, 0);
         waitForWindow(parcelo, "Save Archive");
     }
+    EXPECT_TRUE(
+        waitFor([&] { return desktop.out().find("(_NET_STARTUP_INFO)") != std::string::npos; }));
     saveAndWait(parcelo);
     saveAndWait(parcelo);
     (void)support::run({PARCELO_PROGRAM, "trash:///x"}, options());
