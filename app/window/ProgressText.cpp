@@ -1,36 +1,21 @@
 #include "app/window/ProgressText.h"
 
+#include "platform/desktop/services/SizeText.h"
+
 #include <QLocale>
 
 #include <chrono>
-#include <cmath>
 
 using namespace std::chrono_literals;
-
-namespace
-{
-
-// With a decimal as long as there is one digit before it.
-QString sizeText(double bytes)
-{
-    const QLocale locale;
-    const auto count = static_cast<qint64>(std::llround(bytes));
-    double value = bytes;
-    while (value >= 999.5)
-        value /= 1000;
-    return locale.formattedDataSize(count, value < 9.95 ? 1 : 0, QLocale::DataSizeSIFormat);
-}
-
-} // namespace
 
 QString ProgressText::sizesOf(const JobProgress& progress)
 {
     if (progress.bytesInAll == 0)
         return {};
-    const QString done = sizeText(static_cast<double>(progress.bytesDone));
-    const QString inAll = sizeText(static_cast<double>(progress.bytesInAll));
+    const QString done = SizeText::of(static_cast<double>(progress.bytesDone));
+    const QString inAll = SizeText::of(static_cast<double>(progress.bytesInAll));
     return progress.bytesPerSecond
-        ? tr("%1 of %2 (%3/s)").arg(done, inAll, sizeText(*progress.bytesPerSecond))
+        ? tr("%1 of %2 (%3/s)").arg(done, inAll, SizeText::of(*progress.bytesPerSecond))
         : tr("%1 of %2").arg(done, inAll);
 }
 

@@ -1,6 +1,7 @@
 #include "platform/desktop/panels/FileListView.h"
 
 #include "platform/desktop/services/PathText.h"
+#include "platform/desktop/services/SizeText.h"
 #include "system/FileStatus.h"
 
 #include <QCollator>
@@ -46,7 +47,7 @@ public:
         case nameColumn:
             return _name;
         case sizeColumn:
-            return isFolder() ? QString() : QLocale().formattedDataSize(_status.st_size);
+            return isFolder() ? QString() : SizeText::of(static_cast<double>(_status.st_size));
         default:
             return QLocale().toString(
                 QDateTime::fromSecsSinceEpoch(_status.st_mtim.tv_sec), QLocale::ShortFormat);

@@ -3,6 +3,7 @@
 #include "platform/desktop/panels/OpenPanel.h"
 #include "platform/desktop/panels/PlainLabel.h"
 #include "platform/desktop/panels/Sheets.h"
+#include "platform/desktop/services/SizeText.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -290,7 +291,7 @@ QStringList SavePanel::_messages() const
     if (const auto& former = _finding.former) {
         const auto modified = QDateTime::fromSecsSinceEpoch(former->st_mtim.tv_sec);
         messages.append(tr("“%1” exists and will be replaced (%2, %3).")
-                            .arg(file, QLocale().formattedDataSize(former->st_size),
+                            .arg(file, SizeText::of(static_cast<double>(former->st_size)),
                                 QLocale().toString(modified, QLocale::ShortFormat)));
     }
     switch (_finding.oddity) {
