@@ -71,7 +71,7 @@ protected:
         return support::run({"pgrep", "-f", tool}).status == 0;
     }
 
-    // Both give up with an exception.
+    // These give up with an exception.
     std::string waitForWindow(const Program& program, const std::string& title) const
     {
         std::string found;
@@ -83,6 +83,16 @@ protected:
     {
         if (!waitFor([&] { return _findWindow(program, title).empty(); }))
             throw std::runtime_error("the window stays: " + title);
+    }
+    // For the window that has the keyboard.
+    void waitForActive(const std::string& title) const
+    {
+        std::string active;
+        const auto isActive = [&] {
+            return (active = xdotool({"getactivewindow", "getwindowname"})) == title + '\n';
+        };
+        if (!waitFor(isActive))
+            throw std::runtime_error("the window is not active: " + title + ", but " + active);
     }
     // Waits for the window and types xdotool's names of keys into it.
     void press(const Program& program, const std::string& title, const Strings& keys) const

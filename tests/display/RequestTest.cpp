@@ -67,6 +67,10 @@ TEST_F(Request, quittingInTheMiddleLeavesTheDestinationAsItWas)
         Program& parcelo = startParcelo({"large"});
         press(parcelo, "Save Archive", {"Return"}); // which tells of the older file
         ASSERT_TRUE(waitFor([&] { return isToolRunning(); }));
+        press(parcelo, "Making Archive", {"ctrl+q"});
+        waitForActive("An archive is being made");
+        xdotool({"key", "Escape"}); // keeps going
+        waitForActive("Making Archive");
         parcelo.signal(signal);
         expectGoodEnd(parcelo);
         EXPECT_EQ(support::namesIn(source), (Strings{"large", "large.zip", "one.txt"}));

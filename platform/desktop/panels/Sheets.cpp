@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QPointer>
 #include <QPushButton>
+#include <QWindow>
 
 #include <algorithm>
 #include <utility>
@@ -22,6 +23,15 @@ void attach(QDialog* sheet, QWidget* onWindow, Qt::WindowModality modality = Qt:
         button->setAutoDefault(false);
     if (sheet->windowTitle().isEmpty() && onWindow)
         sheet->setWindowTitle(onWindow->windowTitle()); // screen readers begin with it
+}
+
+// The desktop gives the keyboard to the sheet when it comes, and to what is below when it goes. As
+// transients of one window, two sheets confuse Qt 6.4 on X11: the window itself may get it.
+void stackAbove(QDialog* sheet, const QWidget* below)
+{
+    (void)sheet->winId(); // makes what windowHandle() gives
+    sheet->windowHandle()->setTransientParent(
+        below != nullptr ? below->window()->windowHandle() : nullptr);
 }
 
 // Waits for a sheet to go, and looks again: another may have come.
@@ -86,7 +96,9 @@ void Sheets::beginOverOpenWindow(QDialog* sheet, QWidget* onWindow)
 
 int Sheets::runModal(QDialog* sheet, QWidget* onWindow)
 {
+    const QDialog* const below = onWindow != nullptr ? attachedSheet(onWindow) : nullptr;
     attach(sheet, onWindow);
+    stackAbove(sheet, below != nullptr ? below : onWindow);
     return sheet->exec();
 }
 
