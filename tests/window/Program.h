@@ -27,7 +27,7 @@ protected:
     {
         UserDefaults::setStandardUserDefaults(std::make_unique<UserDefaults>(folder / "settings"));
         AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-            told.push_back(alert.message);
+            told.push_back(AlertPanel::text(alert));
             return int{AlertPanel::answerDefault};
         });
     }

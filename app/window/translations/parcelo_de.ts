@@ -101,6 +101,25 @@ Freie Software unter der MIT-Lizenz</translation>
     </message>
 </context>
 <context>
+    <name>AlertPanel</name>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>„%1“ konnte nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>Die vorhandene Datei „%1“ konnte nicht ersetzt werden</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
     <name>AppController</name>
     <message>
         <source>Same as source</source>

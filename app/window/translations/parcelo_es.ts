@@ -101,6 +101,25 @@ Software libre con licencia MIT</translation>
     </message>
 </context>
 <context>
+    <name>AlertPanel</name>
+    <message>
+        <source>Error</source>
+        <translation>Error</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>No se puede escribir en «%1»</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>No se puede sustituir el archivo existente «%1»</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>Aceptar</translation>
+    </message>
+</context>
+<context>
     <name>AppController</name>
     <message>
         <source>Same as source</source>

@@ -101,6 +101,25 @@ Logiciel libre sous licence MIT</translation>
     </message>
 </context>
 <context>
+    <name>AlertPanel</name>
+    <message>
+        <source>Error</source>
+        <translation>Erreur</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>Impossible d’écrire « %1 »</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>Impossible de remplacer le fichier existant « %1 »</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
     <name>AppController</name>
     <message>
         <source>Same as source</source>

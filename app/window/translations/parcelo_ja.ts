@@ -101,6 +101,25 @@ MIT ライセンスのフリーソフトウェア</translation>
     </message>
 </context>
 <context>
+    <name>AlertPanel</name>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Unable to write to &apos;%1&apos;</source>
+        <translation>「%1」に書き込めません</translation>
+    </message>
+    <message>
+        <source>Unable to replace existing file at &apos;%1&apos;</source>
+        <translation>既存のファイル「%1」を置き換えられません</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
     <name>AppController</name>
     <message>
         <source>Same as source</source>

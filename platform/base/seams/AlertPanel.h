@@ -11,6 +11,7 @@ public:
     struct Alert {
         std::string title = {};
         std::string message = {};
+        std::string path = {}; // what "%1" in the message stands for
         std::string defaultButton = {};
         std::string alternateButton = {}; // an empty title: no such button
         std::string otherButton = {};
@@ -19,6 +20,8 @@ public:
     using Presenter = std::function<int(const Alert&)>;
 
     static void setPresenter(Presenter presenter);
+
+    [[nodiscard]] static std::string text(const Alert& alert); // the message with the path in it
 
     // The pressed button's Answer; without a presenter nobody is asked and the default is taken.
     static int runAlertPanel(const Alert& alert);

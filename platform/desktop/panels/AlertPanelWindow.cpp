@@ -33,6 +33,27 @@ QWidget* windowInFront()
     return main == windows.end() ? nullptr : *main;
 }
 
+// Of alerts that come without the window: they are in English. Others are translated already.
+constexpr const char* untranslated[] = {
+    QT_TRANSLATE_NOOP("AlertPanel", "Error"),
+    QT_TRANSLATE_NOOP("AlertPanel", "Unable to write to '%1'"),
+    QT_TRANSLATE_NOOP("AlertPanel", "Unable to replace existing file at '%1'"),
+    QT_TRANSLATE_NOOP("AlertPanel", "OK"),
+};
+
+void translate(std::string& text)
+{
+    if (std::ranges::find(untranslated, text) != std::end(untranslated))
+        text = QCoreApplication::translate("AlertPanel", text.c_str()).toStdString();
+}
+
+AlertPanel::Alert translated(AlertPanel::Alert alert)
+{
+    for (std::string* text : {&alert.title, &alert.message, &alert.defaultButton})
+        translate(*text);
+    return alert;
+}
+
 } // namespace
 
 AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* parent)
@@ -55,7 +76,7 @@ AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* pare
     PlainLabel::setBold(title);
     title->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     title->setFixedSize(width, title->heightForWidth(width));
-    auto* message = new WrappedText(QString::fromStdString(alert.message), width, this);
+    auto* message = new WrappedText(QString::fromStdString(AlertPanel::text(alert)), width, this);
     message->setObjectName(QStringLiteral("alertMessage"));
     setAccessibleDescription(message->toPlainText());
 
@@ -94,7 +115,7 @@ void AlertPanelWindow::_addButton(QHBoxLayout& row, const std::string& title, in
 void AlertPanelWindow::presentAlerts()
 {
     AlertPanel::setPresenter([](const AlertPanel::Alert& alert) {
-        AlertPanelWindow panel(alert, windowInFront());
+        AlertPanelWindow panel(translated(alert), windowInFront());
         return panel.exec();
     });
 }

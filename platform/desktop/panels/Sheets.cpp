@@ -27,12 +27,28 @@ void attach(QDialog* sheet, QWidget* onWindow, Qt::WindowModality modality = Qt:
 
 // The desktop gives the keyboard to the sheet when it comes, and to what is below when it goes. As
 // transients of one window, two sheets confuse Qt 6.4 on X11: the window itself may get it.
-void stackAbove(QDialog* sheet, const QWidget* below)
+class StackAbove : public QObject
 {
-    (void)sheet->winId(); // makes what windowHandle() gives
-    sheet->windowHandle()->setTransientParent(
-        below != nullptr ? below->window()->windowHandle() : nullptr);
-}
+public:
+    StackAbove(QDialog* sheet, QDialog* below)
+        : _below(below)
+    {
+        sheet->installEventFilter(this);
+    }
+
+protected:
+    // Qt has made the sheet's window by then, and shows it afterwards.
+    bool eventFilter(QObject* sheet, QEvent* event) override
+    {
+        if (event->type() == QEvent::Show && _below)
+            static_cast<QDialog*>(sheet)->windowHandle()->setTransientParent(
+                _below->windowHandle());
+        return false;
+    }
+
+private:
+    QPointer<QDialog> _below;
+};
 
 // Waits for a sheet to go, and looks again: another may have come.
 class SheetWatch : public QObject
@@ -96,9 +112,8 @@ void Sheets::beginOverOpenWindow(QDialog* sheet, QWidget* onWindow)
 
 int Sheets::runModal(QDialog* sheet, QWidget* onWindow)
 {
-    const QDialog* const below = onWindow != nullptr ? attachedSheet(onWindow) : nullptr;
+    const StackAbove above(sheet, onWindow != nullptr ? attachedSheet(onWindow) : nullptr);
     attach(sheet, onWindow);
-    stackAbove(sheet, below != nullptr ? below : onWindow);
     return sheet->exec();
 }
 

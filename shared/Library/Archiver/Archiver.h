@@ -171,7 +171,8 @@ private:
     void _setSparedFor(std::chrono::seconds time);
     static std::optional<std::string> _filenameFromData(std::string_view data);
     void _replaceArchive(const Path& archive, const Path& byArchive) const;
-    void _tellNotMoved(const std::string& message, std::error_code reason) const;
+    void _tellNotMoved(
+        const std::string& message, const Path& archive, std::error_code reason) const;
     Task& _makeTask(const Path& launchPath, const std::vector<std::string>& arguments,
         const std::optional<Path>& currentDirectory);
 

@@ -24,11 +24,12 @@ namespace
 
 constexpr std::chrono::milliseconds alertDelay{100};
 
-void showAlertLater(const std::string& message)
+void showAlertLater(const std::string& message, const std::filesystem::path& archive)
 {
-    MainQueue::dispatchAfter(alertDelay, [message] {
+    MainQueue::dispatchAfter(alertDelay, [message, archive] {
         AlertPanel::runAlertPanel({.title = "Error",
             .message = message,
+            .path = archive.native(),
             .defaultButton = "OK",
             .alternateButton = "",
             .otherButton = ""});
@@ -122,12 +123,11 @@ int Archiver::createPlainZipAtPath(const Path& archive, const std::vector<Path>&
 // removed, and the alert tells that nothing could be written. That is intended.
 void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
 {
-    const std::string named = _archiveInAlerts.value_or(archive).native();
     std::error_code missing;
     const bool isThere = std::filesystem::exists(archive, missing);
     if (isThere) {
         if (const auto failure = FileTree::remove(archive)) {
-            _tellNotMoved("Unable to replace existing file at '" + named + "'", failure);
+            _tellNotMoved("Unable to replace existing file at '%1'", archive, failure);
             return;
         }
     }
@@ -139,13 +139,14 @@ void Archiver::_replaceArchive(const Path& archive, const Path& byArchive) const
     if (stop.stop_requested())
         convenience::removeItemAtPath(byArchive);
     else
-        _tellNotMoved("Unable to write to '" + named + "'", failure);
+        _tellNotMoved("Unable to write to '%1'", archive, failure);
 }
 
-void Archiver::_tellNotMoved(const std::string& message, std::error_code reason) const
+void Archiver::_tellNotMoved(
+    const std::string& message, const Path& archive, std::error_code reason) const
 {
     if (!_delegate || !_delegate->notMoved || !_delegate->notMoved(reason))
-        showAlertLater(message);
+        showAlertLater(message, _archiveInAlerts.value_or(archive));
 }
 
 std::optional<Archiver::Path> Archiver::createForkZip(const Path& staged, const Path& toFolder)
