@@ -1,6 +1,7 @@
 #include "app/window/AboutController.h"
 
 #include "platform/base/bundle/Bundle.h"
+#include "platform/desktop/panels/FontScale.h"
 #include "platform/desktop/services/Workspace.h"
 #include "platform/desktop/settings/Bindings.h"
 #include "shared/Library/Extras/QKWebsite.h"
@@ -16,6 +17,7 @@ namespace
 
 constexpr auto mailAddress = QLatin1String("mailto:info@parcelo.example");
 constexpr int iconSize = 96;
+constexpr int headingSize = 21; // beside letters of the usual size
 
 } // namespace
 
@@ -40,14 +42,20 @@ void AboutController::_loadWindow()
     Ui::About about;
     about.setupUi(_window);
     Bindings::bindAll(_window, this);
+    QFont heading = about.appNameAndVersion->font();
+    heading.setPixelSize(qRound(headingSize * FontScale::of(*_window)));
+    heading.setBold(true);
+    about.appNameAndVersion->setFont(heading);
     about.librariesLabel->setText(about.librariesLabel->text().arg(
-        QStringLiteral("Qt %1 (LGPL 3), libplist (LGPL 2.1), libdeflate (MIT)")
+        QStringLiteral("Qt %1\u00A0(LGPL\u00A03), libplist\u00A0(LGPL\u00A02.1), "
+                       "libdeflate\u00A0(MIT)") // each beside its licence
             .arg(QLatin1String(qVersion()))));
     about.creditsView->setAccessibleName(about.creditsView->toPlainText());
     _window->setAccessibleDescription(QStringList{
         about.creditsView->toPlainText(), about.licenceLabel->text(), about.librariesLabel->text()}
                                           .join(QLatin1Char('\n')));
     about.iconLabel->setPixmap(QApplication::windowIcon().pixmap(iconSize));
+    connect(about.closeButton, &QPushButton::clicked, _window, &QDialog::close);
     connect(about.sendMail, &QPushButton::clicked, this, [this] { sendMail(sender()); });
     connect(about.visitWebsite, &QPushButton::clicked, this, [this] { visitWebsite(sender()); });
     connect(about.visitCommentPage, &QPushButton::clicked, this,

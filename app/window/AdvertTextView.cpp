@@ -7,13 +7,18 @@
 #include <QTextCursor>
 #include <QWindow>
 
-#include <map>
+#include <algorithm>
 
 namespace
 {
 
 // What stands where the blurb would be.
 constexpr auto missingObject = QLatin1String("(null)");
+
+// Behind it come the program itself and an offer, which the window does not show of its own accord.
+constexpr std::int32_t lastInTurn = 21;
+
+constexpr auto betweenNameAndBlurp = QLatin1String(" - ");
 
 } // namespace
 
@@ -62,7 +67,7 @@ void AdvertTextView::setProductName(const std::optional<QString>& name,
 {
     _name = name;
     _directory = directory;
-    _behindTheLink = QLatin1String(" - ") + blurp.value_or(missingObject);
+    _behindTheLink = betweenNameAndBlurp + blurp.value_or(missingObject);
     _build(_behindTheLink);
     setAccessibleDescription(toPlainText()); // all of it, also where it is cut
     _fit();
@@ -135,9 +140,9 @@ std::optional<QTextDocumentFragment> AdvertTextView::_linkStringForProductName(
     return QTextDocumentFragment(&text);
 }
 
-std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId)
+std::map<std::int32_t, QString> AdvertTextView::_blurps()
 {
-    static const std::map<std::int32_t, QString> blurps{
+    return {
         {0, tr("Puts your downloads folder in order")},
         {1, tr("Notes that you find again")},
         {2, tr("Frames and resizes pictures in one go")},
@@ -148,18 +153,32 @@ std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId
         {22, tr("Free and easy zip utility")},
         {40, tr("Ready for Ridgeline: everything at half price")},
     };
+}
+
+std::optional<QString> AdvertTextView::_blurpForProductId(std::int32_t productId)
+{
+    const auto blurps = _blurps();
     const auto found = blurps.find(productId);
     return found == blurps.end() ? std::nullopt : std::optional(found->second);
 }
 
+// Of the widest of the lines that take turns.
 QSize AdvertTextView::sizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 40, fontMetrics().height() + 2};
+    int widest = 0;
+    for (const auto& [productId, blurp] : _blurps()) {
+        if (productId > lastInTurn)
+            break;
+        const QString name = QKWebsite::productNameForProductId(productId).value_or(QString());
+        const QString line = name + betweenNameAndBlurp + blurp;
+        widest = std::max(widest, fontMetrics().horizontalAdvance(line));
+    }
+    return {widest + 2, minimumSizeHint().height()};
 }
 
 QSize AdvertTextView::minimumSizeHint() const
 {
-    return {0, sizeHint().height()};
+    return {0, fontMetrics().height() + 2};
 }
 
 void AdvertTextView::mousePressEvent(QMouseEvent* event)

@@ -8,6 +8,7 @@
 #include <QTextDocumentFragment>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 
 class AdvertTextView : public QTextBrowser
@@ -49,6 +50,7 @@ private:
     // Nothing for a directory that cannot stand in an address.
     [[nodiscard]] std::optional<QTextDocumentFragment> _linkStringForProductName(
         const std::optional<QString>& productName, const std::optional<QString>& directory) const;
+    static std::map<std::int32_t, QString> _blurps();
     static std::optional<QString> _blurpForProductId(std::int32_t productId);
 
     std::optional<QString> _name;

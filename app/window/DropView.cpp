@@ -1,5 +1,6 @@
 #include "app/window/DropView.h"
 
+#include "platform/desktop/panels/FontScale.h"
 #include "platform/desktop/services/UriList.h"
 #include "shared/Library/Extras/BezierPathExtras.h"
 #include "shared/Library/Extras/QKUtility.h"
@@ -19,7 +20,7 @@
 namespace
 {
 
-// The look of the box, in points.
+// The look of the box, in points. Its texts, and the room for them, grow with the desktop's font.
 constexpr double outlineInset = 10;
 constexpr float cornerRadius = 10;
 constexpr double lineWidth = 2;
@@ -27,7 +28,7 @@ constexpr double dashLength = 20;
 constexpr double gapLength = 4;
 constexpr int captionSize = 20;
 constexpr int hintGap = 6;
-constexpr int largestHint = 16; // it stays the smaller line
+constexpr double largestHint = 0.8; // of the caption: it stays the smaller line
 constexpr double focusInset = 4; // outside the outline
 constexpr float focusRadius = 6;
 
@@ -138,12 +139,12 @@ void DropView::setHint(const QString& hint)
 
 QSize DropView::sizeHint() const
 {
-    return {380, 220};
+    return (QSizeF(380, 220) * FontScale::of(*this)).toSize();
 }
 
 QSize DropView::minimumSizeHint() const
 {
-    return {240, 120};
+    return (QSizeF(300, 120) * FontScale::of(*this)).toSize(); // the caption fits in any language
 }
 
 // A box that is hovered renews itself: each pass asks for the next. When the drag has gone the last
@@ -169,7 +170,7 @@ void DropView::paintEvent(QPaintEvent* event)
 DropView::Caption DropView::dropHereString() const
 {
     QFont font(QStringLiteral("Helvetica"));
-    font.setPixelSize(captionSize);
+    font.setPixelSize(qRound(captionSize * FontScale::of(*this)));
     return {text(), font, _isHighlighted() ? hfgColor() : fgColor()};
 }
 
@@ -185,10 +186,11 @@ void DropView::_drawTexts(QPainter& painter) const
     static const QColor hintColor = grey(0.43F);
     const int below = rect().center().y() + painter.fontMetrics().height() / 2 + hintGap;
     const QRect place = rect()
-                            .adjusted(2 * outlineInset, 0, -2 * outlineInset, -outlineInset)
+                            .adjusted(2 * outlineInset, 0, -2 * outlineInset, -2 * outlineInset)
                             .intersected(QRect(0, below, width(), height()));
     QFont hintFont = font();
-    hintFont.setPixelSize(std::min(QFontInfo(hintFont).pixelSize(), largestHint));
+    hintFont.setPixelSize(
+        std::min(QFontInfo(hintFont).pixelSize(), qRound(largestHint * caption.font.pixelSize())));
     painter.setFont(hintFont);
     painter.setPen(_isHighlighted() ? caption.color : hintColor);
     constexpr int wrapped = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;

@@ -3,6 +3,7 @@
 #include "app/window/AppController.h"
 #include "app/window/ArchiveNameValidator.h"
 #include "app/window/DropArea.h"
+#include "platform/desktop/panels/FontScale.h"
 #include "platform/desktop/settings/Bindings.h"
 #include "shared/Library/Archiver/Archiver.h"
 #include "ui_AccessoryView.h"
@@ -10,10 +11,18 @@
 #include "ui_MainWindow.h"
 #include "ui_ProgressWindow.h"
 
+#include <QScreen>
 #include <QShortcut>
 
 namespace
 {
+
+// To what it needs with this font, if there is room for it.
+void enlarge(QKWindow& window, int leastWidth)
+{
+    const QSize scaled = (QSizeF(window.size()) * FontScale::of(window)).toSize();
+    window.resize(scaled.expandedTo({leastWidth, 0}).boundedTo(window.screen()->availableSize()));
+}
 
 void connectMenus(const Ui::MainWindow& form, AppController& controller, QKWindow& window)
 {
@@ -75,6 +84,7 @@ MainInterface::MainInterface(AppController& controller)
 {
     Ui::MainWindow window;
     window.setupUi(&_window);
+    enlarge(_window, window.footBar->sizeHint().width());
     Ui::EmailWindow email;
     email.setupUi(_emailWindow);
     email.nameField->setValidator(new ArchiveNameValidator(_emailWindow));

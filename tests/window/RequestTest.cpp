@@ -85,14 +85,16 @@ TEST_F(Request, takesANameAsItStandsAndTellsAtOnceWhatComesOfIt)
 {
     const Path odd = source / "caf\xe9"; // no UTF-8
     fs::create_directory(source / "folder");
-    for (const Path& older : {source / "a \"b\" c.zip", odd / "Report.zip", odd / "a.tar.gz"})
+    for (const Path& older :
+        {source / "\"b\" cdefghijklmnopqrstuvwx.zip", odd / "Report.zip", odd / "a.tar.gz"})
         support::writeFile(older, "an older file");
     const std::string replaced = " exists and will be replaced (13 bytes, ";
     // Dropped, whether its extension is kept, the proposal; typed instead, its file (none: the
     // panel stays), how what is told begins.
     using Text = const char*;
     const std::tuple<Text, bool, Text, Text, Path, std::string> cases[] = {
-        {"one.txt", false, "one", "a \"b\" c", "a \"b\" c.zip", "“a \"b\" c.zip”" + replaced},
+        {"one.txt", false, "one", "\"b\" cdefghijklmnopqrstuvwx",
+            "\"b\" cdefghijklmnopqrstuvwx.zip", "“\"b\" cdefghijklmnopqrstuvwx.zip”" + replaced},
         {"caf\xe9/two.txt", true, "two.txt", "Report.ZIP", "caf\xe9/Report.zip",
             "“Report.zip”" + replaced},
         {".bashrc", false, ".bashrc", "New.tar", "New.tar.zip", ""},

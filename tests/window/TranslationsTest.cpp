@@ -1,5 +1,6 @@
 #include "app/window/Translations.h"
 
+#include "app/window/AdvertTextView.h"
 #include "app/window/Manual.h"
 #include "platform/desktop/updates/UpdateSheet.h"
 #include "tests/window/Program.h"
@@ -9,11 +10,47 @@
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QTextDocument>
 
 namespace fs = std::filesystem;
 
-using Language = Program;
+class Language : public Program
+{
+protected:
+    void expectWholeTexts(int fontSize, int captionSize)
+    {
+        QFont font = QApplication::font();
+        font.setPointSize(fontSize);
+        QApplication::setFont(font);
+        start({{"Window Frame MainWindowAutosave", {}}});
+        auto* advert = find<AdvertTextView>("advertTextView");
+        for (const std::int32_t product : {0, 1, 2, 3, 4, 20, 21}) {
+            advert->setProductId(product);
+            EXPECT_EQ(advert->toolTip().toStdString(), "") << "elided";
+        }
+        find<QAction>("showAbout")->trigger();
+        const auto* credits = find<QTextEdit>("creditsView");
+        EXPECT_EQ(credits->verticalScrollBar()->maximum(), 0);
+        EXPECT_GT(find<QLabel>("appNameAndVersion")->fontInfo().pointSize(), fontSize);
+        QTest::keyClick(credits->window(), Qt::Key_Return);
+        EXPECT_FALSE(credits->isVisible()) << "Close is the framed button";
+        window().resize(1, 1);
+        (void)window().grab();
+        EXPECT_EQ(find<QWidget>("destinationPop")->toolTip().toStdString(), "") << "elided";
+        const DropView::Caption caption = box().dropHereString();
+        EXPECT_EQ(caption.font.pixelSize(), captionSize);
+        EXPECT_LT(QFontMetrics(caption.font).horizontalAdvance(caption.text), box().width() - 40);
+        for (int height = 120; height < 300; height += 3) {
+            box().resize(300, height);
+            const auto foot = [&](const QString& hint) {
+                box().setHint(hint);
+                return box().grab({0, height - 14, 300, 14}).toImage();
+            };
+            EXPECT_EQ(foot(AppController::hint()), foot({})) << "the hint lies on the outline";
+        }
+    }
+};
 
 static QStringList commandLineOptions()
 {
@@ -48,14 +85,19 @@ static void expectManualOf(const QWidget& window)
         EXPECT_TRUE(manual.toPlainText().contains(text)) << text.toStdString();
 }
 
-TEST_F(Language, isLoadedGivesNoLetterTwiceAndNamesEveryControl)
+TEST_F(Language, isLoadedCutsNoTextGivesNoLetterTwiceAndNamesEveryControl)
 {
-    const auto putBack = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+    const auto putBack = qScopeGuard([locale = QLocale(), font = QApplication::font()] {
+        QLocale::setDefault(locale);
+        QApplication::setFont(font);
+    });
     for (const auto& [language, title] : {std::pair("en", "Preferences"), {"de", "Einstellungen"},
              {"fr", "Préférences"}, {"es", "Preferencias"}, {"ja", "環境設定"}}) {
         SCOPED_TRACE(language);
         QLocale::setDefault(QLocale(QLatin1String(language)));
         const ::Translations translations;
+        expectWholeTexts(18, 32);
+        expectWholeTexts(11, 20);
         start(
             {{"Destinations", QStringList{"/1", "/2", "/3", "/4", "/5", "/6", "/7", "/8", "/9"}}});
         drop({Path("/a")});

@@ -24,6 +24,10 @@
         <translation>&amp;Kommentar schreiben</translation>
     </message>
     <message>
+        <source>C&amp;lose</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
         <source>Copyright © 2026 The Parcelo developers
 Free software under the MIT License</source>
         <translation>Copyright © 2026 Die Parcelo-Entwickler

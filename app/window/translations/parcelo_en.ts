@@ -6,7 +6,7 @@
     <name>Localizable</name>
     <message><source>Completed</source><translation>Completed</translation></message>
     <message><source>Cancelled</source><translation>Cancelled</translation></message>
-    <message><source>Okay</source><translation>Okay</translation></message>
+    <message><source>Okay</source><translation>OK</translation></message>
     <message><source>TYPE_PC</source><translation>Opens on every computer. Permissions, times and links are kept.</translation></message>
     <message><source>TYPE_MAC</source><translation>Also keeps resource forks and extended attributes, in a folder of their own.</translation></message>
 </context>

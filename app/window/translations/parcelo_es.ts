@@ -24,6 +24,10 @@
         <translation>Escribir un &amp;comentario</translation>
     </message>
     <message>
+        <source>C&amp;lose</source>
+        <translation>Ce&amp;rrar</translation>
+    </message>
+    <message>
         <source>Copyright © 2026 The Parcelo developers
 Free software under the MIT License</source>
         <translation>Copyright © 2026 Los desarrolladores de Parcelo

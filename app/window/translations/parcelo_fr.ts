@@ -24,6 +24,10 @@
         <translation>Écrire un &amp;commentaire</translation>
     </message>
     <message>
+        <source>C&amp;lose</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
         <source>Copyright © 2026 The Parcelo developers
 Free software under the MIT License</source>
         <translation>Copyright © 2026 Les développeurs de Parcelo

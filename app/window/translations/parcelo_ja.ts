@@ -24,6 +24,10 @@
         <translation>コメントを書く(&amp;C)</translation>
     </message>
     <message>
+        <source>C&amp;lose</source>
+        <translation>閉じる(&amp;L)</translation>
+    </message>
+    <message>
         <source>Copyright © 2026 The Parcelo developers
 Free software under the MIT License</source>
         <translation>Copyright © 2026 Parcelo の開発者

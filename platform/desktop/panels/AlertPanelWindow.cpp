@@ -1,5 +1,6 @@
 #include "platform/desktop/panels/AlertPanelWindow.h"
 
+#include "platform/desktop/panels/FontScale.h"
 #include "platform/desktop/panels/PlainLabel.h"
 #include "platform/desktop/panels/Tag.h"
 #include "platform/desktop/panels/WrappedText.h"
@@ -19,7 +20,7 @@ namespace
 // A line that people read without losing their place.
 constexpr int messageWidthInCharacters = 52;
 
-constexpr int widest = 480; // the panel, unless its buttons take more
+constexpr int widest = 480; // the panel at the usual font, unless its buttons take more
 
 // The program may be in the background when it has something to say.
 QWidget* windowInFront()
@@ -70,7 +71,8 @@ AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* pare
     auto* top = new QHBoxLayout;
     const QMargins margins = whole->contentsMargins();
     const int width = std::min(fontMetrics().averageCharWidth() * messageWidthInCharacters,
-        widest - margins.left() - margins.right() - size - whole->spacing());
+        qRound(widest * FontScale::of(*this)) - margins.left() - margins.right() - size
+            - whole->spacing());
     auto* title
         = PlainLabel::make(QString::fromStdString(alert.title), QStringLiteral("alertTitle"), this);
     PlainLabel::setBold(title);

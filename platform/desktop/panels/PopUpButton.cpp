@@ -17,6 +17,7 @@ namespace
 // Wide enough for most folders' paths, narrow enough for the window.
 constexpr int widestInCharacters = 48;
 constexpr int narrowestInCharacters = 12;
+constexpr int alwaysWholeInCharacters = 28; // shorter titles than these
 
 QString withoutMnemonic(QString title)
 {
@@ -124,6 +125,7 @@ void PopUpButton::_select(int index)
 {
     _selected = index;
     AccessiblePopUp::tellChoice(this);
+    updateGeometry();
     update();
 }
 
@@ -185,7 +187,8 @@ QSize PopUpButton::sizeHint() const
 
 QSize PopUpButton::minimumSizeHint() const
 {
-    return _sizeFor(0);
+    return _sizeFor(std::min(fontMetrics().horizontalAdvance(selectedTitle()),
+        alwaysWholeInCharacters * fontMetrics().averageCharWidth()));
 }
 
 void PopUpButton::paintEvent(QPaintEvent* /*event*/)

@@ -27,7 +27,7 @@ namespace
 // Room for most messages, so that the sheet keeps its size while a name is typed.
 constexpr auto tallMessage = QLatin1String("\n");
 
-// Longer names lose their middle in messages and on the button.
+// Longer names lose their middle on the button; in messages they take a line.
 constexpr int longestNameInCharacters = 24;
 
 constexpr int columnSpacing = 8; // as in accessory views
@@ -209,6 +209,7 @@ void SavePanel::beginSheetModalForWindow(QWidget* window, CompletionHandler comp
 {
     _completionHandler = std::move(completionHandler);
     _align();
+    layout()->activate(); // what is told fits the width
     _look();
     Sheets::begin(this, window);
 }
@@ -256,7 +257,9 @@ void SavePanel::_show(const QStringList& messages)
         const QString next = QString::fromStdString(SaveCheck::nextFreeStem(
             _folderMenu->folder(), _stem().toStdString(), _extension.toStdString()));
         _nextFreeButton->setText(
-            tr("&Use “%1”").arg(_shortened(next).replace(QLatin1Char('&'), QLatin1String("&&"))));
+            tr("&Use “%1”")
+                .arg(_shortened(next, longestNameInCharacters * fontMetrics().averageCharWidth())
+                         .replace(QLatin1Char('&'), QLatin1String("&&"))));
         _nextFreeButton->setToolTip(next + _extension);
     }
     if (text == _messageLabel->text())
@@ -268,7 +271,8 @@ void SavePanel::_show(const QStringList& messages)
 
 QStringList SavePanel::_messages() const
 {
-    const QString file = _shortened(_stem() + _extension);
+    const int iconAndQuotes = 3 * fontMetrics().height(); // the icon may be yet to come
+    const QString file = _shortened(_stem() + _extension, _messageLabel->width() - iconAndQuotes);
     switch (_finding.obstacle) {
     case Obstacle::none:
         break;
@@ -314,10 +318,9 @@ QStringList SavePanel::_messages() const
     return messages;
 }
 
-QString SavePanel::_shortened(const QString& name) const
+QString SavePanel::_shortened(const QString& name, int width) const
 {
-    return fontMetrics().elidedText(
-        name, Qt::ElideMiddle, longestNameInCharacters * fontMetrics().averageCharWidth());
+    return fontMetrics().elidedText(name, Qt::ElideMiddle, width);
 }
 
 void SavePanel::changeEvent(QEvent* event)

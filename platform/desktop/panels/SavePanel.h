@@ -57,7 +57,7 @@ private:
     void _look();
     void _show(const QStringList& messages);
     [[nodiscard]] QStringList _messages() const;
-    [[nodiscard]] QString _shortened(const QString& name) const;
+    [[nodiscard]] QString _shortened(const QString& name, int width) const;
     void _chooseFolder();
 
     QGridLayout* _grid;

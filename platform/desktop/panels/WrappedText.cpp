@@ -7,17 +7,24 @@
 namespace
 {
 
-constexpr double highest = 400;
+constexpr int highest = 400;
+
+} // namespace
 
 // Of a copy: the view fits its own document to the width that it happens to have.
-double heightOf(const QTextDocument& text, int width)
+int WrappedText::heightOf(const QTextDocument& text, int width)
 {
     const std::unique_ptr<QTextDocument> copy(text.clone());
     copy->setTextWidth(width);
-    return copy->size().height();
+    return static_cast<int>(std::ceil(copy->size().height()));
 }
 
-} // namespace
+int WrappedText::widthOf(const QTextDocument& text)
+{
+    const std::unique_ptr<QTextDocument> copy(text.clone());
+    copy->setTextWidth(-1);
+    return static_cast<int>(std::ceil(copy->idealWidth()));
+}
 
 WrappedText::WrappedText(const QString& text, int width, QWidget* parent)
     : QTextEdit(parent)
@@ -32,7 +39,7 @@ WrappedText::WrappedText(const QString& text, int width, QWidget* parent)
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     setPlainText(text);
-    const double height = heightOf(*document(), width);
+    const int height = heightOf(*document(), width);
     setVerticalScrollBarPolicy(height > highest ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
-    setFixedSize(width, static_cast<int>(std::ceil(std::min(height, highest))));
+    setFixedSize(width, std::min(height, highest));
 }

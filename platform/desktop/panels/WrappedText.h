@@ -11,4 +11,8 @@ class WrappedText : public QTextEdit
 
 public:
     WrappedText(const QString& text, int width, QWidget* parent);
+
+    // What a text needs at a width, and without any break of ours.
+    [[nodiscard]] static int heightOf(const QTextDocument& text, int width);
+    [[nodiscard]] static int widthOf(const QTextDocument& text);
 };
