@@ -1,6 +1,5 @@
 #include "platform/desktop/panels/AlertPanelWindow.h"
 
-#include "platform/desktop/panels/FontScale.h"
 #include "platform/desktop/panels/PlainLabel.h"
 #include "platform/desktop/panels/Tag.h"
 #include "platform/desktop/panels/WrappedText.h"
@@ -20,7 +19,7 @@ namespace
 // A line that people read without losing their place.
 constexpr int messageWidthInCharacters = 52;
 
-constexpr int widest = 480; // the panel at the usual font, unless its buttons take more
+constexpr int widest = 480; // the panel, unless its buttons take more
 
 // The program may be in the background when it has something to say.
 QWidget* windowInFront()
@@ -71,8 +70,7 @@ AlertPanelWindow::AlertPanelWindow(const AlertPanel::Alert& alert, QWidget* pare
     auto* top = new QHBoxLayout;
     const QMargins margins = whole->contentsMargins();
     const int width = std::min(fontMetrics().averageCharWidth() * messageWidthInCharacters,
-        qRound(widest * FontScale::of(*this)) - margins.left() - margins.right() - size
-            - whole->spacing());
+        widest - margins.left() - margins.right() - size - whole->spacing());
     auto* title
         = PlainLabel::make(QString::fromStdString(alert.title), QStringLiteral("alertTitle"), this);
     PlainLabel::setBold(title);
