@@ -84,6 +84,7 @@ void AppController::_openNext()
     if (_interface.saveDropView->files().empty()) {
         _isUnderWay = true;
         _opensForEmail = documents.forEmail;
+        _interface.saveDropView->setKeepsFiles(true);
     }
     for (const Path& file : documents.files)
         applicationOpenFile(file);
@@ -194,10 +195,8 @@ void AppController::_chose(const std::vector<Path>& paths)
 {
     if (paths.empty())
         return;
-    if (!acceptsFiles()) { // a request has begun while the panel was up: after that
-        connect(
-            this, &AppController::acceptsFilesChanged, this, [this, paths] { _chose(paths); },
-            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    if (_isUnderWay) { // a request has begun while the panel was up
+        openDocuments({.files = paths});
         return;
     }
     _interface.saveDropView->setFiles(paths);

@@ -36,6 +36,8 @@ constexpr double sheetCloseDelay = 0.2;
 
 constexpr std::chrono::milliseconds drawingInterval = 40ms; // of the progress bar
 
+constexpr auto compressing = QLatin1String("Compressing ..."); // in every language
+
 const QString archiveTypeKey = QStringLiteral("ArchiveType");
 
 } // namespace
@@ -45,6 +47,7 @@ void AppController::startProcessing(QObject* /*sender*/)
     if (_isTerminating)
         return;
     _isUnderWay = true;
+    _interface.saveDropView->setKeepsFiles(false); // its sheet does
     _tellWhatIsLeftOut();
     const QString name
         = QString::fromStdString(RequestSettings::nameFor(_interface.saveDropView->files()));
@@ -216,13 +219,14 @@ void AppController::_countLines()
     if (lines == 0)
         return; // the job has ended meanwhile
     QProgressBar& bar = *_interface.progress;
-    _interface.statusTF->setText(QStringLiteral("Compressing ...")); // in every language
+    _interface.statusTF->setText(compressing);
     bar.setValue(bar.value() + std::min(lines, bar.maximum() - bar.value()));
 }
 
 void AppController::progressed(const JobProgress& progress)
 {
     _performOnMainThread([this, progress] {
+        _interface.statusTF->setText(compressing);
         _interface.progressWindow->advanceTo(progress);
         if (progress.fraction)
             _attention->advanceTo(*progress.fraction);

@@ -253,6 +253,10 @@ bool DropView::prepareForDragOperation()
 bool DropView::performDragOperation(const QMimeData& pasteboard)
 {
     UriList::FilePaths found = filesIn(pasteboard);
+    if (!acceptDrops() || _keepsFiles) {
+        Q_EMIT droppedMeanwhile(found.paths, linesOf(found.refused));
+        return false;
+    }
     setFiles(std::move(found.paths));
     _leftOut = linesOf(found.refused);
     return true;
@@ -310,12 +314,6 @@ void DropView::dropEvent(QDropEvent* event)
         return;
     }
     event->accept();
-    if (!prepareForDragOperation())
-        return;
-    if (!acceptDrops()) {
-        UriList::FilePaths found = filesIn(*event->mimeData());
-        Q_EMIT droppedMeanwhile(found.paths, linesOf(found.refused));
-    } else if (performDragOperation(*event->mimeData())) {
+    if (prepareForDragOperation() && performDragOperation(*event->mimeData()))
         concludeDragOperation();
-    }
 }

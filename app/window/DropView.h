@@ -42,6 +42,9 @@ public:
     // The folder that holds the first file.
     [[nodiscard]] std::optional<std::filesystem::path> folder() const;
 
+    // While the flag is set a drop does not take the place of these files.
+    void setKeepsFiles(bool flag) { _keepsFiles = flag; }
+
     // True while a drag hovers.
     [[nodiscard]] bool animate() const { return _animate; }
     void setAnimate(bool animate) { _animate = animate; }
@@ -87,7 +90,7 @@ Q_SIGNALS:
     // A moment after a drop.
     void filesDropped();
 
-    // While the box is shut: its own files stay as they are.
+    // While the box is shut or keeps its files, which stay as they are.
     void droppedMeanwhile(const DropView::Files& files, const QStringList& leftOut);
 
 protected:
@@ -99,6 +102,7 @@ private:
     void _drawTexts(QPainter& painter) const;
     void _drawFocus(QPainter& painter) const;
 
+    bool _keepsFiles = false;
     bool _animate = false;
     bool _isOffered = false; // of the drag that hovers: it may be dropped
     float _phase = 0;

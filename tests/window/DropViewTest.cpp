@@ -32,11 +32,12 @@ TEST_F(DropBox, takesFilesOfThisComputerInTheirOrderAndNothingElse)
     // Chosen, while a request of another origin began.
     find<QAction>("chooseFiles")->trigger();
     (void)waitForSheet("chooseFilesPanel");
-    box().setAcceptDrops(false);
+    controller().startProcessing(nullptr);
     endSheet("chooseFilesPanel", Qt::Key_Return, "/etc/hostname");
     EXPECT_TRUE(box().files().empty());
-    box().setAcceptDrops(true);
-    Q_EMIT controller().acceptsFilesChanged();
+    endSheet("savePanel");
+    (void)waitForSheet("savePanel");
+    EXPECT_EQ(box().files(), DropView::Files{"/etc/hostname"});
     endSheet("savePanel");
 
     type(Qt::CTRL | Qt::Key_Comma);
