@@ -23,7 +23,8 @@ protected:
             deferred.push_back(std::move(block));
         });
         AlertPanel::setPresenter([this](const AlertPanel::Alert& alert) {
-            alerts.push_back(alert.title + ": " + AlertPanel::text(alert) + " [" + alert.defaultButton + "]");
+            alerts.push_back(
+                alert.title + ": " + AlertPanel::text(alert) + " [" + alert.defaultButton + "]");
             return 1;
         });
         renew();
