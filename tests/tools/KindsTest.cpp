@@ -77,6 +77,17 @@ TEST_P(Tar, followsLinksAndKeepsThoseItCannotFollow)
         EXPECT_TRUE(fs::equivalent(folder / "item" / first, folder / "item" / again)) << again;
 }
 
+TEST_P(Tar, findsWhatIsMetAgainInATreeThatIsTooLargeToRemember)
+{
+    shell(R"(a=a$(printf '/%0200d' $(seq 17)); mkdir -p $a w x y z; (cd $a; touch $(seq 1250))
+        touch w/in x/in y/in; ln w/in z/w; ln -s ../x/in z/x; ln -s ../y z/y)");
+    ASSERT_EQ(make().status, 0);
+    run({"tar", "-xf", archive, "item/w", "item/x", "item/y", "item/z"}, {.folder = folder.path()});
+    for (const auto& [first, again] :
+        {std::pair("w/in", "z/w"), {"x/in", "z/x"}, {"y/in", "z/y/in"}})
+        EXPECT_TRUE(fs::equivalent(folder / "item" / first, folder / "item" / again)) << again;
+}
+
 TEST_P(Tar, keepsTimesToTheNanosecond)
 {
     shell(R"(for time in 1000000000.123456789 1000000000.0005 0.000000001 -100 8589934592.0000001
