@@ -226,3 +226,13 @@ TEST_F(Zip, findsWhatCompressesAmongWhatDoesNot)
         EXPECT_LE(fs::file_size(archive), data.size() + 160); // for the records
     }
 }
+
+// What a tool reads is the measure of how far it is.
+TEST_F(Zip, readsNothingTwiceThatOnlyInOnePlaceLooksAsIfItCompressed)
+{
+    if (!canTrace())
+        GTEST_SKIP() << "no tracing here";
+    writeFile(item, randomBytes(598'020, 1) + std::string(40, ' ') + randomBytes(900'000, 2));
+    ASSERT_EQ(make({.prefix = strace("trace=pread64")}).status, 0);
+    EXPECT_FALSE(contains(readFile(folder / "log"), ".part-"));
+}
