@@ -140,6 +140,19 @@ TEST_F(Append, twoAtOnceLoseNothing)
     }
 }
 
+TEST_F(Append, whatFitsOnlyInPartLeavesTheArchiveAsItWas)
+{
+    makeWith(python("for n in range(300): z.writestr(str(n) + 200 * 'n', '')"));
+    const std::string old = readFile(archive);
+    writeFile(folder / "in/new", "new");
+    for (std::size_t limit = old.size(); limit < old.size() + 120; limit += 40) {
+        const Names prefix = {"prlimit", "--fsize=" + std::to_string(limit)};
+        const RunResult result = run(tool, archive, folder / "in/new", {.prefix = prefix});
+        EXPECT_EQ(result.status, tool.writeError) << limit;
+        EXPECT_TRUE(readFile(archive) == old) << limit;
+    }
+}
+
 TEST_F(Append, writesTheNewItemAndNotTheArchiveAgain)
 {
     if (!canTrace())

@@ -22,6 +22,8 @@ TEST_P(ChangingFiles, areStoredAsReadAndNamed)
             {"printf more >>m-large", {"item/m-large"}, fileSize},
             {"printf other 1<>m-large", {"item/m-large"}, fileSize},
             {"rm m-large", {}, fileSize}, // as if nothing had happened
+            // The next file gets the inode of the first.
+            {"cp -p z-next ../t; rm a-first z-next; cp -p ../t z-next; rm ../t", {}, fileSize},
             {"rm z-next", {"item/z-next"}, fileSize},
             {"ln -sf /etc/hostname z-next", {"item/z-next"}, fileSize}};
     const std::string content = someText(fileSize);

@@ -15,12 +15,17 @@ struct Faults : EachTool {
     {
         archive = folder / ("place/" + tool.archiveName); // with nothing beside it
         if (GetParam().ends_with("_ontoOne")) {
-            writeFile(folder / "first/old", "what was there before");
+            fs::path deep = folder / "first/old";
+            for (int level = 0; level < 16; ++level)
+                deep /= std::string(200, 'd');
+            // Names of twice the size of what is added: some are overwritten, the others moved.
+            for (int number = 0; number < 160; ++number)
+                writeFile(deep / std::to_string(number), "what was there before");
             ASSERT_EQ(run(tool, freshPlace(), folder / "first/old").status, 0);
             old = content();
         }
         writeFile(item / "a", "a");
-        writeFile(item / "b", randomBytes(400'000, 1) + someText(800'000));
+        writeFile(item / "b", randomBytes(100'000, 1) + someText(1'100'000));
         fs::create_directory(item / "sub");
         fs::create_symlink("../a", item / "sub/link");
         ASSERT_EQ(run(tool, freshPlace(), item).status, 0);

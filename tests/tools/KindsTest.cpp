@@ -77,6 +77,17 @@ TEST_P(Tar, followsLinksAndKeepsThoseItCannotFollow)
         EXPECT_TRUE(fs::equivalent(folder / "item" / first, folder / "item" / again)) << again;
 }
 
+TEST_P(Tar, findsWhatIsMetAgainInATreeThatIsTooLargeToRemember)
+{
+    shell(R"(a=a$(printf '/%0200d' $(seq 17)); mkdir -p $a w x y z; (cd $a; touch $(seq 1250))
+        touch w/in x/in y/in; ln w/in z/w; ln -s ../x/in z/x; ln -s ../y z/y)");
+    ASSERT_EQ(make().status, 0);
+    run({"tar", "-xf", archive, "item/w", "item/x", "item/y", "item/z"}, {.folder = folder.path()});
+    for (const auto& [first, again] :
+        {std::pair("w/in", "z/w"), {"x/in", "z/x"}, {"y/in", "z/y/in"}})
+        EXPECT_TRUE(fs::equivalent(folder / "item" / first, folder / "item" / again)) << again;
+}
+
 TEST_P(Tar, keepsTimesToTheNanosecond)
 {
     shell(R"(for time in 1000000000.123456789 1000000000.0005 0.000000001 -100 8589934592.0000001
@@ -214,4 +225,14 @@ TEST_F(Zip, findsWhatCompressesAmongWhatDoesNot)
         EXPECT_LE(fs::file_size(archive), fs::file_size(folder / "theirs.zip") + slack);
         EXPECT_LE(fs::file_size(archive), data.size() + 160); // for the records
     }
+}
+
+// What a tool reads is the measure of how far it is.
+TEST_F(Zip, readsNothingTwiceThatOnlyInOnePlaceLooksAsIfItCompressed)
+{
+    if (!canTrace())
+        GTEST_SKIP() << "no tracing here";
+    writeFile(item, randomBytes(598'020, 1) + std::string(40, ' ') + randomBytes(900'000, 2));
+    ASSERT_EQ(make({.prefix = strace("trace=pread64")}).status, 0);
+    EXPECT_FALSE(contains(readFile(folder / "log"), ".part-"));
 }

@@ -42,7 +42,7 @@ constexpr std::size_t bytesPerRepeated = 32; // fewer repeats than that are no l
 // Third test: short repeats, as a trial at the quickest level finds them.
 constexpr std::size_t sampleSize = std::size_t{4} << 10;
 constexpr std::size_t sampleDistance = std::size_t{64} << 10;
-constexpr std::size_t sampleGoal = sampleSize - sampleSize / 64;
+constexpr std::size_t bytesPerGained = 64; // less is not worth having
 
 // What is smaller is simply compressed: little can be won.
 constexpr std::size_t smallestJudged = std::size_t{16} << 10;
@@ -152,16 +152,19 @@ bool hasLongRepeats(std::span<const std::byte> data)
     return repeated >= data.size() / bytesPerRepeated;
 }
 
+bool gains(Compressor& compressor, std::span<const std::byte> data)
+{
+    ByteBuffer scratch;
+    const std::size_t size = compressor.compressSmaller(data, scratch);
+    return size != 0 && size < data.size() - data.size() / bytesPerGained;
+}
+
 bool hasShortRepeats(std::span<const std::byte> data)
 {
     Compressor quick(1);
-    ByteBuffer scratch;
-    for (std::size_t at = 0; at + sampleSize <= data.size(); at += sampleDistance) {
-        scratch.clear();
-        const std::size_t size = quick.compressSmaller(data.subspan(at, sampleSize), scratch);
-        if (size != 0 && size < sampleGoal)
+    for (std::size_t at = 0; at + sampleSize <= data.size(); at += sampleDistance)
+        if (gains(quick, data.subspan(at, sampleSize)))
             return true;
-    }
     return false;
 }
 
@@ -272,6 +275,12 @@ bool looksIncompressible(std::span<const std::byte> data)
     if (data.size() >= smallestJudged)
         return hasEvenBytes(data) && !hasRepeats(data);
     return data.size() >= spotSize && isOfACompressedFormat(data) && hasEvenBytes(data);
+}
+
+bool compressesQuickly(std::span<const std::byte> data)
+{
+    Compressor quick(1);
+    return gains(quick, data);
 }
 
 void Compressor::Free::operator()(libdeflate_compressor* compressor) const

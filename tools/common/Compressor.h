@@ -28,6 +28,9 @@ inline constexpr std::size_t pieceSize = std::size_t{1} << 20;
 // begins like a compressed format.
 bool looksIncompressible(std::span<const std::byte> data);
 
+// Whether a trial of all of it, at the quickest level, gains anything to speak of.
+bool compressesQuickly(std::span<const std::byte> data);
+
 class Compressor
 {
 public:

@@ -3,6 +3,7 @@
 #include "system/Utf8.h"
 #include "tools/common/Interrupt.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -90,8 +91,15 @@ bool isHighControl(std::string_view sequence)
         && static_cast<unsigned char>(sequence[1]) < 0xa0;
 }
 
+bool isPlain(char byte)
+{
+    return byte >= 0x20 && byte < 0x7f;
+}
+
 std::string escaped(std::string_view name, bool keepsUtf8)
 {
+    if (std::ranges::all_of(name, isPlain)) // as most are
+        return std::string(name);
     std::string text;
     text.reserve(name.size());
     while (!name.empty()) {

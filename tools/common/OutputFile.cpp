@@ -6,6 +6,7 @@
 #include "tools/common/Interrupt.h"
 #include "tools/common/Messages.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <thread>
@@ -91,8 +92,10 @@ std::optional<OutputFile> OutputFile::openExisting(const std::string& path)
         // Another process may have changed or replaced the file while this one waited.
         FileStatus now{};
         const bool isKnown = ::fstat(output.descriptor(), &output._status) == 0;
-        if (isKnown && ::stat(path.c_str(), &now) == 0 && isSameFile(now, output._status))
+        if (isKnown && ::stat(path.c_str(), &now) == 0 && isSameFile(now, output._status)) {
+            output._end = static_cast<std::uint64_t>(output._status.st_size);
             return output;
+        }
     }
 }
 
@@ -110,12 +113,21 @@ void OutputFile::append(std::span<const std::byte> bytes)
 
 void OutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes)
 {
+    _end = std::max(_end, offset + bytes.size()); // part of a write that fails may be done
     if (!FileBytes::writeAllAt(descriptor(), offset, bytes))
         cannotWrite(_path);
 }
 
+void OutputFile::readAt(std::uint64_t offset, std::span<std::byte> bytes) const
+{
+    if (FileBytes::readFullyAt(descriptor(), offset, bytes) != std::ssize(bytes))
+        throw systemFailure(FailureKind::write, "cannot read the archive back");
+}
+
 void OutputFile::truncateHere()
 {
+    if (_position == _end)
+        return;
     const auto size = static_cast<off_t>(_position);
     if (retryOnInterrupt([&] { return ::ftruncate(descriptor(), size); }) != 0)
         cannotWrite(_path);

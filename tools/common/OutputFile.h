@@ -31,6 +31,8 @@ public:
     void append(std::span<const std::byte> bytes);
     // Writes elsewhere, leaving the position alone.
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes);
+    // Reads back what is there.
+    void readAt(std::uint64_t offset, std::span<std::byte> bytes) const;
 
     [[nodiscard]] std::uint64_t position() const { return _position; }
     void setPosition(std::uint64_t position) { _position = _writebackEnd = position; }
@@ -65,5 +67,6 @@ private:
     FileDescriptor _file; // what is
     FileStatus _status{};
     std::uint64_t _position = 0;
+    std::uint64_t _end = 0; // of the file, or further if a write has failed
     std::uint64_t _writebackEnd = 0; // the disk has been told of what lies before
 };

@@ -100,7 +100,8 @@ bool SourceFile::looksIncompressible()
         if (FileBytes::readFullyAt(_file.number(), sample * _stride, bytes) != std::ssize(bytes))
             return false;
         _samples.keep(bytes.size());
-        if (!::looksIncompressible(bytes))
+        // One that looks otherwise among such that do not may be so by chance.
+        if (!::looksIncompressible(bytes) && (sample == 0 || compressesQuickly(bytes)))
             return false;
     }
     return true;

@@ -5,9 +5,9 @@
 #include "tools/common/Interrupt.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 #include <dirent.h>
@@ -21,6 +21,10 @@ constexpr std::string_view excludedName = ".DS_Store";
 
 // How much of the names in one folder is sorted at once: some 400,000 of usual length.
 constexpr std::size_t sortedBytes = std::size_t{8} << 20;
+
+// Folders above the one that is read stay open, so that most are opened once; but not all of a very
+// deep tree, as there may not be so many descriptors.
+constexpr std::size_t mostOpenFolders = 16;
 
 enum class Kind : char { file, followedFile, folder, followedFolder, link, badLink, special, gone };
 
@@ -54,22 +58,11 @@ private:
     std::vector<std::uint32_t> _starts;
 };
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
-
-// Null with errno when it can't be read.
-OpenFolder openFolder(int parent, const char* name, bool isFollowed)
+// None, with errno, when it can't be read.
+FileDescriptor openFolder(int parent, const char* name, bool isFollowed)
 {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isFollowed ? 0 : O_NOFOLLOW);
-    FileDescriptor opened(retryOnInterrupt([&] { return ::openat(parent, name, flags); }));
-    if (!opened)
-        return nullptr;
-    OpenFolder folder(::fdopendir(opened.number()));
-    if (folder)
-        (void)opened.release(); // the folder closes it
-    return folder;
+    return FileDescriptor(retryOnInterrupt([&] { return ::openat(parent, name, flags); }));
 }
 
 Kind kindOfMode(mode_t mode)
@@ -114,12 +107,13 @@ public:
 private:
     // A folder that has been entered: all but its sub-folders from `next` on is done.
     struct Frame {
+        FileDescriptor folder; // none if too many others have been opened since
         std::size_t pathSize;
         dev_t device;
         ino_t inode;
         bool isFollowed;
-        NameList subfolders;
-        std::size_t next;
+        NameList subfolders = {};
+        std::size_t next = 0;
     };
 
     void _enterNext()
@@ -127,62 +121,62 @@ private:
         Frame& frame = _frames.back();
         _path.resize(frame.pathSize);
         const bool hasMore = frame.next < frame.subfolders.size();
-        if (hasMore && (_folder || _reopen())) {
+        if (hasMore && (frame.folder || _reopen())) {
             const std::size_t index = frame.next++;
-            _visitIn(frame.subfolders, index);
+            _visitIn(frame, frame.subfolders, index);
             return;
         }
         if (hasMore)
             _visitor.warn(_path, "was moved while it was read");
-        _leave();
-    }
-
-    // Steps back to the folder above, which is cheaper than opening it from the top. There is no
-    // such way out of a folder that a link led to.
-    void _leave()
-    {
-        const bool canStepBack = _folder && !_frames.back().isFollowed && _frames.size() > 1;
         _frames.pop_back();
-        _folder
-            = canStepBack ? _open(_frames.back(), ::dirfd(_folder.get()), "..", false) : nullptr;
     }
 
-    // Null if it is not the frame's folder, or cannot be opened.
-    static OpenFolder _open(const Frame& frame, int parent, const char* name, bool isFollowed)
+    // None if it is not the frame's folder, or cannot be opened.
+    static FileDescriptor _open(const Frame& frame, int parent, const char* name)
     {
-        OpenFolder folder = openFolder(parent, name, isFollowed);
+        FileDescriptor folder = openFolder(parent, name, frame.isFollowed);
         FileStatus status{};
-        if (!folder || ::fstat(::dirfd(folder.get()), &status) != 0 || status.st_dev != frame.device
+        if (!folder || ::fstat(folder.number(), &status) != 0 || status.st_dev != frame.device
             || status.st_ino != frame.inode)
-            return nullptr;
+            return {};
         return folder;
     }
 
     // Opens the last frame's folder again, from the top.
     bool _reopen()
     {
+        int parent = AT_FDCWD;
         std::size_t begin = 0;
-        for (const Frame& frame : _frames) {
+        for (std::size_t depth = 0; depth < _frames.size(); ++depth) {
+            Frame& frame = _frames[depth];
             const std::string name
                 = begin == 0 ? _name : _path.substr(begin, frame.pathSize - begin);
             begin = frame.pathSize + 1;
-            _folder = _open(
-                frame, _folder ? ::dirfd(_folder.get()) : AT_FDCWD, name.c_str(), frame.isFollowed);
-            if (!_folder)
+            frame.folder = _open(frame, parent, name.c_str());
+            if (!frame.folder)
                 return false;
+            parent = frame.folder.number();
+            _closeAbove(depth);
         }
         return true;
     }
 
+    // What is more than so many folders above one at that depth.
+    void _closeAbove(std::size_t depth)
+    {
+        if (depth >= mostOpenFolders)
+            _frames[depth - mostOpenFolders].folder.close();
+    }
+
     // The list may move while the folder is visited, so only its index is passed.
-    void _visitIn(const NameList& list, std::size_t index)
+    void _visitIn(const Frame& frame, const NameList& list, std::size_t index)
     {
         const std::string name = list.name(index);
         const Kind kind = list.kind(index);
         const std::size_t size = _path.size();
         _path += '/';
         _path += name;
-        _visit(::dirfd(_folder.get()), name.c_str(), kind);
+        _visit(frame.folder.number(), name.c_str(), kind);
         if (kind != Kind::folder && kind != Kind::followedFolder)
             _path.resize(size);
     }
@@ -245,13 +239,13 @@ private:
     void _enter(const TreeItem& item)
     {
         Interrupt::check();
-        OpenFolder folder = openFolder(item.folder, item.name, item.isFollowed);
+        FileDescriptor folder = openFolder(item.folder, item.name, item.isFollowed);
         if (!folder) {
             _visitUnreadable(item, errno);
             return;
         }
         FileStatus status{};
-        if (::fstat(::dirfd(folder.get()), &status) != 0)
+        if (::fstat(folder.number(), &status) != 0)
             _visitor.warn(_path, errorText(errno));
         else if (_isAncestor(status))
             _visitLoop(item);
@@ -286,53 +280,62 @@ private:
                             : "is a folder it lies in");
     }
 
-    // Visits all but the sub-folders, which are left for the new frame.
-    void _visitContent(OpenFolder folder, const FileStatus& status, bool isFollowed)
+    // Visits all but the sub-folders, which are left for later.
+    void _visitContent(FileDescriptor folder, const FileStatus& status, bool isFollowed)
     {
-        _folder = std::move(folder);
-        NameList subfolders;
+        _closeAbove(_frames.size());
+        _frames.push_back({.folder = std::move(folder),
+            .pathSize = _path.size(),
+            .device = status.st_dev,
+            .inode = status.st_ino,
+            .isFollowed = isFollowed});
+        Frame& frame = _frames.back();
         for (bool hasMore = true; hasMore;) {
             NameList files;
-            hasMore = _readNames(files, subfolders);
+            hasMore = _readNames(frame, files);
             files.sort();
             for (std::size_t index = 0; index < files.size(); ++index)
-                _visitIn(files, index);
+                _visitIn(frame, files, index);
         }
-        subfolders.sort();
-        _frames.push_back(
-            {_path.size(), status.st_dev, status.st_ino, isFollowed, std::move(subfolders), 0});
+        frame.subfolders.sort();
     }
 
     // False when the folder has been read to its end.
-    bool _readNames(NameList& files, NameList& subfolders)
+    bool _readNames(Frame& frame, NameList& files)
     {
         while (files.bytes() < sortedBytes) {
-            errno = 0;
-            // Each folder is read by the one thread that has opened it.
-            const dirent* entry = ::readdir(_folder.get()); // NOLINT(concurrency-mt-unsafe)
-            if (entry == nullptr && errno == EINTR)
-                continue;
-            if (entry == nullptr) {
-                if (errno != 0)
-                    _visitor.warn(_path, errorText(errno));
+            const ssize_t size = retryOnInterrupt([&] {
+                return ::getdents64(frame.folder.number(), _entries.data(), sizeof _entries);
+            });
+            if (size < 0)
+                _visitor.warn(_path, errorText(errno));
+            if (size <= 0)
                 return false;
+            for (ssize_t at = 0; at < size;) {
+                const auto* const entry = reinterpret_cast<const dirent64*>(_entries.data() + at);
+                at += entry->d_reclen;
+                _addName(frame, files, *entry);
             }
-            const std::string_view name(entry->d_name);
-            if (name == "." || name == "..")
-                continue;
-            const Kind kind = _kindOf(*entry);
-            const bool isFile = kind == Kind::file || kind == Kind::followedFile;
-            const bool isFolder = kind == Kind::folder || kind == Kind::followedFolder;
-            if (isFile && _options.excludesDSStore && name == excludedName)
-                ++_excludedCount;
-            else
-                (isFolder ? subfolders : files).add(kind, name);
         }
         return true;
     }
 
+    void _addName(Frame& frame, NameList& files, const dirent64& entry)
+    {
+        const std::string_view name(entry.d_name);
+        if (name == "." || name == "..")
+            return;
+        const Kind kind = _kindOf(frame.folder.number(), entry);
+        const bool isFile = kind == Kind::file || kind == Kind::followedFile;
+        const bool isFolder = kind == Kind::folder || kind == Kind::followedFolder;
+        if (isFile && _options.excludesDSStore && name == excludedName)
+            ++_excludedCount;
+        else
+            (isFolder ? frame.subfolders : files).add(kind, name);
+    }
+
     // The folder usually tells the kind; what it doesn't is asked for.
-    [[nodiscard]] Kind _kindOf(const dirent& entry) const
+    [[nodiscard]] Kind _kindOf(int folder, const dirent64& entry) const
     {
         if (entry.d_type == DT_REG)
             return Kind::file;
@@ -340,7 +343,7 @@ private:
             return Kind::folder;
         if (entry.d_type == DT_LNK && !_options.followsLinks)
             return Kind::link;
-        return _lookUp(::dirfd(_folder.get()), entry.d_name);
+        return _lookUp(folder, entry.d_name);
     }
 
     [[nodiscard]] Kind _lookUp(int folder, const char* name) const
@@ -368,7 +371,7 @@ private:
     const TreeWalkOptions& _options;
     TreeVisitor& _visitor;
     std::vector<Frame> _frames;
-    OpenFolder _folder; // the last frame's, or none yet
+    alignas(dirent64) std::array<char, std::size_t{32} << 10> _entries; // as the system gives them
     std::uint64_t _excludedCount = 0;
 };
 

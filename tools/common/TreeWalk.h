@@ -4,10 +4,10 @@
 // with hundreds of thousands of files only as many are sorted at once as memory shall hold; the
 // names of sub-folders are all held.
 //
-// Only one folder is open at a time, whatever the depth, and every step goes by a descriptor and
-// one name: paths may be longer than PATH_MAX, and nothing is followed that has not been looked at.
-// A folder that is left for a sub-folder is opened again, from there or from the top, when more of
-// it is to be done, and must be the same one then.
+// Only a few folders are open at a time, whatever the depth, and every step goes by a descriptor
+// and one name: paths may be longer than PATH_MAX, and nothing is followed that has not been looked
+// at. A folder far above the one that is read is opened again, from the top, when more of it is to
+// be done, and must be the same one then.
 //
 // With links followed, a link that leads to a folder it lies in would never end; such a link, one
 // that leads nowhere and one to a device are handed over as the links they are, with a warning.

@@ -15,10 +15,10 @@ class StreamReader : public TreeReader
 {
 public:
     StreamReader(
-        Pipeline<StreamBlock>::Feed& feed, const OwnFiles& ownFiles, LinkedFiles linkedFiles)
+        Pipeline<StreamBlock>::Feed& feed, const OwnFiles& ownFiles, HardLinks::WalkAhead walkAhead)
         : TreeReader(ownFiles)
         , _feed(feed)
-        , _hardLinks(std::move(linkedFiles))
+        , _hardLinks(std::move(walkAhead))
     {
     }
 

@@ -88,8 +88,8 @@ std::string paxRecord(std::string_view key, std::string_view value)
     return record;
 }
 
-// Seconds as a decimal fraction; before 1970 whole ones, because bsdtar reads fractions of those as
-// if they counted forward.
+// Seconds as a decimal fraction, of always nine digits so that the extended headers are alike;
+// before 1970 whole ones, because bsdtar reads fractions of those as if they counted forward.
 std::string decimal(const timespec& time)
 {
     std::string text = std::to_string(time.tv_sec);
@@ -97,7 +97,6 @@ std::string decimal(const timespec& time)
         return text;
     std::string fraction = std::to_string(1'000'000'000 + time.tv_nsec);
     fraction.front() = '.';
-    fraction.erase(fraction.find_last_not_of('0') + 1);
     return text + fraction;
 }
 
@@ -146,7 +145,7 @@ void appendBlock(
     using namespace std::string_view_literals;
     put(block, magicField, "ustar\00000"sv);
     put(block, checksumField, "        ");
-    std::int64_t sum = 0;
+    std::uint32_t sum = 0;
     for (const char byte : block)
         sum += static_cast<unsigned char>(byte);
     putOctal(block, {checksumField.offset, checksumField.size - 1}, sum);
@@ -162,6 +161,7 @@ namespace TarFormat
 ByteBuffer header(const Entry& entry)
 {
     ByteBuffer bytes;
+    (void)bytes.room(3 * blockSize); // all that most take
     const std::string records = paxRecords(entry);
     if (!records.empty()) {
         // The same for all, since most entries may have one: it takes 42 bytes compressed, with the

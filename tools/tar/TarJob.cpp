@@ -63,7 +63,8 @@ Counts readTree(
     Pipeline<StreamBlock>::Feed& feed, const OwnFiles& ownFiles, const TarOptions& options)
 {
     const TreeWalkOptions walk{.followsLinks = true, .excludesDSStore = options.excludesDSStore};
-    StreamReader reader(feed, ownFiles, LinkedFiles(options.folder, walk, ownFiles));
+    StreamReader reader(
+        feed, ownFiles, [&] { return LinkedFiles(options.folder, walk, ownFiles); });
     const std::uint64_t excluded = walkTree(options.folder, options.folder, walk, reader);
     reader.finish();
     return {reader.entryCount(), excluded, reader.warningCount()};

@@ -189,22 +189,21 @@ std::string_view topNameOf(std::string_view name)
     return name.substr(0, name.find('/'));
 }
 
-// Visits every record, and hands on the bytes of the directory, in parts of whole records. Most
-// come as one part, with room for more behind it: for each item the whole directory is read, and
-// must not be copied besides.
-template <class Visit, class Take>
-void readDirectory(
-    int descriptor, const ZipFormat::Directory& directory, const Visit& visit, const Take& take)
+// Visits every record. Whatever the size of the directory, little memory is needed: it is read anew
+// for each item that is added, and fresh memory takes far longer than the reading.
+template <class Visit>
+void readDirectory(int descriptor, const ZipFormat::Directory& directory, const Visit& visit)
 {
-    constexpr std::size_t readSize = std::size_t{4} << 20; // many of the longest records
-    constexpr std::size_t roomBehind = std::size_t{16} << 10;
+    constexpr std::size_t readSize = std::size_t{32} << 10;
+    constexpr std::size_t longestRecord = ZipFormat::centralSize + 3 * std::size_t{0xffff};
     std::uint64_t unread = directory.size;
     std::uint64_t count = 0;
     ByteBuffer window; // what has been read and not parsed
+    (void)window.room(longestRecord + readSize);
     while (unread > 0) {
         const std::size_t more = std::min<std::uint64_t>(readSize, unread);
         const std::uint64_t offset = directory.offset + directory.size - unread;
-        readAt(descriptor, offset, window.room(more + roomBehind).first(more));
+        readAt(descriptor, offset, window.room(more));
         window.keep(more);
         unread -= more;
         std::span<const std::byte> rest(window);
@@ -214,11 +213,8 @@ void readDirectory(
         }
         if (unread == 0 && !rest.empty())
             throw bad("has a damaged directory");
-        ByteBuffer cut;
-        cut.append(rest);
-        window.shrinkTo(window.size() - rest.size());
-        take(std::move(window));
-        window = std::move(cut);
+        std::copy_n(rest.data(), rest.size(), window.begin());
+        window.shrinkTo(rest.size());
     }
     if (count != directory.entryCount)
         throw bad("has another number of members than it says");
@@ -226,8 +222,7 @@ void readDirectory(
 
 } // namespace
 
-ExistingArchive ExistingArchive::read(
-    int descriptor, std::uint64_t size, std::string_view item, SpillBuffer& records)
+ExistingArchive ExistingArchive::read(int descriptor, std::uint64_t size, std::string_view item)
 {
     std::vector<std::byte> last;
     std::optional<std::size_t> endAt;
@@ -260,8 +255,7 @@ ExistingArchive ExistingArchive::read(
         usesZip64 = usesZip64 || record.usesZip64;
         archive.holdsItem = archive.holdsItem || topNameOf(record.name) == item;
     };
-    readDirectory(
-        descriptor, directory, visit, [&](ByteBuffer&& part) { records.append(std::move(part)); });
+    readDirectory(descriptor, directory, visit);
     archive.directory.usesZip64 = directory.usesZip64 || usesZip64;
     return archive;
 }
@@ -269,8 +263,7 @@ ExistingArchive ExistingArchive::read(
 std::unordered_set<std::string> ExistingArchive::topNames(int descriptor) const
 {
     std::unordered_set<std::string> names;
-    readDirectory(
-        descriptor, directory, [&](const Record& record) { names.emplace(topNameOf(record.name)); },
-        [](const ByteBuffer& /*part*/) {});
+    readDirectory(descriptor, directory,
+        [&](const Record& record) { names.emplace(topNameOf(record.name)); });
     return names;
 }

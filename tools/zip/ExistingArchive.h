@@ -6,7 +6,6 @@
 // directory is encrypted or signed.
 #pragma once
 
-#include "tools/zip/SpillBuffer.h"
 #include "tools/zip/ZipFormat.h"
 
 #include <cstddef>
@@ -22,11 +21,9 @@ struct ExistingArchive {
     std::vector<std::byte> comment;
     bool holdsItem = false; // an entry of the name that was asked for, or below it
 
-    // Reads the archive of `size` bytes open as `descriptor`, putting the bytes of its central
-    // directory in `records`, and looks for the item, one name. Throws a Failure of kind BadArchive
-    // that says what is wrong.
-    static ExistingArchive read(
-        int descriptor, std::uint64_t size, std::string_view item, SpillBuffer& records);
+    // Reads the archive of `size` bytes open as `descriptor`, and looks for the item, one name.
+    // Throws a Failure of kind BadArchive that says what is wrong.
+    static ExistingArchive read(int descriptor, std::uint64_t size, std::string_view item);
 
     // The first components of all names in it, for many questions: read anew.
     [[nodiscard]] std::unordered_set<std::string> topNames(int descriptor) const;

@@ -46,14 +46,6 @@ void SpillBuffer::append(std::span<const std::byte> bytes)
     _memory.append(bytes);
 }
 
-void SpillBuffer::append(ByteBuffer&& bytes)
-{
-    if (size() == 0 && bytes.size() <= memoryLimit)
-        _memory = std::move(bytes);
-    else
-        append(std::span<const std::byte>(bytes));
-}
-
 void SpillBuffer::_spill()
 {
     if (!_file)

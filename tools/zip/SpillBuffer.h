@@ -21,8 +21,6 @@ public:
     }
 
     void append(std::span<const std::byte> bytes);
-    // Takes the memory over when they are the first, instead of copying them.
-    void append(ByteBuffer&& bytes);
     [[nodiscard]] std::uint64_t size() const { return _spilled + _memory.size(); }
 
     // Hands the first `size` bytes to `take`, piece by piece.

@@ -1,6 +1,5 @@
 #include "tools/zip/ZipWriter.h"
 
-#include "system/FileBytes.h"
 #include "system/PathString.h"
 #include "tools/common/Compressor.h"
 #include "tools/common/Crc32.h"
@@ -21,6 +20,13 @@ OutputFile openArchive(const std::string& path, ZipWriter::Existing existing)
     return OutputFile::createBeside(path);
 }
 
+ExistingArchive readArchive(const OutputFile& file, std::string_view item)
+{
+    const auto size = static_cast<std::uint64_t>(file.status().st_size);
+    return file.isInPlace() && size > 0 ? ExistingArchive::read(file.descriptor(), size, item)
+                                        : ExistingArchive();
+}
+
 } // namespace
 
 ZipWriter::ZipWriter(
@@ -29,12 +35,11 @@ ZipWriter::ZipWriter(
     , _progressLine(std::move(progressLine))
     , _file(openArchive(path, existing))
     , _isInPlace(_file.isInPlace())
+    , _existing(readArchive(_file, item))
+    , _oldDirectory(_file, _existing.directory, PathString::folderOf(path))
     , _records(PathString::folderOf(path))
+    , _usesZip64(_existing.directory.usesZip64)
 {
-    const auto size = static_cast<std::uint64_t>(_file.status().st_size);
-    if (_isInPlace && size > 0)
-        _existing = ExistingArchive::read(_file.descriptor(), size, item, _records);
-    _usesZip64 = _existing.directory.usesZip64;
     _file.setPosition(_existing.directory.offset);
 }
 
@@ -57,7 +62,7 @@ void ZipWriter::add(const Block& block)
     } else {
         const std::uint64_t begin = _file.position();
         _entryCount += block.members.size();
-        _file.append(block.output);
+        _append(block.output);
         for (const Member& member : block.members) {
             ZipFormat::Entry entry = member.entry;
             entry.offset = begin + member.outputBegin;
@@ -65,6 +70,12 @@ void ZipWriter::add(const Block& block)
         }
     }
     Messages::progress(_progress);
+}
+
+void ZipWriter::_append(std::span<const std::byte> bytes)
+{
+    _oldDirectory.holdUpTo(_file.position() + bytes.size());
+    _file.append(bytes);
 }
 
 void ZipWriter::_addPiece(const Block& block, const Member& piece)
@@ -76,11 +87,11 @@ void ZipWriter::_addPiece(const Block& block, const Member& piece)
         _open.offset = _file.position();
         ByteBuffer header;
         ZipFormat::appendLocalHeader(header, _open);
-        _file.append(header);
+        _append(header);
     }
     const std::span<const std::byte> input = block.dataOf(piece);
     const std::span<const std::byte> data = piece.isStored ? input : std::span(block.output);
-    _file.append(data);
+    _append(data);
     _open.crc = Crc32::combine(_open.crc, piece.crc, input.size());
     _open.size += input.size();
     _open.compressedSize += data.size();
@@ -115,9 +126,7 @@ void ZipWriter::_storeOpen()
         Interrupt::check();
         _readBack.clear();
         const std::span<std::byte> compressed = _readBack.room(piece.compressedSize);
-        if (FileBytes::readFullyAt(_file.descriptor(), readAt, compressed)
-            != std::ssize(compressed))
-            throw systemFailure(FailureKind::write, "cannot read the archive back");
+        _file.readAt(readAt, compressed);
         _readBack.keep(compressed.size());
         readAt += compressed.size();
         Compressor::restorePiece(_readBack, data.room(piece.size));
@@ -148,10 +157,11 @@ bool ZipWriter::finish()
     if (_newRecords == 0)
         throw Failure(FailureKind::nothingToDo, "nothing to do: no input is left to be stored");
     const ZipFormat::Directory directory{_existing.directory.entryCount + _newRecords,
-        _records.size(), _file.position(), _usesZip64};
+        _existing.directory.size + _records.size(), _file.position(), _usesZip64};
     ByteBuffer end;
     ZipFormat::appendEnd(end, directory, _existing.comment);
     _records.append(end);
+    _oldDirectory.moveToPosition();
     _records.read(_records.size(), [&](std::span<const std::byte> part) { _file.append(part); });
     _file.truncateHere();
     bool isSecured = true;
@@ -167,9 +177,7 @@ bool ZipWriter::finish()
 
 void ZipWriter::_restore()
 {
-    _file.setPosition(_existing.directory.offset);
-    _records.read(
-        _existing.directory.size, [&](std::span<const std::byte> part) { _file.append(part); });
+    _oldDirectory.putBack();
     _file.append(_existing.tail);
     _file.truncateHere();
 }

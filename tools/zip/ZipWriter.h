@@ -12,6 +12,7 @@
 #include "tools/common/OutputFile.h"
 #include "tools/zip/Block.h"
 #include "tools/zip/ExistingArchive.h"
+#include "tools/zip/OldDirectory.h"
 #include "tools/zip/SpillBuffer.h"
 
 #include <cstdint>
@@ -57,6 +58,7 @@ private:
         std::size_t compressedSize = 0;
     };
 
+    void _append(std::span<const std::byte> bytes);
     void _addPiece(const Block& block, const Member& piece);
     void _finishOpen();
     void _storeOpen();
@@ -67,8 +69,9 @@ private:
     const ProgressLine _progressLine;
     OutputFile _file;
     const bool _isInPlace;
-    SpillBuffer _records; // the central directory, old records first
-    ExistingArchive _existing; // empty for a new archive
+    const ExistingArchive _existing; // empty for a new archive
+    OldDirectory _oldDirectory;
+    SpillBuffer _records; // new ones
     ZipFormat::Entry _open; // of the pieces that come one after the other
     std::vector<Piece> _pieces; // of the open entry so far
     ByteBuffer _readBack; // a piece
@@ -76,6 +79,6 @@ private:
     std::string _progress;
     std::uint64_t _entryCount = 0;
     std::uint64_t _newRecords = 0;
-    bool _usesZip64 = false; // a record, old or new, or the end that was there
+    bool _usesZip64; // a record, old or new, or the end that was there
     bool _isFinished = false;
 };
